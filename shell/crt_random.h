@@ -1,0 +1,17 @@
+// The C runtime's 15-bit linear congruential generator, as our own code on every platform: the
+// look of most effects and of the textures depends on its exact sequence and on the order of calls.
+// One process-wide state, like the runtime's; everything runs on one thread.
+#pragma once
+
+#include <cstdint>
+
+namespace crt {
+
+constexpr int kRandMax = 0x7FFF;
+
+// Sets the state to `seed`.
+void srand(uint32_t seed);
+// Advances the state (state * 214013 + 2531011 mod 2^32) and returns its bits 16 to 30.
+int rand();
+
+}  // namespace crt

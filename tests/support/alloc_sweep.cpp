@@ -1,0 +1,24 @@
+#include "tests/support/alloc_sweep.h"
+
+#include "platform/memory.h"
+
+testing::AssertionResult SweepAllocationFailures(const std::function<int()>& run,
+                                                 long maxAllocations) {
+  for (long n = 1; n <= maxAllocations; ++n) {
+    const long before = MovableLiveCount();
+    MovableFailAllocation(n);
+    const int result = run();
+    const long attempts = MovableAllocationCount();
+    MovableFailAllocation(0);
+    const long leaked = MovableLiveCount() - before;
+    if (attempts < n) {
+      if (!result) return testing::AssertionFailure() << "failed with no injected failure";
+      if (leaked) return testing::AssertionFailure() << leaked << " blocks leaked on success";
+      if (n == 1) return testing::AssertionFailure() << "the operation allocated nothing";
+      return testing::AssertionSuccess() << n - 1 << " allocation points";
+    }
+    if (result) return testing::AssertionFailure() << "succeeded although allocation " << n << " failed";
+    if (leaked) return testing::AssertionFailure() << leaked << " blocks leaked when allocation " << n << " failed";
+  }
+  return testing::AssertionFailure() << "more than " << maxAllocations << " allocations";
+}

@@ -1,0 +1,14 @@
+// Allocation-failure sweeps: run a whole operation once for every allocation it makes, with that
+// allocation failing, and check that it reports failure and leaves no block behind.
+#pragma once
+
+#include <functional>
+
+#include <gtest/gtest.h>
+
+// `run` performs the operation and returns nonzero on success; on success it must itself free
+// whatever the operation produced. For n = 1, 2, ... the n-th allocation fails: each such run must
+// return 0 with the live-handle count unchanged. The sweep ends with the first run that made fewer
+// than n allocations, which must succeed without a leak.
+testing::AssertionResult SweepAllocationFailures(const std::function<int()>& run,
+                                                 long maxAllocations = 100000);

@@ -1,0 +1,104 @@
+#include "platform/memory.h"
+
+#include <cstring>
+
+#include <gtest/gtest.h>
+
+#include "tests/support/alloc_sweep.h"
+
+TEST(Memory, BlocksAreZeroFilledAndGrowZeroFilled) {
+  MovableHandle h = MovableAlloc(100);
+  ASSERT_NE(h, nullptr);
+  EXPECT_GE(MovableSize(h), 100u);
+  uint8_t* bytes = static_cast<uint8_t*>(MovableLock(h));
+  ASSERT_NE(bytes, nullptr);
+  for (int i = 0; i < 100; ++i) ASSERT_EQ(bytes[i], 0) << i;
+  std::memset(bytes, 0xAB, 100);
+  MovableUnlock(h);
+
+  MovableHandle grown = MovableReAlloc(h, 5000);
+  ASSERT_NE(grown, nullptr);
+  bytes = static_cast<uint8_t*>(MovableLock(grown));
+  EXPECT_EQ(bytes[99], 0xAB);
+  for (int i = 100; i < 5000; ++i) ASSERT_EQ(bytes[i], 0) << i;
+  MovableUnlock(grown);
+  EXPECT_EQ(MovableFree(grown), nullptr);
+}
+
+TEST(Memory, LiveCountFollowsAllocAndFree) {
+  const long before = MovableLiveCount();
+  MovableHandle a = MovableAlloc(8);
+  MovableHandle b = MovableAlloc(8);
+  EXPECT_EQ(MovableLiveCount(), before + 2);
+  MovableFree(a);
+  MovableFree(b);
+  EXPECT_EQ(MovableLiveCount(), before);
+  EXPECT_EQ(MovableFree(nullptr), nullptr);
+  EXPECT_EQ(MovableSize(nullptr), 0u);
+  EXPECT_EQ(MovableLock(nullptr), nullptr);
+}
+
+TEST(Memory, InjectedFailureHitsOnlyTheNthAllocation) {
+  const long before = MovableLiveCount();
+  MovableFailAllocation(2);
+  MovableHandle first = MovableAlloc(4);
+  MovableHandle second = MovableAlloc(4);
+  MovableHandle third = MovableAlloc(4);
+  MovableFailAllocation(0);
+  EXPECT_NE(first, nullptr);
+  EXPECT_EQ(second, nullptr);
+  EXPECT_NE(third, nullptr);
+
+  // A failed reallocation leaves the old block whole and owned by the caller.
+  static_cast<uint8_t*>(MovableLock(first))[0] = 7;
+  MovableUnlock(first);
+  MovableFailAllocation(1);
+  EXPECT_EQ(MovableReAlloc(first, 4096), nullptr);
+  MovableFailAllocation(0);
+  EXPECT_EQ(static_cast<uint8_t*>(MovableLock(first))[0], 7);
+  MovableUnlock(first);
+  MovableFree(first);
+  MovableFree(third);
+  EXPECT_EQ(MovableLiveCount(), before);
+}
+
+TEST(Memory, ScopedGuardsPairLockAndFree) {
+  const long before = MovableLiveCount();
+  {
+    ScopedBlock block(MovableAlloc(16));
+    ScopedLock lock(block.handle);
+    ASSERT_TRUE(lock);
+    lock.bytes[0] = 1;
+  }
+  EXPECT_EQ(MovableLiveCount(), before);
+  MovableHandle kept;
+  {
+    ScopedBlock block(MovableAlloc(16));
+    { ScopedLock lock(block.handle); }
+    kept = block.Release();
+  }
+  EXPECT_EQ(MovableLiveCount(), before + 1);
+  // Unlocked on leaving the scope: one lock now is the only one.
+  MovableLock(kept);
+  EXPECT_EQ(MovableUnlock(kept), 0);
+  MovableFree(kept);
+}
+
+TEST(AllocationSweep, CatchesALeakOnTheFailurePath) {
+  // An operation that forgets its first block when the second allocation fails.
+  MovableHandle forgotten = nullptr;
+  auto leaky = [&forgotten] {
+    MovableHandle a = MovableAlloc(4);
+    if (!a) return 0;
+    forgotten = a;
+    MovableHandle b = MovableAlloc(4);
+    if (!b) return 0;
+    MovableFree(a);
+    MovableFree(b);
+    return 1;
+  };
+  const long before = MovableLiveCount();
+  EXPECT_FALSE(SweepAllocationFailures(leaky));
+  EXPECT_EQ(MovableLiveCount(), before + 1);
+  MovableFree(forgotten);
+}
