@@ -1,0 +1,15 @@
+// DispatchDraw: the one entry of the drawing layer. Each operation code maps to the procedure that
+// performs it; the procedures live with their platform.
+#include "text/drawing_layer.h"
+
+uint64_t DispatchDraw(DrawRequest* request) {
+  if (!request) return 0;
+  switch (request->operation) {
+    case kDrawStartup:
+      return DrawingStartup(&request->token);
+    case kDrawShutdown:
+      return DrawingShutdown(request->token);
+    default:
+      return 0;
+  }
+}

@@ -1,0 +1,73 @@
+// The drawing layer: every operation of the platform's 2-D graphics library passes through
+// DispatchDraw with one zero-filled DrawRequest naming the operation. Drawing operations make a
+// private bitmap, draw into it and hand back a Packed DIB that the caller owns.
+#pragma once
+
+#include <cstdint>
+
+#include "platform/dialog.h"
+
+struct DrawBounds {
+  int32_t left, top, right, bottom;
+};
+
+struct DrawRequest {
+  uint64_t token;       // start-up token: written by start-up, read by shutdown
+  WindowHandle window;  // owner window; set by callers, read by no operation
+  DrawBounds bounds;    // extent of the shape for line, ellipse, rectangle and polygon
+  int32_t operation;    // one of the kDraw* codes
+  int32_t depth;        // callers set 8; read by no operation
+  int32_t level;        // alpha of the text brush in text mode 1, and the mask's grey level
+  uint8_t ramp[768];    // the grey ramp; read by no operation
+  int32_t antialias;
+  int32_t lineX1, lineY1, lineX2, lineY2;
+  int32_t lineWidth;
+  int32_t lineCapKind;  // -1: caps from lineStartCap and lineEndCap; 0: round; else flat
+  uint32_t lineColour;
+  uint32_t lineStartCap, lineEndCap;
+  int32_t shapePenWidth;
+  int32_t shapeFill;     // COLORREF or -1 for no fill
+  int32_t shapeOutline;  // COLORREF or -1 for no outline
+  int32_t cornerPercent;
+  int32_t textX, textY;
+  int32_t measuredWidth, measuredHeight;  // results of every text mode
+  int32_t fontSize;
+  int32_t bold, italic, underline;
+  const char* faceName;
+  const char* text;  // in the system's 8-bit code page
+  uint32_t textColour;
+  void* logFont;        // a LOGFONT-like description, or null
+  void* deviceContext;  // the context the font is selected into
+  int32_t textMode;
+  int32_t textPenWidth;
+  int32_t vertexCount;
+  const int32_t* vertices;  // x, y pairs
+  uint32_t polygonPenWidth;
+  int32_t polygonFill;
+  int32_t polygonOutline;
+  int32_t gradientWidth, gradientHeight;
+  int32_t gradientKind;  // 0 linear, 1 elliptical path, 2 rectangular path
+  uint32_t gradientFrom, gradientTo;
+  int32_t gradientAngle;
+  int32_t gradientCentreX, gradientCentreY;
+};
+
+enum DrawOperation : int32_t {
+  kDrawStartup = 1,
+  kDrawShutdown = 2,
+  kDrawLine = 3,
+  kDrawEllipse = 4,
+  kDrawRectangle = 5,
+  kDrawPolygon = 6,
+  kDrawText = 7,
+  kDrawGradient = 8,
+};
+
+// Performs the operation the request names. Start-up and shutdown return 1; drawing operations
+// return a Packed DIB handle (as an integer) or 0; an unknown code returns 0 and does nothing.
+uint64_t DispatchDraw(DrawRequest* request);
+
+// The platform's side of start-up and shutdown: starts the graphics library and stores its token;
+// stops it. Both return 1 on success.
+int DrawingStartup(uint64_t* token);
+int DrawingShutdown(uint64_t token);
