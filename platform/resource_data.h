@@ -1,0 +1,14 @@
+// Data built into the program: RCDATA resources of the module and the system colours that
+// pictures are flattened on. On Windows these are the module's own resources; elsewhere no
+// resources are linked in yet and lookups find nothing.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+// The bytes of the RCDATA resource `id` of this module and their count, or null. The bytes stay
+// valid for the life of the process and must not be freed.
+const uint8_t* FindDataResource(int32_t id, size_t* size);
+
+// The face colour of buttons, 0x00BBGGRR.
+uint32_t ButtonFaceColour();

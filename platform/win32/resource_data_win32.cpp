@@ -1,0 +1,33 @@
+// Resources of the module that holds this code (the DLL, or the test program it is linked into),
+// found by an address inside it so that the host's own resources are never searched.
+#include <windows.h>
+
+#include "platform/resource_data.h"
+
+namespace {
+
+HMODULE ThisModule() {
+  HMODULE module = nullptr;
+  GetModuleHandleExA(
+      GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+      reinterpret_cast<LPCSTR>(&ThisModule), &module);
+  return module;
+}
+
+}  // namespace
+
+const uint8_t* FindDataResource(int32_t id, size_t* size) {
+  *size = 0;
+  HMODULE module = ThisModule();
+  HRSRC found = FindResourceA(module, MAKEINTRESOURCEA(id), MAKEINTRESOURCEA(10));  // RT_RCDATA
+  if (!found) return nullptr;
+  HGLOBAL loaded = LoadResource(module, found);
+  if (!loaded) return nullptr;
+  const uint8_t* bytes = static_cast<const uint8_t*>(LockResource(loaded));
+  if (bytes) *size = SizeofResource(module, found);
+  return bytes;
+}
+
+uint32_t ButtonFaceColour() {
+  return GetSysColor(COLOR_BTNFACE);
+}

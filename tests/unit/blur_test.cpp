@@ -1,0 +1,220 @@
+#include "text/blur.h"
+
+#include <cmath>
+#include <cstring>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "shell/packed_dib.h"
+#include "tests/support/alloc_sweep.h"
+#include "tests/support/test_images.h"
+
+namespace {
+
+// The blurs written plainly from their description, pixel by pixel through the accessors.
+void ReferenceConvolve(const std::vector<double>& k, const std::vector<uint32_t>& in,
+                       std::vector<uint32_t>& out, int channels) {
+  const int taps = static_cast<int>(k.size()), half = taps / 2,
+            length = static_cast<int>(in.size());
+  if (taps > length) return;
+  for (int i = 0; i < length; ++i) {
+    uint32_t value = 0;
+    for (int ch = 0; ch < channels; ++ch) {
+      double sum = 0, weights = 0;
+      int lo = 0, hi = taps;
+      if (i < half) lo = half - i;
+      if (i >= length - half) hi = half - i + length;
+      for (int t = lo; t < hi; ++t) {
+        sum += k[t] * ((in[i - half + t] >> (8 * ch)) & 0xFF);
+        weights += k[t];
+      }
+      const bool edge = i < half || i >= length - half;
+      value |= static_cast<uint32_t>(edge ? (sum + 0.5) / weights : sum + 0.5) << (8 * ch);
+    }
+    out[i] = value;
+  }
+}
+
+MovableHandle ReferenceGaussian(MovableHandle image, int sigmaTenths) {
+  MovableHandle kernelHandle;
+  MakeGaussianKernel(41, sigmaTenths / 10.0, &kernelHandle);
+  std::vector<double> k(41);
+  {
+    ScopedLock lock(kernelHandle);
+    std::memcpy(k.data(), lock.bytes, sizeof(double) * 41);
+  }
+  MovableFree(kernelHandle);
+  MovableHandle result = CopyMovableBlock(image);
+  ScopedLock src(image), dst(result);
+  const auto* h = reinterpret_cast<const BitmapInfoHeader*>(src.bytes);
+  const int w = h->biWidth, ht = h->biHeight, channels = h->biBitCount / 8;
+  for (int y = 0; y < ht; ++y) {
+    std::vector<uint32_t> in(w), out(w);
+    for (int x = 0; x < w; ++x) in[x] = ReadDibPixel(src.bytes, x, y);
+    for (int x = 0; x < w; ++x) out[x] = ReadDibPixel(dst.bytes, x, y);
+    ReferenceConvolve(k, in, out, channels);
+    for (int x = 0; x < w; ++x) WriteDibPixel(dst.bytes, x, y, out[x]);
+  }
+  for (int y = 0; y < ht; ++y)
+    for (int x = 0; x < w; ++x) WriteDibPixel(src.bytes, x, y, ReadDibPixel(dst.bytes, x, y));
+  std::vector<uint32_t> out(ht, 0);
+  for (int x = 0; x < w; ++x) {
+    std::vector<uint32_t> in(ht);
+    for (int y = 0; y < ht; ++y) in[y] = ReadDibPixel(src.bytes, x, y);
+    ReferenceConvolve(k, in, out, channels);
+    for (int y = 0; y < ht; ++y) WriteDibPixel(dst.bytes, x, y, out[y]);
+  }
+  return result;
+}
+
+MovableHandle ReferenceBox(MovableHandle image, int strength) {
+  const int r = strength / 6;
+  MovableHandle result = CopyMovableBlock(image);
+  ScopedLock lock(result);
+  const auto* h = reinterpret_cast<const BitmapInfoHeader*>(lock.bytes);
+  const int w = h->biWidth, ht = h->biHeight, n = 2 * r + 1;
+  uint8_t* p = DibBits(lock.bytes);
+  std::vector<uint8_t> plane(static_cast<size_t>(w) * ht * 3);
+  auto clamp = [](int v, int hi) { return v < 0 ? 0 : v > hi ? hi : v; };
+  for (int y = 0; y < ht; ++y)
+    for (int x = 0; x < w; ++x)
+      for (int ch = 0; ch < 3; ++ch) {
+        int sum = 0;
+        for (int i = x - r; i <= x + r; ++i) sum += p[(y * w + clamp(i, w - 1)) * 3 + ch];
+        plane[(y * w + x) * 3 + ch] = static_cast<uint8_t>(sum / n);
+      }
+  for (int y = 0; y < ht; ++y)
+    for (int x = 0; x < w; ++x)
+      for (int ch = 0; ch < 3; ++ch) {
+        int sum = 0;
+        for (int i = y - r; i <= y + r; ++i) sum += plane[(clamp(i, ht - 1) * w + x) * 3 + ch];
+        p[(y * w + x) * 3 + ch] = static_cast<uint8_t>(sum / n);
+      }
+  return result;
+}
+
+}  // namespace
+
+TEST(GaussianKernel, SubSampledNormalisedAndCentred) {
+  MovableHandle handle;
+  ASSERT_EQ(MakeGaussianKernel(41, 1.2, &handle), 41);
+  {
+    ScopedLock lock(handle);
+    const double* k = reinterpret_cast<const double*>(lock.bytes);
+    double sum = 0;
+    for (int i = 0; i < 41; ++i) sum += k[i];
+    EXPECT_NEAR(sum, 1.0, 1e-12);
+    EXPECT_NEAR(k[0], k[40], 1e-15);
+    for (int i = 0; i < 20; ++i) EXPECT_LT(k[i], k[i + 1]);
+    // Tap 20 holds the samples at -1/3, 0, +1/3 of a pixel, tap 21 those at 2/3, 1, 4/3.
+    auto g = [](int third) { return std::exp(-(third * third) / (1.2 * 18.0 * 1.2)); };
+    EXPECT_NEAR(k[21] / k[20], (g(2) + g(3) + g(4)) / (g(-1) + g(0) + g(1)), 1e-12);
+  }
+  MovableFree(handle);
+  EXPECT_EQ(MakeGaussianKernel(0, 1.0, &handle), 3);
+  MovableFree(handle);
+}
+
+TEST(ConvolveLine, EdgesRenormaliseWithTheHalfBeforeTheDivision) {
+  const double k[3] = {0.25, 0.5, 0.25};
+  const uint8_t line[4] = {0, 255, 0, 10};
+  uint8_t out[4] = {1, 1, 1, 1};
+  ConvolveLine8(k, 3, line, out, 4);
+  // (63.75 + 0.5) / 0.75, 127.5 + 0.5, 66.25 + 0.5, (5 + 0.5) / 0.75, each truncated.
+  EXPECT_EQ(out[0], 85);
+  EXPECT_EQ(out[1], 128);
+  EXPECT_EQ(out[2], 66);
+  EXPECT_EQ(out[3], 7);
+  const uint8_t wide[12] = {0, 0, 9, 255, 0, 9, 0, 0, 9, 10, 0, 9};
+  uint8_t out24[12] = {};
+  ConvolveLine24(k, 3, wide, out24, 4);
+  const uint8_t expected24[12] = {85, 0, 9, 128, 0, 9, 66, 0, 9, 7, 0, 9};
+  for (int i = 0; i < 12; ++i) EXPECT_EQ(out24[i], expected24[i]) << i;
+  uint8_t untouched[2] = {7, 7};
+  ConvolveLine8(k, 3, line, untouched, 2);
+  EXPECT_EQ(untouched[0], 7);
+  EXPECT_EQ(untouched[1], 7);
+}
+
+TEST(GaussianBlur, MatchesThePlainVersionOnRandomPictures) {
+  struct Case {
+    int w, h, depth, sigma;
+  } cases[] = {{41, 41, 8, 12},  {64, 50, 8, 3}, {45, 43, 24, 42}, {40, 60, 8, 12},
+               {70, 40, 24, 12}, {13, 7, 8, 12}, {97, 83, 24, 22}};
+  uint32_t seed = 1;
+  for (const Case& c : cases) {
+    MovableHandle a = RandomImage(c.w, c.h, c.depth, seed);
+    MovableHandle b = RandomImage(c.w, c.h, c.depth, seed++);
+    MovableHandle fast = GaussianBlur(a, 200, c.sigma);
+    MovableHandle plain = ReferenceGaussian(b, c.sigma);
+    EXPECT_TRUE(SameBlocks(fast, plain)) << c.w << "x" << c.h << " at " << c.depth;
+    EXPECT_TRUE(SameBlocks(a, b)) << "row pass left in the input, " << c.w << "x" << c.h;
+    for (MovableHandle h : {a, b, fast, plain}) MovableFree(h);
+  }
+}
+
+TEST(GaussianBlur, ShortLinesKeepRowsOrVanish) {
+  // Under 41 pixels high: everything 0. Under 41 wide: no blur across, only down.
+  MovableHandle low = RandomImage(60, 40, 8, 5);
+  MovableHandle gone = GaussianBlur(low, 200, 12);
+  ScopedLock lock(gone);
+  for (int y = 0; y < 40; ++y)
+    for (int x = 0; x < 60; ++x) ASSERT_EQ(ReadDibPixel(lock.bytes, x, y), 0u);
+  MovableHandle narrow = CreatePackedDib(40, 50, nullptr, 8);
+  {
+    ScopedLock n(narrow);
+    for (int y = 0; y < 50; ++y) WriteDibPixel(n.bytes, 17, y, 200);
+  }
+  MovableHandle down = GaussianBlur(narrow, 200, 12);
+  ScopedLock d(down);
+  EXPECT_EQ(ReadDibPixel(d.bytes, 16, 25), 0u);
+  EXPECT_EQ(ReadDibPixel(d.bytes, 17, 25), 200u);
+  EXPECT_EQ(ReadDibPixel(d.bytes, 17, 0), 200u);
+  MovableHandle deep = RandomImage(50, 50, 32, 1);
+  EXPECT_EQ(GaussianBlur(deep, 200, 12), nullptr);
+  for (MovableHandle h : {low, gone, narrow, down, deep}) MovableFree(h);
+}
+
+TEST(GaussianBlur, AllocationFailuresLeakNothing) {
+  MovableHandle image = RandomImage(48, 44, 24, 9);
+  EXPECT_TRUE(SweepAllocationFailures([&] {
+    MovableHandle blurred = GaussianBlur(image, 200, 12);
+    MovableFree(blurred);
+    return blurred != nullptr;
+  }));
+  MovableFree(image);
+}
+
+TEST(FastBoxBlur, RadiusFromStrengthAndThePlainVersion) {
+  MovableHandle image = RandomImage(8, 8, 24, 3);
+  EXPECT_EQ(FastBoxBlur(image, 5), nullptr);
+  MovableHandle grey = RandomImage(8, 8, 8, 3);
+  EXPECT_EQ(FastBoxBlur(grey, 12), nullptr);
+  // One bright pixel spreads to its 3 by 3 neighbourhood at a ninth each, per pass a third.
+  MovableHandle dot = CreatePackedDib(4, 4, nullptr, 24);
+  {
+    ScopedLock lock(dot);
+    WriteDibPixel(lock.bytes, 1, 1, 0x00FFFFFF);
+  }
+  MovableHandle spread = FastBoxBlur(dot, 6);
+  {
+    ScopedLock lock(spread);
+    EXPECT_EQ(ReadDibPixel(lock.bytes, 0, 0), 0x001C1C1Cu);  // 255 / 3 = 85, 85 / 3 = 28
+    EXPECT_EQ(ReadDibPixel(lock.bytes, 2, 2), 0x001C1C1Cu);
+    EXPECT_EQ(ReadDibPixel(lock.bytes, 3, 3), 0u);
+  }
+  // Padded 24-bit rows (width 5) and 32-bit pixels drift through the unpadded run as described.
+  struct Case {
+    int w, h, depth, strength;
+  } cases[] = {{16, 12, 24, 6}, {5, 9, 24, 13}, {7, 7, 32, 18}, {30, 3, 24, 40}, {3, 30, 24, 40}};
+  uint32_t seed = 40;
+  for (const Case& c : cases) {
+    MovableHandle source = RandomImage(c.w, c.h, c.depth, seed++);
+    MovableHandle fast = FastBoxBlur(source, c.strength);
+    MovableHandle plain = ReferenceBox(source, c.strength);
+    EXPECT_TRUE(SameBlocks(fast, plain)) << c.w << "x" << c.h << " at " << c.depth;
+    for (MovableHandle h : {source, fast, plain}) MovableFree(h);
+  }
+  for (MovableHandle h : {image, grey, dot, spread}) MovableFree(h);
+}

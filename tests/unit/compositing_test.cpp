@@ -1,0 +1,142 @@
+#include "text/compositing.h"
+
+#include <cstring>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "shell/packed_dib.h"
+#include "tests/support/alloc_sweep.h"
+#include "tests/support/test_images.h"
+
+namespace {
+
+MovableHandle Filled(int w, int h, int depth, uint32_t value) {
+  MovableHandle image = depth == 8 ? CreateMask(w, h) : CreatePackedDib(w, h, nullptr, depth);
+  ScopedLock lock(image);
+  for (int y = 0; y < h; ++y)
+    for (int x = 0; x < w; ++x) WriteDibPixel(lock.bytes, x, y, value);
+  return image;
+}
+
+uint32_t Pixel(MovableHandle image, int x, int y) {
+  ScopedLock lock(image);
+  return ReadDibPixel(lock.bytes, x, y);
+}
+
+}  // namespace
+
+TEST(BlendPixel, TruncatesEachTermAndKeepsTheUnderAlpha) {
+  EXPECT_EQ(BlendPixel(100, 200, 1), 99u);                          // 99 + 0: one lost
+  EXPECT_EQ(BlendPixel(0x00FFFFFF, 0x00FFFFFF, 128), 0x00FFFFFFu);  // 127 + 128
+  EXPECT_EQ(BlendPixel(0x00FFFFFF, 0x00FFFFFF, 100), 0x00FFFFFFu);  // 155 + 100, both exact
+  EXPECT_EQ(BlendPixel(100, 200, 128), 149u);                       // 49 + 100 of 149.6
+  EXPECT_EQ(BlendPixel(0x12345678, 0x00ABCDEF, 0), 0x12345678u);
+  EXPECT_EQ(BlendPixel(0x12345678, 0x00ABCDEF, 255), 0x12ABCDEFu);
+  EXPECT_EQ(BlendPixel(0x00000010, 0x00FF0020, 0x180), 0x00800017u);  // only the low byte counts
+}
+
+TEST(Layers, ShadowWindowStartsAtTheShadowCorner) {
+  MovableHandle canvas = Filled(6, 5, 24, 0x00101010);
+  MovableHandle mask = Filled(6, 5, 8, 255);
+  MovableHandle shadow = RandomImage(6, 5, 24, 7);
+  {
+    ScopedLock c(canvas), m(mask), s(shadow);
+    CompositeShadowLayer(c.bytes, nullptr, m.bytes, s.bytes, 2, 1);
+  }
+  EXPECT_EQ(Pixel(canvas, 1, 3), 0x00101010u);  // left of the window: untouched
+  EXPECT_EQ(Pixel(canvas, 3, 0), 0x00101010u);  // above it
+  EXPECT_EQ(Pixel(canvas, 2, 1), Pixel(shadow, 0, 0));
+  EXPECT_EQ(Pixel(canvas, 5, 4), Pixel(shadow, 3, 3));
+  // With an alpha plane the canvas stays and only coverage adds up, saturating.
+  MovableHandle plane = Filled(6, 5, 8, 200);
+  MovableHandle half = Filled(6, 5, 8, 40);
+  {
+    ScopedLock c(canvas), m(half), p(plane), s(shadow);
+    CompositeShadowLayer(c.bytes, p.bytes, m.bytes, s.bytes, 1, 0);
+    CompositeShadowLayer(c.bytes, p.bytes, m.bytes, s.bytes, 1, 0);
+  }
+  EXPECT_EQ(Pixel(canvas, 3, 2), Pixel(shadow, 1, 1));
+  EXPECT_EQ(Pixel(plane, 0, 0), 200u);
+  EXPECT_EQ(Pixel(plane, 1, 0), 255u);
+  for (MovableHandle h : {canvas, mask, shadow, plane, half}) MovableFree(h);
+}
+
+TEST(Layers, FillIsAnchoredToTheCanvasAndOutlineReadsOneColumnRight) {
+  MovableHandle canvas = Filled(5, 3, 24, 0x00000000);
+  MovableHandle fill = RandomImage(4, 3, 24, 3);  // narrower than the canvas
+  MovableHandle mask = Filled(5, 3, 8, 255);
+  MovableHandle plane = Filled(5, 3, 8, 0);
+  {
+    ScopedLock c(canvas), f(fill), m(mask), p(plane);
+    WriteDibPixel(m.bytes, 1, 1, 0);
+    CompositeFillLayer(c.bytes, p.bytes, m.bytes, f.bytes);
+  }
+  EXPECT_EQ(Pixel(canvas, 0, 0), Pixel(fill, 0, 0));
+  EXPECT_EQ(Pixel(canvas, 1, 1), 0u);
+  EXPECT_EQ(Pixel(canvas, 4, 0), 0u);  // beyond the fill picture
+  EXPECT_EQ(Pixel(plane, 2, 2), 255u);
+  EXPECT_EQ(Pixel(plane, 1, 1), 0u);
+
+  MovableHandle ring = Filled(9, 3, 8, 0);
+  {
+    ScopedLock r(ring);
+    WriteDibPixel(r.bytes, 0, 0, 255);  // column 0 is never read
+    WriteDibPixel(r.bytes, 3, 1, 255);
+    WriteDibPixel(r.bytes, 5, 2, 128);
+  }
+  MovableHandle flat = Filled(5, 3, 24, 0x00FFFFFF);
+  MovableHandle alpha = Filled(5, 3, 8, 0);
+  {
+    ScopedLock c(flat), r(ring), p(alpha);
+    CompositeOutlineLayer(c.bytes, p.bytes, r.bytes, 0x000000FF);
+  }
+  EXPECT_EQ(Pixel(flat, 0, 0), 0x00FFFFFFu);
+  EXPECT_EQ(Pixel(flat, 2, 1), 0x000000FFu);
+  EXPECT_EQ(Pixel(flat, 4, 2), 0x007F7FFFu);  // 127 + 0 for green and blue, 127 + 128 for red
+  EXPECT_EQ(Pixel(alpha, 4, 2), 128u);
+  for (MovableHandle h : {canvas, fill, mask, plane, ring, flat, alpha}) MovableFree(h);
+}
+
+TEST(Conversions, FlattenExpandAndAlpha) {
+  MovableHandle argb = CreatePackedDib32(2, 1);
+  {
+    ScopedLock lock(argb);
+    WriteDibPixel(lock.bytes, 0, 0, 0x80FF0000);
+    WriteDibPixel(lock.bytes, 1, 0, 0x00123456);
+  }
+  MovableHandle flat = FlattenOnColour(argb, 0x000000FF);
+  EXPECT_EQ(Pixel(flat, 0, 0), 0x0080007Fu);
+  EXPECT_EQ(Pixel(flat, 1, 0), 0x000000FFu);
+  MovableHandle mask = AlphaToMask(argb);
+  EXPECT_EQ(Pixel(mask, 0, 0), 0x80u);
+  EXPECT_EQ(FlattenOnColour(flat, 0), nullptr);
+  MovableHandle opaque = AlphaToMask(flat);
+  EXPECT_EQ(Pixel(opaque, 1, 0), 255u);
+  MovableHandle expanded = ExpandToArgb(mask);  // grey table: 0x80 -> 0x808080
+  EXPECT_EQ(Pixel(expanded, 0, 0), 0xFF808080u);
+  MovableHandle again = ExpandToArgb(argb);
+  EXPECT_EQ(Pixel(again, 1, 0), 0xFF123456u);
+  for (MovableHandle h : {argb, flat, mask, opaque, expanded, again}) MovableFree(h);
+}
+
+TEST(Conversions, BitmapFileWithAShortTable) {
+  // A 2 by 1 picture of 8 bits whose file lists only two colours.
+  std::vector<uint8_t> file(14 + 40 + 8 + 4, 0);
+  BitmapInfoHeader h = {};
+  h.biSize = 40, h.biWidth = 2, h.biHeight = 1, h.biPlanes = 1, h.biBitCount = 8, h.biClrUsed = 2;
+  std::memcpy(file.data() + 14, &h, 40);
+  const uint8_t table[8] = {0x30, 0x20, 0x10, 0, 0xCC, 0xBB, 0xAA, 0};
+  std::memcpy(file.data() + 54, table, 8);
+  file[62] = 1, file[63] = 0;
+  MovableHandle flat = FlattenBitmapFile(file.data(), file.size(), 0);
+  EXPECT_EQ(Pixel(flat, 0, 0), 0x00CCBBAAu);
+  EXPECT_EQ(Pixel(flat, 1, 0), 0x00302010u);
+  EXPECT_EQ(FlattenBitmapFile(file.data(), file.size() - 1, 0), nullptr);
+  MovableFree(flat);
+  EXPECT_TRUE(SweepAllocationFailures([&] {
+    MovableHandle made = FlattenBitmapFile(file.data(), file.size(), 0);
+    MovableFree(made);
+    return made != nullptr;
+  }));
+}

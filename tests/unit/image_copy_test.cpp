@@ -1,0 +1,75 @@
+#include "text/image_copy.h"
+
+#include <gtest/gtest.h>
+
+#include "shell/packed_dib.h"
+#include "tests/support/alloc_sweep.h"
+#include "tests/support/test_images.h"
+
+TEST(CopyImageRect, MatchesPixelByPixelCopiesWithClipping) {
+  struct Case {
+    int tx, ty, sx, sy, w, h, targetDepth, sourceDepth;
+  } cases[] = {{0, 0, 0, 0, 9, 7, 24, 24},  {-3, 2, 4, -1, 20, 20, 24, 24},
+               {5, 5, 0, 0, 3, 3, 8, 8},    {1, 0, 2, 3, 6, 6, 32, 32},
+               {2, 1, 0, 0, 5, 5, 24, 8},   {0, 0, 0, 0, 4, 0, 24, 24},
+               {-9, 0, 0, 0, 4, 4, 24, 24}, {3, 3, -2, -2, 6, 6, 4, 4}};
+  uint32_t seed = 11;
+  for (const Case& c : cases) {
+    MovableHandle source = RandomImage(9, 7, c.sourceDepth, seed++);
+    MovableHandle target = RandomImage(8, 9, c.targetDepth, seed++);
+    MovableHandle expected = CopyMovableBlock(target);
+    {
+      ScopedLock s(source), e(expected);
+      for (int y = 0; y < c.h; ++y)
+        for (int x = 0; x < c.w; ++x) {
+          const int sx = c.sx + x, sy = c.sy + y, tx = c.tx + x, ty = c.ty + y;
+          if (sx < 0 || sy < 0 || sx >= 9 || sy >= 7 || tx < 0 || ty < 0 || tx >= 8 || ty >= 9)
+            continue;
+          WriteDibPixel(e.bytes, tx, ty, ReadDibPixel(s.bytes, sx, sy));
+        }
+    }
+    EXPECT_EQ(CopyImageRect(target, c.tx, c.ty, source, c.sx, c.sy, c.w, c.h), 1);
+    EXPECT_TRUE(SameBlocks(target, expected)) << c.tx << "," << c.ty << " " << c.sourceDepth;
+    for (MovableHandle h : {source, target, expected}) MovableFree(h);
+  }
+}
+
+TEST(Rolls, WrapAroundAndKeepThePictureAtTheLimits) {
+  MovableHandle image = RandomImage(5, 4, 24, 21);
+  ScopedLock in(image);
+  for (int d : {0, 1, 3, 4}) {
+    MovableHandle down = RollDown(image, d), up = RollUp(image, d);
+    ScopedLock a(down), b(up);
+    for (int y = 0; y < 4; ++y)
+      for (int x = 0; x < 5; ++x) {
+        ASSERT_EQ(ReadDibPixel(a.bytes, x, (y + d) % 4), ReadDibPixel(in.bytes, x, y)) << d;
+        ASSERT_EQ(ReadDibPixel(b.bytes, x, y), ReadDibPixel(in.bytes, x, (y + d) % 4)) << d;
+      }
+    MovableFree(down), MovableFree(up);
+  }
+  for (int d : {0, 2, 5}) {
+    MovableHandle right = RollRight(image, d), left = RollLeft(image, d);
+    ScopedLock a(right), b(left);
+    for (int y = 0; y < 4; ++y)
+      for (int x = 0; x < 5; ++x) {
+        ASSERT_EQ(ReadDibPixel(a.bytes, (x + d) % 5, y), ReadDibPixel(in.bytes, x, y)) << d;
+        ASSERT_EQ(ReadDibPixel(b.bytes, x, y), ReadDibPixel(in.bytes, (x + d) % 5, y)) << d;
+      }
+    MovableFree(right), MovableFree(left);
+  }
+  EXPECT_TRUE(SweepAllocationFailures([&] {
+    MovableHandle rolled = RollLeft(image, 2);
+    MovableFree(rolled);
+    return rolled != nullptr;
+  }));
+  MovableFree(image);
+}
+
+TEST(FillImageRect, FillsFromTheCornerAndDropsWhatFallsOutside) {
+  MovableHandle image = CreatePackedDib(4, 3, nullptr, 24);
+  EXPECT_EQ(FillImageRect(image, 2, 9, 0x00ABCDEF), 1);
+  ScopedLock lock(image);
+  EXPECT_EQ(ReadDibPixel(lock.bytes, 1, 2), 0x00ABCDEFu);
+  EXPECT_EQ(ReadDibPixel(lock.bytes, 2, 0), 0u);
+  MovableFree(image);
+}

@@ -1,0 +1,197 @@
+// The layer loops and the flat/32-bit conversions. All pixel work goes through ReadDibPixel and
+// WriteDibPixel, whose all-ones reads and dropped writes outside a picture the loops rely on.
+#include "text/compositing.h"
+
+#include <cstring>
+
+#include "platform/resource_data.h"
+#include "shell/packed_dib.h"
+
+namespace {
+
+// The locked header of a picture whose bits fit its block, or null.
+const BitmapInfoHeader* ImageHeader(const ScopedLock& lock) {
+  if (!lock || MovableSize(lock.handle) < kDibHeaderBytes) return nullptr;
+  const BitmapInfoHeader* h = reinterpret_cast<const BitmapInfoHeader*>(lock.bytes);
+  if (h->biWidth < 0 || h->biHeight < 0) return nullptr;
+  const uint64_t need = static_cast<uint64_t>(DibBits(lock.bytes) - lock.bytes) +
+                        static_cast<uint64_t>(DibStride(h->biWidth, h->biBitCount)) * h->biHeight;
+  return need <= MovableSize(lock.handle) ? h : nullptr;
+}
+
+int32_t ImageWidth(const void* image) {
+  return static_cast<const BitmapInfoHeader*>(image)->biWidth;
+}
+int32_t ImageHeight(const void* image) {
+  return static_cast<const BitmapInfoHeader*>(image)->biHeight;
+}
+
+// The colour of a table entry of a picture of 8 bits or fewer, as 0x00BBGGRR.
+uint32_t TableColour(const void* image, uint32_t index) {
+  const uint8_t* entry = DibTable(const_cast<void*>(image)) + (index & 0xFF) * 4;
+  return entry[2] | entry[1] << 8 | static_cast<uint32_t>(entry[0]) << 16;
+}
+
+}  // namespace
+
+const uint8_t kGreyRamp[768] = {
+#define GM5_R4(i) (i) / 3, (i + 1) / 3, (i + 2) / 3, (i + 3) / 3
+#define GM5_R16(i) GM5_R4(i), GM5_R4(i + 4), GM5_R4(i + 8), GM5_R4(i + 12)
+#define GM5_R64(i) GM5_R16(i), GM5_R16(i + 16), GM5_R16(i + 32), GM5_R16(i + 48)
+#define GM5_R256(i) GM5_R64(i), GM5_R64(i + 64), GM5_R64(i + 128), GM5_R64(i + 192)
+    GM5_R256(0), GM5_R256(256), GM5_R256(512)
+#undef GM5_R256
+#undef GM5_R64
+#undef GM5_R16
+#undef GM5_R4
+};
+
+MovableHandle CreateMask(int32_t width, int32_t height) {
+  return CreatePackedDib(width, height, kGreyRamp, 8);
+}
+
+void AddCoverage(void* plane, int32_t x, int32_t y, uint32_t coverage) {
+  const uint32_t sum = (ReadDibPixel(plane, x, y) & 0xFF) + (coverage & 0xFF);
+  WriteDibPixel(plane, x, y, sum > 255 ? 255 : sum);
+}
+
+void CompositeShadowLayer(void* canvas, void* alphaPlane, const void* mask,
+                          const void* shadowPicture, int32_t shadowX, int32_t shadowY) {
+  const int32_t width = ImageWidth(mask), height = ImageHeight(mask);
+  const int32_t canvasWidth = ImageWidth(canvas), canvasHeight = ImageHeight(canvas);
+  // Only the part of the window on the canvas can change anything: writes elsewhere are dropped.
+  const int32_t xEnd = shadowX + width < canvasWidth ? shadowX + width : canvasWidth;
+  const int32_t yEnd = shadowY + height < canvasHeight ? shadowY + height : canvasHeight;
+  for (int32_t y = shadowY; y < yEnd; ++y) {
+    for (int32_t x = shadowX; x < xEnd; ++x) {
+      const uint32_t m = ReadDibPixel(mask, x, y) & 0xFF;
+      if (alphaPlane) {
+        AddCoverage(alphaPlane, x, y, m);
+      } else {
+        const uint32_t over = ReadDibPixel(shadowPicture, x - shadowX, y - shadowY);
+        WriteDibPixel(canvas, x, y, BlendPixel(ReadDibPixel(canvas, x, y), over, m));
+      }
+    }
+  }
+}
+
+void CompositeFillLayer(void* canvas, void* alphaPlane, const void* mask, const void* fillPicture) {
+  int32_t width = ImageWidth(mask), height = ImageHeight(mask);
+  if (ImageWidth(canvas) < width) width = ImageWidth(canvas);
+  if (ImageWidth(fillPicture) < width) width = ImageWidth(fillPicture);
+  if (ImageHeight(canvas) < height) height = ImageHeight(canvas);
+  if (ImageHeight(fillPicture) < height) height = ImageHeight(fillPicture);
+  for (int32_t y = 0; y < height; ++y) {
+    for (int32_t x = 0; x < width; ++x) {
+      const uint32_t m = ReadDibPixel(mask, x, y) & 0xFF;
+      const uint32_t over = ReadDibPixel(fillPicture, x, y);
+      WriteDibPixel(canvas, x, y, BlendPixel(ReadDibPixel(canvas, x, y), over, m));
+      if (alphaPlane) AddCoverage(alphaPlane, x, y, m);
+    }
+  }
+}
+
+void CompositeOutlineLayer(void* canvas, void* alphaPlane, const void* ring, uint32_t colour) {
+  int32_t width = ImageWidth(canvas), height = ImageHeight(canvas);
+  if (ImageWidth(ring) - 1 < width) width = ImageWidth(ring) - 1;
+  if (ImageHeight(ring) < height) height = ImageHeight(ring);
+  for (int32_t y = 0; y < height; ++y) {
+    for (int32_t x = 0; x < width; ++x) {
+      const uint32_t m = ReadDibPixel(ring, x + 1, y) & 0xFF;
+      WriteDibPixel(canvas, x, y, BlendPixel(ReadDibPixel(canvas, x, y), colour, m));
+      if (alphaPlane) AddCoverage(alphaPlane, x, y, m);
+    }
+  }
+}
+
+namespace {
+
+// A new picture of the source's size at `depth` (8 gets the grey table), filled pixel by pixel
+// with convert(source pixel value, source header).
+template <typename Convert>
+MovableHandle ConvertImage(MovableHandle image, int32_t depth, Convert convert) {
+  ScopedLock source(image);
+  const BitmapInfoHeader* h = ImageHeader(source);
+  if (!h) return nullptr;
+  const int32_t width = h->biWidth, height = h->biHeight;
+  ScopedBlock result(CreatePackedDib(width, height, depth == 8 ? kGreyRamp : nullptr, depth));
+  ScopedLock target(result.handle);
+  if (!target) return nullptr;
+  for (int32_t y = 0; y < height; ++y) {
+    for (int32_t x = 0; x < width; ++x) {
+      WriteDibPixel(target.bytes, x, y, convert(ReadDibPixel(source.bytes, x, y), source.bytes));
+    }
+  }
+  return result.Release();
+}
+
+int32_t BitCount(MovableHandle image) {
+  ScopedLock lock(image);
+  const BitmapInfoHeader* h = ImageHeader(lock);
+  return h ? h->biBitCount : 0;
+}
+
+}  // namespace
+
+MovableHandle FlattenOnColour(MovableHandle image, uint32_t colour) {
+  if (BitCount(image) != 32) return nullptr;
+  return ConvertImage(image, 24, [colour](uint32_t pixel, const void*) {
+    return BlendPixel(colour, pixel, pixel >> 24);
+  });
+}
+
+MovableHandle ExpandToArgb(MovableHandle image) {
+  const int32_t bits = BitCount(image);
+  if (!bits) return nullptr;
+  return ConvertImage(image, 32, [bits](uint32_t pixel, const void* header) {
+    return (bits <= 8 ? TableColour(header, pixel) : pixel) | 0xFF000000;
+  });
+}
+
+MovableHandle AlphaToMask(MovableHandle image) {
+  const int32_t bits = BitCount(image);
+  if (!bits) return nullptr;
+  return ConvertImage(
+      image, 8, [bits](uint32_t pixel, const void*) { return bits == 32 ? pixel >> 24 : 255u; });
+}
+
+MovableHandle FlattenBitmapFile(const uint8_t* data, size_t size, uint32_t colour) {
+  constexpr size_t kFileHeaderBytes = 14;
+  if (!data || size < kFileHeaderBytes + kDibHeaderBytes) return nullptr;
+  // The Packed DIB after the file header is copied into a block of its own with a full colour
+  // table, which the accessors expect whatever biClrUsed says.
+  BitmapInfoHeader header;
+  std::memcpy(&header, data + kFileHeaderBytes, sizeof header);
+  if (header.biSize != kDibHeaderBytes || header.biWidth < 0 || header.biHeight < 0 ||
+      header.biCompression != 0) {
+    return nullptr;
+  }
+  const uint32_t bits = header.biBitCount;
+  if (bits != 1 && bits != 4 && bits != 8 && bits != 24 && bits != 32) return nullptr;
+  const uint32_t fullTable = DibTableBytes(bits);
+  const uint32_t used = bits <= 8 && header.biClrUsed && header.biClrUsed * 4 < fullTable
+                            ? header.biClrUsed * 4
+                            : fullTable;
+  const uint64_t pixelBytes =
+      static_cast<uint64_t>(DibStride(header.biWidth, bits)) * header.biHeight;
+  if (kDibHeaderBytes + used + pixelBytes > size - kFileHeaderBytes) return nullptr;
+  ScopedBlock picture(MovableAlloc(static_cast<size_t>(kDibHeaderBytes + fullTable + pixelBytes)));
+  {
+    ScopedLock lock(picture.handle);
+    if (!lock) return nullptr;
+    const uint8_t* dib = data + kFileHeaderBytes;
+    std::memcpy(lock.bytes, dib, kDibHeaderBytes + used);
+    std::memcpy(lock.bytes + kDibHeaderBytes + fullTable, dib + kDibHeaderBytes + used, pixelBytes);
+  }
+  return ConvertImage(picture.handle, 24, [bits, colour](uint32_t pixel, const void* h) {
+    if (bits == 32) return BlendPixel(colour, pixel, pixel >> 24);
+    return bits <= 8 ? TableColour(h, pixel) : pixel;
+  });
+}
+
+MovableHandle LoadFlattenedResource(int32_t id, uint32_t colour) {
+  size_t size = 0;
+  const uint8_t* data = FindDataResource(id, &size);
+  if (!data) return nullptr;
+  return FlattenBitmapFile(data, size, colour == 0xFFFFFFFF ? ButtonFaceColour() : colour);
+}
