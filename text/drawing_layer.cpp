@@ -9,6 +9,18 @@ uint64_t DispatchDraw(DrawRequest* request) {
       return DrawingStartup(&request->token);
     case kDrawShutdown:
       return DrawingShutdown(request->token);
+    case kDrawLine:
+      return DrawingLine(request);
+    case kDrawEllipse:
+      return DrawingEllipse(request);
+    case kDrawRectangle:
+      return DrawingRectangle(request);
+    case kDrawPolygon:
+      return DrawingPolygon(request);
+    case kDrawText:
+      return DrawingText(request);
+    case kDrawGradient:
+      return DrawingGradient(request);
     default:
       return 0;
   }

@@ -71,3 +71,21 @@ uint64_t DispatchDraw(DrawRequest* request);
 // stops it. Both return 1 on success.
 int DrawingStartup(uint64_t* token);
 int DrawingShutdown(uint64_t token);
+
+// The platform's drawing operations, each reading only its own fields of the request. All but the
+// text operation return a Packed DIB handle or 0; the text operation returns what its mode says.
+uint64_t DrawingLine(DrawRequest* request);
+uint64_t DrawingEllipse(DrawRequest* request);
+uint64_t DrawingRectangle(DrawRequest* request);
+uint64_t DrawingPolygon(DrawRequest* request);
+uint64_t DrawingText(DrawRequest* request);
+uint64_t DrawingGradient(DrawRequest* request);
+
+// Text modes of the text operation.
+enum DrawTextMode : int32_t {
+  kTextMeasure = 0,      // 1; the size, less one space's width for a first byte above 32
+  kTextOnDevice = 1,     // 1; drawn on the context at (textX, textY)
+  kTextBitmap = 2,       // a 24-bit picture of the string on black, of the measured size
+  kTextPathOutline = 3,  // the string's outline path drawn with a pen
+  kTextPathFilled = 4,   // the string's path filled
+};

@@ -92,11 +92,15 @@ size_t MovableSize(MovableHandle handle) {
   return block ? block->size : 0;
 }
 
-long MovableLiveCount() { return liveBlocks; }
+long MovableLiveCount() {
+  return liveBlocks;
+}
 
 void MovableFailAllocation(long nth) {
   failAtAttempt = nth;
   allocationAttempts = 0;
 }
 
-long MovableAllocationCount() { return allocationAttempts; }
+long MovableAllocationCount() {
+  return allocationAttempts;
+}
