@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "platform/dialog.h"
+#include "platform/memory.h"
 
 struct DrawBounds {
   int32_t left, top, right, bottom;
@@ -80,6 +81,11 @@ uint64_t DrawingRectangle(DrawRequest* request);
 uint64_t DrawingPolygon(DrawRequest* request);
 uint64_t DrawingText(DrawRequest* request);
 uint64_t DrawingGradient(DrawRequest* request);
+
+// A Packed DIB of a device bitmap (an HBITMAP on Windows, a Cairo image surface elsewhere): 24 bits
+// for any depth over 8. Null when the handle is null or memory or the conversion fails. The
+// bitmap stays the caller's.
+MovableHandle BitmapToPackedDib(void* bitmap);
 
 // Text modes of the text operation.
 enum DrawTextMode : int32_t {

@@ -59,24 +59,7 @@ void SetColour(cairo_t* cr, uint32_t colour) {
 }
 
 // The canvas as a new 24-bit Packed DIB, or null.
-MovableHandle CanvasToPackedDib(Canvas* canvas) {
-  cairo_surface_flush(canvas->surface);
-  const int32_t width = cairo_image_surface_get_width(canvas->surface);
-  const int32_t height = cairo_image_surface_get_height(canvas->surface);
-  const int32_t stride = cairo_image_surface_get_stride(canvas->surface);
-  const uint8_t* data = cairo_image_surface_get_data(canvas->surface);
-  ScopedBlock image(CreatePackedDib(width, height, nullptr, 24));
-  ScopedLock lock(image.handle);
-  if (!lock || !data) return nullptr;
-  for (int32_t y = 0; y < height; ++y) {
-    const uint32_t* row = reinterpret_cast<const uint32_t*>(data + static_cast<size_t>(y) * stride);
-    for (int32_t x = 0; x < width; ++x) {
-      const uint32_t v = row[x];  // 0xXXRRGGBB
-      WriteDibPixel(lock.bytes, x, y, (v >> 16 & 0xFF) | (v & 0xFF00) | (v & 0xFF) << 16);
-    }
-  }
-  return image.Release();
-}
+MovableHandle CanvasToPackedDib(Canvas* canvas) { return BitmapToPackedDib(canvas->surface); }
 
 cairo_line_cap_t CairoCap(uint32_t cap) {
   if (cap == kCapRound || cap == kCapRoundAnchor) return CAIRO_LINE_CAP_ROUND;
@@ -136,6 +119,29 @@ void ArcPath(cairo_t* cr, double x, double y, double d, double start) {
 }
 
 }  // namespace
+
+MovableHandle BitmapToPackedDib(void* bitmap) {
+  cairo_surface_t* surface = static_cast<cairo_surface_t*>(bitmap);
+  if (!surface || cairo_surface_get_type(surface) != CAIRO_SURFACE_TYPE_IMAGE) return nullptr;
+  const cairo_format_t format = cairo_image_surface_get_format(surface);
+  if (format != CAIRO_FORMAT_RGB24 && format != CAIRO_FORMAT_ARGB32) return nullptr;
+  cairo_surface_flush(surface);
+  const int32_t width = cairo_image_surface_get_width(surface);
+  const int32_t height = cairo_image_surface_get_height(surface);
+  const int32_t stride = cairo_image_surface_get_stride(surface);
+  const uint8_t* data = cairo_image_surface_get_data(surface);
+  ScopedBlock image(CreatePackedDib(width, height, nullptr, 24));
+  ScopedLock lock(image.handle);
+  if (!lock || !data) return nullptr;
+  for (int32_t y = 0; y < height; ++y) {
+    const uint32_t* row = reinterpret_cast<const uint32_t*>(data + static_cast<size_t>(y) * stride);
+    for (int32_t x = 0; x < width; ++x) {
+      const uint32_t v = row[x];  // 0xXXRRGGBB
+      WriteDibPixel(lock.bytes, x, y, (v >> 16 & 0xFF) | (v & 0xFF00) | (v & 0xFF) << 16);
+    }
+  }
+  return image.Release();
+}
 
 uint64_t DrawingLine(DrawRequest* r) {
   const int32_t w = r->lineWidth;

@@ -15,7 +15,9 @@ bool InjectedFailure() {
   return failAtAttempt > 0 && allocationAttempts == failAtAttempt;
 }
 
-HGLOBAL AsGlobal(MovableHandle handle) { return reinterpret_cast<HGLOBAL>(handle); }
+HGLOBAL AsGlobal(MovableHandle handle) {
+  return reinterpret_cast<HGLOBAL>(handle);
+}
 
 }  // namespace
 
@@ -26,9 +28,13 @@ MovableHandle MovableAlloc(size_t size) {
   return reinterpret_cast<MovableHandle>(global);
 }
 
-void* MovableLock(MovableHandle handle) { return handle ? GlobalLock(AsGlobal(handle)) : nullptr; }
+void* MovableLock(MovableHandle handle) {
+  return handle ? GlobalLock(AsGlobal(handle)) : nullptr;
+}
 
-int MovableUnlock(MovableHandle handle) { return handle ? GlobalUnlock(AsGlobal(handle)) : 0; }
+int MovableUnlock(MovableHandle handle) {
+  return handle ? GlobalUnlock(AsGlobal(handle)) : 0;
+}
 
 MovableHandle MovableFree(MovableHandle handle) {
   if (!handle) return nullptr;
@@ -43,13 +49,19 @@ MovableHandle MovableReAlloc(MovableHandle handle, size_t size) {
       GlobalReAlloc(AsGlobal(handle), size, GMEM_MOVEABLE | GMEM_ZEROINIT));
 }
 
-size_t MovableSize(MovableHandle handle) { return handle ? GlobalSize(AsGlobal(handle)) : 0; }
+size_t MovableSize(MovableHandle handle) {
+  return handle ? GlobalSize(AsGlobal(handle)) : 0;
+}
 
-long MovableLiveCount() { return liveBlocks; }
+long MovableLiveCount() {
+  return liveBlocks;
+}
 
 void MovableFailAllocation(long nth) {
   failAtAttempt = nth;
   allocationAttempts = 0;
 }
 
-long MovableAllocationCount() { return allocationAttempts; }
+long MovableAllocationCount() {
+  return allocationAttempts;
+}

@@ -1,0 +1,210 @@
+#include "text/drawing_layer.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/font.h"
+#include "shell/packed_dib.h"
+#include "tests/support/drawing_session.h"
+
+namespace {
+
+// Brackets all tests of the program with the layer's start-up and shutdown, as the plug-in's
+// entry does around its dialog.
+class DrawingSession : public testing::Environment {
+ public:
+  void SetUp() override {
+    request_ = DrawRequest();
+    request_.operation = kDrawStartup;
+    ASSERT_EQ(DispatchDraw(&request_), 1u);
+  }
+  void TearDown() override {
+    request_.operation = kDrawShutdown;
+    DispatchDraw(&request_);
+  }
+
+ private:
+  DrawRequest request_;
+};
+
+testing::Environment* const kSession = testing::AddGlobalTestEnvironment(new DrawingSession);
+
+struct Picture {
+  MovableHandle handle;
+  int32_t width = 0, height = 0, bits = 0;
+  explicit Picture(uint64_t result) : handle(reinterpret_cast<MovableHandle>(result)) {
+    ScopedLock lock(handle);
+    if (!lock) return;
+    const BitmapInfoHeader* h = reinterpret_cast<const BitmapInfoHeader*>(lock.bytes);
+    width = h->biWidth, height = h->biHeight, bits = h->biBitCount;
+  }
+  ~Picture() { MovableFree(handle); }
+  uint32_t At(int32_t x, int32_t y) const {
+    ScopedLock lock(handle);
+    return ReadDibPixel(lock.bytes, x, y);
+  }
+};
+
+DrawRequest TextRequest(const LayoutFont& font, const char* text, int32_t mode) {
+  DrawRequest r = {};
+  r.operation = kDrawText;
+  r.textMode = mode;
+  r.text = text;
+  r.faceName = kTestFace;
+  r.fontSize = 40;
+  r.deviceContext = font.deviceContext;
+  r.logFont = font.logFont;
+  r.textColour = 0x00C8C8C8;
+  r.level = 200;
+  return r;
+}
+
+}  // namespace
+
+TEST(DispatchDraw, UnknownOperationsReturnZeroAndTouchNothing) {
+  for (int32_t code : {0, 9, -1}) {
+    DrawRequest r = {};
+    r.operation = code;
+    r.measuredWidth = 77;
+    EXPECT_EQ(DispatchDraw(&r), 0u);
+    EXPECT_EQ(r.measuredWidth, 77);
+  }
+  EXPECT_EQ(DispatchDraw(nullptr), 0u);
+}
+
+TEST(DispatchDraw, MeasuringSubtractsOneSpaceFromPrintableFirstBytes) {
+  LayoutFont font;
+  ASSERT_EQ(CreateLayoutFont(nullptr, kTestFace, 40, 0, 0, &font), 1);
+  DrawRequest space = TextRequest(font, " ", kTextMeasure);
+  DrawRequest letter = TextRequest(font, "W", kTextMeasure);
+  DrawRequest drawn = TextRequest(font, "W", kTextBitmap);
+  DrawRequest empty = TextRequest(font, "", kTextMeasure);
+  EXPECT_EQ(DispatchDraw(&space), 1u);
+  EXPECT_EQ(DispatchDraw(&letter), 1u);
+  EXPECT_EQ(DispatchDraw(&empty), 1u);
+  Picture picture(DispatchDraw(&drawn));
+  EXPECT_GT(space.measuredWidth, 0);
+  EXPECT_GT(letter.measuredWidth, space.measuredWidth);
+  // Drawing does not subtract: its picture is the full measured box.
+  EXPECT_EQ(drawn.measuredWidth, letter.measuredWidth + space.measuredWidth);
+  EXPECT_EQ(picture.width, drawn.measuredWidth);
+  EXPECT_EQ(picture.height, drawn.measuredHeight);
+  EXPECT_EQ(picture.bits, 24);
+  EXPECT_NEAR(letter.measuredHeight, 40, 2);
+  EXPECT_EQ(empty.measuredWidth, 0);
+  EXPECT_EQ(FontCellHeight(font.deviceContext), 40);
+  DeleteLayoutFont(&font);
+}
+
+// Counts of a glyph picture's pixels at the full grey of 200 and between it and black, checking
+// that every pixel is grey and none brighter than the pen.
+void CountGlyphPixels(int32_t antialias, int* full, int* partial) {
+  LayoutFont font;
+  ASSERT_EQ(CreateLayoutFont(nullptr, kTestFace, 40, 1, 0, &font), 1);
+  DrawRequest r = TextRequest(font, "O", kTextBitmap);
+  r.antialias = antialias;
+  Picture picture(DispatchDraw(&r));
+  DeleteLayoutFont(&font);
+  ASSERT_NE(picture.handle, nullptr);
+  *full = *partial = 0;
+  for (int32_t y = 0; y < picture.height; ++y)
+    for (int32_t x = 0; x < picture.width; ++x) {
+      const uint32_t v = picture.At(x, y);
+      ASSERT_EQ(v & 0xFF, (v >> 8) & 0xFF);
+      ASSERT_EQ(v & 0xFF, (v >> 16) & 0xFF);
+      ASSERT_LE(v & 0xFF, 200u);
+      *full += (v & 0xFF) == 200;
+      *partial += (v & 0xFF) != 200 && (v & 0xFF) != 0;
+    }
+}
+
+TEST(DispatchDraw, GlyphsAreGreyOnBlack) {
+  int full = 0, partial = 0;
+  CountGlyphPixels(1, &full, &partial);
+  EXPECT_GT(full, 50);
+  EXPECT_GT(partial, 20);
+}
+
+TEST(DispatchDraw, ShapesKeepTheirGeometry) {
+  // A polygon with neither outline nor fill is a black picture, not a failure.
+  const int32_t triangle[6] = {4, 4, 30, 4, 4, 20};
+  DrawRequest polygon = {};
+  polygon.operation = kDrawPolygon;
+  polygon.bounds = {0, 0, 32, 24};
+  polygon.vertices = triangle;
+  polygon.vertexCount = 3;
+  polygon.polygonFill = -1;
+  polygon.polygonOutline = -1;
+  Picture black(DispatchDraw(&polygon));
+  ASSERT_NE(black.handle, nullptr);
+  EXPECT_EQ(black.width, 40);
+  EXPECT_EQ(black.At(10, 8), 0u);
+  polygon.polygonFill = 0x0000FF;
+  Picture red(DispatchDraw(&polygon));
+  EXPECT_EQ(red.At(8, 8), 0x000000FFu);
+  EXPECT_EQ(red.At(28, 18), 0u);
+
+  // The rounded rectangle stands c = p / 2 + 4 pixels short on the right and lower sides.
+  DrawRequest rect = {};
+  rect.operation = kDrawRectangle;
+  rect.bounds = {0, 0, 60, 40};
+  rect.shapePenWidth = 2;
+  rect.shapeFill = 0xFFFFFF;
+  rect.shapeOutline = -1;
+  Picture square(DispatchDraw(&rect));
+  rect.cornerPercent = 20;
+  Picture rounded(DispatchDraw(&rect));
+  ASSERT_EQ(square.width, 68);
+  ASSERT_EQ(rounded.width, 68);
+  auto lastLit = [](const Picture& p, int32_t y) {
+    int32_t last = -1;
+    for (int32_t x = 0; x < p.width; ++x)
+      if (p.At(x, y)) last = x;
+    return last;
+  };
+  const int32_t c = 2 / 2 + 4;
+  EXPECT_NEAR(lastLit(square, 30) - lastLit(rounded, 30), c, 1);
+
+  DrawRequest ellipse = rect;
+  ellipse.operation = kDrawEllipse;
+  Picture oval(DispatchDraw(&ellipse));
+  EXPECT_EQ(oval.At(34, 24), 0x00FFFFFFu);
+  EXPECT_EQ(oval.At(6, 6), 0u);
+
+  DrawRequest line = {};
+  line.operation = kDrawLine;
+  line.bounds = {0, 0, 20, 0};
+  line.lineX1 = 10, line.lineY1 = 5, line.lineX2 = 30, line.lineY2 = 5;
+  line.lineWidth = 3;
+  line.lineColour = 0x00FF00;
+  Picture stroke(DispatchDraw(&line));
+  // (3 / 2 + 3) * 2 + 8 = 16 of margin; the line runs at y = 3 + 4 + 1 = 8.
+  EXPECT_EQ(stroke.width, 36);
+  EXPECT_EQ(stroke.height, 16);
+  EXPECT_EQ(stroke.At(15, 8), 0x0000FF00u);
+  EXPECT_EQ(stroke.At(15, 2), 0u);
+}
+
+TEST(DispatchDraw, PathGradientsCentreOnTheirPercentages) {
+  DrawRequest r = {};
+  r.operation = kDrawGradient;
+  r.gradientWidth = 40;
+  r.gradientHeight = 20;
+  r.gradientKind = 2;
+  r.gradientFrom = 0xFFFFFF;
+  r.gradientTo = 0x000000;
+  r.gradientCentreX = 100;
+  Picture right(DispatchDraw(&r));
+  ASSERT_EQ(right.width, 40);
+  EXPECT_GT(right.At(38, 10) & 0xFF, right.At(20, 10) & 0xFF);
+  EXPECT_GT(right.At(20, 10) & 0xFF, right.At(2, 10) & 0xFF);
+  r.gradientKind = 1;
+  r.gradientCentreX = 0;
+  r.gradientTo = 0x0000FF;
+  Picture oval(DispatchDraw(&r));
+  EXPECT_EQ(oval.At(0, 0), 0x000000FFu);  // corners outside the ellipse take the surround
+  EXPECT_GT((oval.At(20, 10) >> 8) & 0xFF, 200u);
+  r.gradientKind = 0;
+  r.gradientAngle = 0;
+  Picture linear(DispatchDraw(&r));
+  EXPECT_GT((linear.At(2, 10) >> 8) & 0xFF, (linear.At(37, 10) >> 8) & 0xFF);
+}
