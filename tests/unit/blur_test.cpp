@@ -158,19 +158,23 @@ TEST(GaussianBlur, ShortLinesKeepRowsOrVanish) {
   // Under 41 pixels high: everything 0. Under 41 wide: no blur across, only down.
   MovableHandle low = RandomImage(60, 40, 8, 5);
   MovableHandle gone = GaussianBlur(low, 200, 12);
-  ScopedLock lock(gone);
-  for (int y = 0; y < 40; ++y)
-    for (int x = 0; x < 60; ++x) ASSERT_EQ(ReadDibPixel(lock.bytes, x, y), 0u);
+  {
+    ScopedLock lock(gone);
+    for (int y = 0; y < 40; ++y)
+      for (int x = 0; x < 60; ++x) ASSERT_EQ(ReadDibPixel(lock.bytes, x, y), 0u);
+  }
   MovableHandle narrow = CreatePackedDib(40, 50, nullptr, 8);
   {
     ScopedLock n(narrow);
     for (int y = 0; y < 50; ++y) WriteDibPixel(n.bytes, 17, y, 200);
   }
   MovableHandle down = GaussianBlur(narrow, 200, 12);
-  ScopedLock d(down);
-  EXPECT_EQ(ReadDibPixel(d.bytes, 16, 25), 0u);
-  EXPECT_EQ(ReadDibPixel(d.bytes, 17, 25), 200u);
-  EXPECT_EQ(ReadDibPixel(d.bytes, 17, 0), 200u);
+  {
+    ScopedLock d(down);
+    EXPECT_EQ(ReadDibPixel(d.bytes, 16, 25), 0u);
+    EXPECT_EQ(ReadDibPixel(d.bytes, 17, 25), 200u);
+    EXPECT_EQ(ReadDibPixel(d.bytes, 17, 0), 200u);
+  }
   MovableHandle deep = RandomImage(50, 50, 32, 1);
   EXPECT_EQ(GaussianBlur(deep, 200, 12), nullptr);
   for (MovableHandle h : {low, gone, narrow, down, deep}) MovableFree(h);

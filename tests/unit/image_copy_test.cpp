@@ -35,41 +35,38 @@ TEST(CopyImageRect, MatchesPixelByPixelCopiesWithClipping) {
 }
 
 TEST(Rolls, WrapAroundAndKeepThePictureAtTheLimits) {
-  MovableHandle image = RandomImage(5, 4, 24, 21);
+  ScopedBlock owner(RandomImage(5, 4, 24, 21));
+  MovableHandle image = owner.handle;
   ScopedLock in(image);
   for (int d : {0, 1, 3, 4}) {
-    MovableHandle down = RollDown(image, d), up = RollUp(image, d);
-    ScopedLock a(down), b(up);
+    ScopedBlock down(RollDown(image, d)), up(RollUp(image, d));
+    ScopedLock a(down.handle), b(up.handle);
     for (int y = 0; y < 4; ++y)
       for (int x = 0; x < 5; ++x) {
         ASSERT_EQ(ReadDibPixel(a.bytes, x, (y + d) % 4), ReadDibPixel(in.bytes, x, y)) << d;
         ASSERT_EQ(ReadDibPixel(b.bytes, x, y), ReadDibPixel(in.bytes, x, (y + d) % 4)) << d;
       }
-    MovableFree(down), MovableFree(up);
   }
   for (int d : {0, 2, 5}) {
-    MovableHandle right = RollRight(image, d), left = RollLeft(image, d);
-    ScopedLock a(right), b(left);
+    ScopedBlock right(RollRight(image, d)), left(RollLeft(image, d));
+    ScopedLock a(right.handle), b(left.handle);
     for (int y = 0; y < 4; ++y)
       for (int x = 0; x < 5; ++x) {
         ASSERT_EQ(ReadDibPixel(a.bytes, (x + d) % 5, y), ReadDibPixel(in.bytes, x, y)) << d;
         ASSERT_EQ(ReadDibPixel(b.bytes, x, y), ReadDibPixel(in.bytes, (x + d) % 5, y)) << d;
       }
-    MovableFree(right), MovableFree(left);
   }
   EXPECT_TRUE(SweepAllocationFailures([&] {
     MovableHandle rolled = RollLeft(image, 2);
     MovableFree(rolled);
     return rolled != nullptr;
   }));
-  MovableFree(image);
 }
 
 TEST(FillImageRect, FillsFromTheCornerAndDropsWhatFallsOutside) {
-  MovableHandle image = CreatePackedDib(4, 3, nullptr, 24);
-  EXPECT_EQ(FillImageRect(image, 2, 9, 0x00ABCDEF), 1);
-  ScopedLock lock(image);
+  ScopedBlock image(CreatePackedDib(4, 3, nullptr, 24));
+  EXPECT_EQ(FillImageRect(image.handle, 2, 9, 0x00ABCDEF), 1);
+  ScopedLock lock(image.handle);
   EXPECT_EQ(ReadDibPixel(lock.bytes, 1, 2), 0x00ABCDEFu);
   EXPECT_EQ(ReadDibPixel(lock.bytes, 2, 0), 0u);
-  MovableFree(image);
 }

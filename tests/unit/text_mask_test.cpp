@@ -134,11 +134,11 @@ TEST(RenderOutlineMask, RingAroundTheTextOneColumnRight) {
   std::vector<uint32_t> a;
   f.Measure("I", &a);
   const int32_t width = 40, height = 44;
-  MovableHandle text = f.Mask("I", a.data(), 4, width, 255);
-  MovableHandle ring = RenderOutlineMask(nullptr, f.font.deviceContext, 4, 2, "I", width, height, 1,
-                                         40, 0, 0, kTestFace, a.data(), f.font.logFont);
-  ASSERT_NE(ring, nullptr);
-  ScopedLock t(text), r(ring);
+  ScopedBlock text(f.Mask("I", a.data(), 4, width, 255));
+  ScopedBlock ring(RenderOutlineMask(nullptr, f.font.deviceContext, 4, 2, "I", width, height, 1, 40,
+                                     0, 0, kTestFace, a.data(), f.font.logFont));
+  ASSERT_NE(ring.handle, nullptr);
+  ScopedLock t(text.handle), r(ring.handle);
   EXPECT_EQ(reinterpret_cast<const BitmapInfoHeader*>(r.bytes)->biWidth, width + 4);
   int inside = 0, edge = 0, outside = 0;
   for (int32_t y = 0; y < height; ++y)
@@ -157,8 +157,6 @@ TEST(RenderOutlineMask, RingAroundTheTextOneColumnRight) {
   EXPECT_GT(inside, 100);
   EXPECT_GT(outside, 40);  // the dilated ring just outside the glyph
   EXPECT_EQ(ReadDibPixel(r.bytes, 0, 20), 0u);
-  MovableFree(text);
-  MovableFree(ring);
 }
 
 TEST(TextMasks, GlyphCacheGivesTheSameBytes) {
@@ -235,12 +233,10 @@ TEST(MaskOperations, DilateWidenCombineAndFill) {
     WriteDibPixel(lock.bytes, 0, 0, 90);
     WriteDibPixel(lock.bytes, 3, 2, 200);
   }
-  MovableHandle grown = DilateMask(mask);
-  MovableHandle wide = WidenMask(mask, 8, 4, 2);
-  MovableHandle colours = RandomImage(6, 4, 24, 4);
-  MovableHandle argb = CombineAlpha(colours, mask);
-  MovableHandle flat = FilledImage(2, 3, 6, 5, 0x00112233);
-  ScopedLock g(grown), w(wide), c(argb), src(colours), fl(flat);
+  ScopedBlock owner(mask), grown(DilateMask(mask)), wide(WidenMask(mask, 8, 4, 2));
+  ScopedBlock colours(RandomImage(6, 4, 24, 4)), argb(CombineAlpha(colours.handle, mask));
+  ScopedBlock flat(FilledImage(2, 3, 6, 5, 0x00112233));
+  ScopedLock g(grown.handle), w(wide.handle), c(argb.handle), src(colours.handle), fl(flat.handle);
   EXPECT_EQ(ReadDibPixel(g.bytes, 1, 1), 90u);
   EXPECT_EQ(ReadDibPixel(g.bytes, 2, 1), 200u);
   EXPECT_EQ(ReadDibPixel(g.bytes, 4, 3), 200u);
@@ -252,5 +248,4 @@ TEST(MaskOperations, DilateWidenCombineAndFill) {
   EXPECT_EQ(ReadDibPixel(c.bytes, 5, 1) >> 24, 255u);  // beyond the mask
   EXPECT_EQ(reinterpret_cast<const BitmapInfoHeader*>(fl.bytes)->biWidth, 4);
   EXPECT_EQ(ReadDibPixel(fl.bytes, 3, 1), 0x00112233u);
-  for (MovableHandle h : {mask, grown, wide, colours, argb, flat}) MovableFree(h);
 }
