@@ -6,6 +6,8 @@
 
 #include "platform/resource_data.h"
 #include "shell/packed_dib.h"
+#include "text/blur.h"
+#include "text/text_mask.h"
 
 namespace {
 
@@ -104,6 +106,24 @@ void CompositeOutlineLayer(void* canvas, void* alphaPlane, const void* ring, uin
   }
 }
 
+int SoftenShadowMask(MovableHandle* mask, int32_t softness) {
+  if (softness <= 0) return 1;
+  constexpr int32_t kReach = 200;  // what every caller passes; the kernel length is fixed anyway
+  MovableHandle blurred = GaussianBlur(*mask, kReach, softness + 2);
+  if (!blurred) return 0;
+  MovableFree(*mask);
+  *mask = blurred;
+  return 1;
+}
+
+MovableHandle FinishTextFrame(MovableHandle canvas, MovableHandle alphaPlane) {
+  if (!alphaPlane) return canvas;
+  MovableHandle combined = CombineAlpha(canvas, alphaPlane);
+  MovableFree(canvas);
+  MovableFree(alphaPlane);
+  return combined;
+}
+
 namespace {
 
 // A new picture of the source's size at `depth` (8 gets the grey table), filled pixel by pixel
@@ -117,7 +137,8 @@ MovableHandle ConvertImage(MovableHandle image, int32_t depth, Convert convert) 
   ScopedBlock result(CreatePackedDib(width, height, depth == 8 ? kGreyRamp : nullptr, depth));
   ScopedLock target(result.handle);
   if (!target) return nullptr;
-  for (int32_t y = 0; y < height; ++y) {
+  // A picture no pixel wide may still claim a great height: nothing to visit then.
+  for (int32_t y = 0; width > 0 && y < height; ++y) {
     for (int32_t x = 0; x < width; ++x) {
       WriteDibPixel(target.bytes, x, y, convert(ReadDibPixel(source.bytes, x, y), source.bytes));
     }

@@ -35,6 +35,14 @@ void CompositeFillLayer(void* canvas, void* alphaPlane, const void* mask, const 
 // column to the right of the canvas pixel; with an alpha plane it also adds the coverage.
 void CompositeOutlineLayer(void* canvas, void* alphaPlane, const void* ring, uint32_t colour);
 
+// Blurs a shadow mask in place of the caller's when `softness` is above 0 (sigma of softness + 2
+// tenths), freeing the sharp one. Returns 1; 0 when the blur fails, `*mask` then being still the
+// caller's to free (possibly already blurred across). Softness 0 keeps the mask as it is.
+int SoftenShadowMask(MovableHandle* mask, int32_t softness);
+// Ends a frame: with an alpha plane, a new 32-bit picture of the canvas's colours and the plane's
+// coverage, freeing both (null when memory fails, both still freed); without, the canvas itself.
+MovableHandle FinishTextFrame(MovableHandle canvas, MovableHandle alphaPlane);
+
 // A 24-bit picture of a 32-bit one blended onto `colour` by its alpha; null for other depths or
 // when memory fails.
 MovableHandle FlattenOnColour(MovableHandle image, uint32_t colour);

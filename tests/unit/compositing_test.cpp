@@ -1,5 +1,7 @@
 #include "text/compositing.h"
 
+#include "text/blur.h"
+
 #include <cstring>
 #include <vector>
 
@@ -139,4 +141,25 @@ TEST(Conversions, BitmapFileWithAShortTable) {
     MovableFree(made);
     return made != nullptr;
   }));
+}
+
+TEST(Layers, SofteningBlursOnlyWhenSoftAndFinishingCombinesAlpha) {
+  MovableHandle mask = RandomImage(50, 45, 8, 8);
+  MovableHandle same = mask;
+  ASSERT_EQ(SoftenShadowMask(&mask, 0), 1);
+  EXPECT_EQ(mask, same);
+  MovableHandle copy = CopyMovableBlock(mask);
+  MovableHandle expected = GaussianBlur(copy, 200, 12);
+  ASSERT_EQ(SoftenShadowMask(&mask, 10), 1);  // the default softness: sigma 1.2
+  EXPECT_TRUE(SameBlocks(mask, expected));
+  for (MovableHandle h : {mask, copy, expected}) MovableFree(h);
+
+  const long live = MovableLiveCount();
+  MovableHandle canvas = Filled(3, 2, 24, 0x00123456);
+  EXPECT_EQ(FinishTextFrame(canvas, nullptr), canvas);
+  MovableHandle plane = Filled(3, 2, 8, 77);
+  MovableHandle argb = FinishTextFrame(canvas, plane);
+  EXPECT_EQ(Pixel(argb, 2, 1), 0x4D123456u);
+  MovableFree(argb);
+  EXPECT_EQ(MovableLiveCount(), live);
 }
