@@ -2,6 +2,7 @@
 // 2), the outline ring built from two masks, and the small mask operations it needs.
 #include "text/text_mask.h"
 
+#include <algorithm>
 #include <cstring>
 #include <new>
 
@@ -76,7 +77,7 @@ void MergeGlyph(void* mask, const GlyphPicture* glyph, int32_t x, int32_t y) {
     const uint8_t* from = glyph->coverage + static_cast<size_t>(py) * glyph->width;
     uint8_t* to = bits + static_cast<size_t>(h->biHeight - 1 - (y + py)) * stride + x;
     for (int32_t px = px0; px < px1; ++px) {
-      if (from[px] > to[px]) to[px] = from[px];
+      to[px] = std::max(to[px], from[px]);
     }
   }
 }
@@ -246,17 +247,20 @@ MovableHandle DilateMask(MovableHandle mask) {
   const uint32_t stride = DibStride(width, 8);
   const uint8_t* from = DibBits(source.bytes);
   uint8_t* to = DibBits(target.bytes);
-  // Rows are bottom-up in memory; the maximum over the 3 by 3 neighbourhood does not care.
+  // The 3 by 3 maximum is the maximum across of the maximum down. Rows are bottom-up in memory,
+  // which neither cares about.
   for (int32_t row = 0; row < height; ++row) {
-    const int32_t r0 = row > 0 ? row - 1 : 0, r1 = row + 1 < height ? row + 1 : row;
+    const uint8_t* above = from + static_cast<size_t>(row > 0 ? row - 1 : row) * stride;
+    const uint8_t* here = from + static_cast<size_t>(row) * stride;
+    const uint8_t* below = from + static_cast<size_t>(row + 1 < height ? row + 1 : row) * stride;
+    uint8_t* out = to + static_cast<size_t>(row) * stride;
+    for (int32_t x = 0; x < width; ++x) out[x] = std::max(std::max(above[x], here[x]), below[x]);
+    uint8_t previous = out[0];
     for (int32_t x = 0; x < width; ++x) {
-      const int32_t x0 = x > 0 ? x - 1 : 0, x1 = x + 1 < width ? x + 1 : x;
-      uint8_t best = 0;
-      for (int32_t rr = r0; rr <= r1; ++rr) {
-        const uint8_t* line = from + static_cast<size_t>(rr) * stride;
-        for (int32_t xx = x0; xx <= x1; ++xx) best = line[xx] > best ? line[xx] : best;
-      }
-      to[static_cast<size_t>(row) * stride + x] = best;
+      const uint8_t current = out[x];
+      const uint8_t next = x + 1 < width ? out[x + 1] : current;
+      out[x] = std::max(std::max(previous, current), next);
+      previous = current;
     }
   }
   return result.Release();
@@ -279,6 +283,20 @@ MovableHandle WidenMask(MovableHandle image, int32_t width, int32_t height, int3
   out->biWidth = width;
   out->biHeight = height;
   out->biSizeImage = static_cast<uint32_t>(pixelBytes);
+  if (bits == 8) {
+    // Whole rows at once: the columns that land inside the new picture, at their new place.
+    const int64_t first = std::max<int64_t>(0, -static_cast<int64_t>(shift));
+    const int64_t last = std::min<int64_t>(h->biWidth, static_cast<int64_t>(width) - shift);
+    const int32_t rows = std::min(h->biHeight, height);
+    const uint32_t fromStride = DibStride(h->biWidth, 8), toStride = DibStride(width, 8);
+    for (int32_t y = 0; y < rows && first < last; ++y) {
+      const uint8_t* from =
+          DibBits(source.bytes) + static_cast<size_t>(h->biHeight - 1 - y) * fromStride;
+      uint8_t* to = DibBits(target.bytes) + static_cast<size_t>(height - 1 - y) * toStride;
+      std::memcpy(to + first + shift, from + first, static_cast<size_t>(last - first));
+    }
+    return result.Release();
+  }
   for (int32_t y = 0; y < h->biHeight; ++y) {
     for (int32_t x = 0; x < h->biWidth; ++x) {
       WriteDibPixel(target.bytes, x + shift, y, ReadDibPixel(source.bytes, x, y));

@@ -249,3 +249,33 @@ TEST(MaskOperations, DilateWidenCombineAndFill) {
   EXPECT_EQ(reinterpret_cast<const BitmapInfoHeader*>(fl.bytes)->biWidth, 4);
   EXPECT_EQ(ReadDibPixel(fl.bytes, 3, 1), 0x00112233u);
 }
+
+TEST(MaskOperations, FastDilateAndWidenMatchPixelByPixelVersions) {
+  for (uint32_t seed : {1u, 2u, 3u}) {
+    const int32_t w = 13 + seed * 7, h = 5 + seed * 3;
+    ScopedBlock mask(RandomImage(w, h, 8, seed));
+    ScopedBlock dilated(DilateMask(mask.handle));
+    ScopedLock in(mask.handle), out(dilated.handle);
+    for (int32_t y = 0; y < h; ++y)
+      for (int32_t x = 0; x < w; ++x) {
+        uint32_t best = 0;
+        for (int32_t dy = -1; dy <= 1; ++dy)
+          for (int32_t dx = -1; dx <= 1; ++dx) {
+            const uint32_t v = ReadDibPixel(in.bytes, x + dx, y + dy);
+            if (v != 0xFFFFFFFF && v > best) best = v;
+          }
+        ASSERT_EQ(ReadDibPixel(out.bytes, x, y), best) << x << "," << y;
+      }
+    for (int32_t shift : {-3, 0, 1, 5}) {
+      for (int32_t width : {w - 4, w + 4}) {
+        ScopedBlock wide(WidenMask(mask.handle, width, h + 1, shift));
+        ScopedLock o(wide.handle);
+        for (int32_t y = 0; y < h + 1; ++y)
+          for (int32_t x = 0; x < width; ++x) {
+            const uint32_t v = y < h ? ReadDibPixel(in.bytes, x - shift, y) : 0xFFFFFFFF;
+            ASSERT_EQ(ReadDibPixel(o.bytes, x, y), v == 0xFFFFFFFF ? 0u : v) << x << "," << shift;
+          }
+      }
+    }
+  }
+}
