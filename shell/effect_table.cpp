@@ -51,32 +51,41 @@ int IsPageControlId(int32_t id) {
   return (id >= 100 && id <= 1198) || (id >= 10100 && id <= 11198);
 }
 
-int EffectListsControl(int32_t row, int32_t id) {
-  if (row < 0 || row >= kEffectCount) return 0;
-  const int32_t* list = EffectTable[row].controls;
-  if (!list) return 0;
-  for (; *list; ++list)
-    if (*list == id) return 1;
+int ListHasControl(EffectControlList controls, int32_t id) {
+  if (!controls) return 0;
+  for (; *controls; ++controls)
+    if (*controls == id) return 1;
   return 0;
 }
 
 namespace {
 
-// The one test of both passes: -1 hides every page control, a row shows its own and hides the rest.
-int ShowForRow(WindowHandle child, void* param) {
-  const int32_t row = *static_cast<const int32_t*>(param);
+struct PagePass {
+  bool hideAll;
+  EffectControlList controls;
+};
+
+// The one test of both passes: the first hides every page control, the second shows the listed
+// ones and hides the rest.
+int ShowForPass(WindowHandle child, void* param) {
+  const PagePass* pass = static_cast<const PagePass*>(param);
   const int32_t id = DialogItemId(child);
-  if (IsPageControlId(id)) DialogShowItem(child, row >= 0 && EffectListsControl(row, id));
+  if (IsPageControlId(id)) DialogShowItem(child, !pass->hideAll && ListHasControl(pass->controls, id));
   return 1;
 }
 
 }  // namespace
 
+void ShowPageControls(WindowHandle dialog, EffectControlList controls) {
+  PagePass pass = {true, nullptr};
+  DialogEnumChildren(dialog, ShowForPass, &pass);
+  pass = {false, controls};
+  DialogEnumChildren(dialog, ShowForPass, &pass);
+}
+
 void ShowEffectPage(WindowHandle dialog, int32_t row) {
-  int32_t pass = -1;
-  DialogEnumChildren(dialog, ShowForRow, &pass);
-  pass = EffectRowForPage(row);
-  DialogEnumChildren(dialog, ShowForRow, &pass);
+  row = EffectRowForPage(row);
+  ShowPageControls(dialog, row < kEffectCount ? EffectTable[row].controls : nullptr);
 }
 
 int InitEffectPages(WindowHandle dialog) {

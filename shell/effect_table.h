@@ -86,11 +86,13 @@ int32_t EffectRowForPage(int32_t row);
 int32_t EffectPageId(int32_t row);
 // Nonzero when `id` is a page control or updown partner id (100..1198, 10100..11198).
 int IsPageControlId(int32_t id);
-// Nonzero when `id` is in the row's control list.
-int EffectListsControl(int32_t row, int32_t id);
+// Nonzero when `id` is in the control list.
+int ListHasControl(EffectControlList controls, int32_t id);
 // Hides every page control of the dialog, then shows those of `row`. Controls of the main dialog
 // itself (ids outside the page ranges) are left alone.
 void ShowEffectPage(WindowHandle dialog, int32_t row);
+// The same for an explicit control list (ended by 0, or null for none).
+void ShowPageControls(WindowHandle dialog, EffectControlList controls);
 
 // Calls the rows' EffectInit in table order with a context holding only `dialog`. Rows without one
 // are passed over. Returns 0 at the first row that fails, leaving the rest uncalled.
