@@ -9,7 +9,7 @@
 #include <cstring>
 
 #include "shell/packed_dib.h"
-#include "shell/surface_image.h"
+#include "platform/surface_image.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // The Packed DIB half of a render surface, shared by both ports.
-#include "shell/surface_image.h"
+#include "platform/surface_image.h"
 
 #include <cstring>
 
