@@ -30,8 +30,7 @@ struct RenderSurface {
 
 constexpr uint32_t kSurfaceKeepImage = 1;
 
-// Makes a surface of width by height pixels, all black. Returns 1, or 0 with nothing left
-// allocated.
+// Makes a surface of width by height pixels, all black. Returns 1, or 0 with nothing left allocated.
 int CreateRenderSurface(int32_t width, int32_t height, RenderSurface* surface);
 // Writes the drawing back into `handle`, frees the drawing objects, and frees `handle` unless
 // `flags` has kSurfaceKeepImage. Safe on a surface whose creation failed part way. Returns 1.
@@ -50,17 +49,16 @@ struct SurfacePaint {
 constexpr int32_t kFillAlternate = 1;
 constexpr int32_t kFillWinding = 2;
 
-// Fills left <= x < right, top <= y < bottom.
+// Fills left <= x < right, top <= y < bottom; an empty or inverted rectangle fills nothing.
 int SurfaceFillRect(RenderSurface* surface, const SurfaceRect* rect, uint32_t colour);
-// A closed polygon; with no pen its interior leaves out the right and lower edges, as a
-// rectangle's.
+// A closed polygon; with no pen its interior leaves out the right and lower edges, as a rectangle's.
 int SurfacePolygon(RenderSurface* surface, const SurfacePoint* points, int32_t count,
                    const SurfacePaint* paint, int32_t fillMode);
 // The ellipse inscribed in the box; with no pen its interior is one pixel smaller on the right and
 // lower sides.
 int SurfaceEllipse(RenderSurface* surface, const SurfaceRect* box, const SurfacePaint* paint);
-// With no pen the interior covers left..right-2 and top..bottom-2; with a pen of width 1 the
-// outline runs on the box's first and last columns and rows.
+// With no pen the interior covers left..right-2 and top..bottom-2; with a pen of width 1 the outline
+// runs on the box's first and last columns and rows.
 int SurfaceRectangle(RenderSurface* surface, const SurfaceRect* box, const SurfacePaint* paint);
 // A line from (x0, y0) to (x1, y1), the end point excluded for a one-pixel pen.
 int SurfaceLine(RenderSurface* surface, int32_t x0, int32_t y0, int32_t x1, int32_t y1,

@@ -8,6 +8,4 @@ int DrawingStartup(uint64_t* token) {
   return 1;
 }
 
-int DrawingShutdown(uint64_t token) {
-  return token != 0;
-}
+int DrawingShutdown(uint64_t token) { return token != 0; }
