@@ -139,8 +139,8 @@ uint64_t DrawingText(DrawRequest* request) {
       result = 1;
       break;
     case 1:
-      // There is no device to draw on outside Windows: the context is the font itself.
-      result = 1;
+      // Outside Windows the context is the font itself and has no pixels: nothing is drawn, and
+      // 0 says so. No caller draws on a device.
       break;
     case 2:
       result = reinterpret_cast<uint64_t>(DrawString(font, text, request->measuredWidth,
