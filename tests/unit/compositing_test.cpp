@@ -1,8 +1,11 @@
 #include "text/compositing.h"
 
 #include "text/blur.h"
+#include "text/image_copy.h"
+#include "text/text_mask.h"
 
 #include <cstring>
+#include <functional>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -162,4 +165,29 @@ TEST(Layers, SofteningBlursOnlyWhenSoftAndFinishingCombinesAlpha) {
   EXPECT_EQ(Pixel(argb, 2, 1), 0x4D123456u);
   MovableFree(argb);
   EXPECT_EQ(MovableLiveCount(), live);
+}
+
+TEST(ImageOperations, EveryMakerFreesWhatItMadeWhenAllocationFails) {
+  ScopedBlock rgb(RandomImage(9, 7, 24, 31)), argb(RandomImage(9, 7, 32, 32));
+  ScopedBlock mask(RandomImage(9, 7, 8, 33));
+  const std::function<MovableHandle()> makers[] = {
+      [&] { return FastBoxBlur(rgb.handle, 12); },
+      [&] { return FlattenOnColour(argb.handle, 0x00102030); },
+      [&] { return ExpandToArgb(mask.handle); },
+      [&] { return AlphaToMask(argb.handle); },
+      [&] { return CreateImageLike(rgb.handle); },
+      [&] { return RollDown(mask.handle, 3); },
+      [&] { return DilateMask(mask.handle); },
+      [&] { return WidenMask(mask.handle, 13, 7, 1); },
+      [&] { return CombineAlpha(rgb.handle, mask.handle); },
+      [&] { return FilledImage(0, 0, 5, 4, 0x00FFFFFF); },
+  };
+  for (size_t i = 0; i < sizeof makers / sizeof makers[0]; ++i) {
+    EXPECT_TRUE(SweepAllocationFailures([&] {
+      MovableHandle made = makers[i]();
+      MovableFree(made);
+      return made != nullptr;
+    })) << "maker "
+        << i;
+  }
 }

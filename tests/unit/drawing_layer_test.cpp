@@ -4,6 +4,7 @@
 
 #include "platform/font.h"
 #include "shell/packed_dib.h"
+#include "tests/support/alloc_sweep.h"
 #include "tests/support/drawing_session.h"
 
 namespace {
@@ -213,4 +214,23 @@ TEST(DispatchDraw, PathGradientsCentreOnTheirPercentages) {
   r.gradientAngle = 0;
   Picture linear(DispatchDraw(&r));
   EXPECT_GT((linear.At(2, 10) >> 8) & 0xFF, (linear.At(37, 10) >> 8) & 0xFF);
+}
+
+TEST(DispatchDraw, PicturesLeakNothingWhenAllocationFails) {
+  LayoutFont font;
+  ASSERT_EQ(CreateLayoutFont(nullptr, kTestFace, 30, 0, 0, &font), 1);
+  DrawRequest text = TextRequest(font, "g", kTextBitmap);
+  DrawRequest ellipse = {};
+  ellipse.operation = kDrawEllipse;
+  ellipse.bounds = {0, 0, 20, 10};
+  ellipse.shapeFill = 0x00FF00;
+  ellipse.shapeOutline = -1;
+  for (DrawRequest* r : {&text, &ellipse}) {
+    EXPECT_TRUE(SweepAllocationFailures([&] {
+      MovableHandle picture = reinterpret_cast<MovableHandle>(DispatchDraw(r));
+      MovableFree(picture);
+      return picture != nullptr;
+    })) << r->operation;
+  }
+  DeleteLayoutFont(&font);
 }
