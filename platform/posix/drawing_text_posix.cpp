@@ -13,11 +13,14 @@
 
 namespace {
 
-// The font the request names: its context, else its description, else its face and size fields.
+// The font the request names: its description, else its context, else its face and size fields.
 // `owned` receives a font opened here, for the caller to close.
 PosixFont* RequestFont(const DrawRequest* request, PosixFont** owned) {
   *owned = nullptr;
-  if (PosixFont* font = PosixFontFromContext(request->deviceContext)) return font;
+  // As on Windows, a description names the font even when a context is given; the context's own
+  // description, which is what callers pass, needs no second font.
+  PosixFont* font = PosixFontFromContext(request->deviceContext);
+  if (font && (!request->logFont || request->logFont == &font->description)) return font;
   FontDescription d = {};
   if (request->logFont) {
     d = *static_cast<const FontDescription*>(request->logFont);
