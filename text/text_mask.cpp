@@ -179,7 +179,7 @@ MovableHandle RenderTextMask(WindowHandle window, void* deviceContext, int32_t x
       KeepGlyph(cache, &font, byte, level, antialias, &drawn);
       delete[] coverage;
     }
-    x += static_cast<int32_t>(advances[i]);
+    x += advances ? static_cast<int32_t>(advances[i]) : 0;
   }
   return mask.Release();
 }

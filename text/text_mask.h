@@ -31,8 +31,8 @@ int MeasureText(void* deviceContext, const void* context, const char* text, Text
                 int32_t spacePercent, void* logFont, uint32_t* advances);
 
 // A new width by height mask with `text` drawn at grey `level`, its first character at (x, y) and
-// each next one `advances` further right; or null. With a cache, glyphs already drawn at this
-// level are reused, giving the same mask.
+// each next one `advances` further right (all at x when it is null); or null. With a cache, glyphs
+// already drawn at this level are reused, giving the same mask.
 MovableHandle RenderTextMask(WindowHandle window, void* deviceContext, int32_t x, int32_t y,
                              const char* text, int32_t width, int32_t height, int32_t level,
                              int32_t antialias, int32_t fontSize, int32_t bold, int32_t italic,
