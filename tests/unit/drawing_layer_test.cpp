@@ -170,6 +170,13 @@ TEST(DispatchDraw, ShapesKeepTheirGeometry) {
   };
   const int32_t c = 2 / 2 + 4;
   EXPECT_NEAR(lastLit(square, 30) - lastLit(rounded, 30), c, 1);
+  // At 100% the arcs take the reduced box's full shorter side, d = min(58 - 5, 38 - 5) = 33: the
+  // corners are round through and the middle stays filled.
+  rect.cornerPercent = 100;
+  Picture round(DispatchDraw(&rect));
+  EXPECT_EQ(round.At(c + 2, c + 2), 0u);
+  EXPECT_EQ(round.At(c + 2, 21), 0x00FFFFFFu);
+  EXPECT_EQ(round.At(30, c + 1), 0x00FFFFFFu);
 
   DrawRequest ellipse = rect;
   ellipse.operation = kDrawEllipse;
@@ -204,6 +211,10 @@ TEST(DispatchDraw, PathGradientsCentreOnTheirPercentages) {
   ASSERT_EQ(right.width, 40);
   EXPECT_GT(right.At(38, 10) & 0xFF, right.At(20, 10) & 0xFF);
   EXPECT_GT(right.At(20, 10) & 0xFF, right.At(2, 10) & 0xFF);
+  r.gradientCentreX = -100;
+  Picture left(DispatchDraw(&r));
+  EXPECT_GT(left.At(1, 10) & 0xFF, left.At(20, 10) & 0xFF);
+  EXPECT_GT(left.At(20, 10) & 0xFF, left.At(38, 10) & 0xFF);
   r.gradientKind = 1;
   r.gradientCentreX = 0;
   r.gradientTo = 0x0000FF;
