@@ -268,7 +268,7 @@ uint64_t DrawingGradient(DrawRequest* r) {
                                      (from >> 16 & 0xFF) / 255.0);
     cairo_pattern_add_color_stop_rgb(pattern, 1, (to & 0xFF) / 255.0, (to >> 8 & 0xFF) / 255.0,
                                      (to >> 16 & 0xFF) / 255.0);
-    cairo_pattern_set_extend(pattern, CAIRO_EXTEND_REFLECT);
+    cairo_pattern_set_extend(pattern, CAIRO_EXTEND_REPEAT);  // the tiled wrap of GDI+
     cairo_rectangle(cr, x0, y0, w, h);
   } else {
     const float hw = width * 0.5f, hh = height * 0.5f;
@@ -392,6 +392,13 @@ MovableHandle DrawTextPath(const DrawRequest* r) {
       cairo_close_path(cr);
     }
     walk.x += face->glyph->linearHoriAdvance / 65536.0;
+  }
+  if (r->underline > 0 && walk.x > em / 6.0) {
+    // The face's underline, under the whole run of advances, as part of the same path.
+    const double scale = em / face->units_per_EM;
+    const double thickness = face->underline_thickness * scale;
+    const double top = ascent - face->underline_position * scale - thickness / 2;
+    cairo_rectangle(cr, em / 6.0, top, walk.x - em / 6.0, thickness > 1 ? thickness : 1);
   }
   ClosePosixFont(font);
   cairo_set_fill_rule(cr, CAIRO_FILL_RULE_WINDING);

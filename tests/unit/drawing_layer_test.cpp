@@ -245,3 +245,32 @@ TEST(DispatchDraw, PicturesLeakNothingWhenAllocationFails) {
   }
   DeleteLayoutFont(&font);
 }
+
+TEST(DispatchDraw, TextPathsFillAndOutlineInTheirOwnColours) {
+  LayoutFont font;
+  ASSERT_EQ(CreateLayoutFont(nullptr, kTestFace, 40, 1, 0, &font), 1);
+  // The outline pen takes red 0xFF, green from the colour's red and blue from its green.
+  const struct {
+    int32_t mode;
+    uint32_t colour, expected;
+  } cases[] = {{kTextPathOutline, 0x00003080, 0x003080FF},
+               {kTextPathFilled, 0x00123456, 0x00123456}};
+  for (const auto& c : cases) {
+    DrawRequest r = TextRequest(font, "Hg", c.mode);
+    r.textColour = c.colour;
+    r.textPenWidth = 3;
+    Picture picture(DispatchDraw(&r));
+    ASSERT_NE(picture.handle, nullptr) << c.mode;
+    EXPECT_EQ(picture.width, r.measuredWidth);
+    int inked = 0;
+    for (int32_t y = 0; y < picture.height; ++y)
+      for (int32_t x = 0; x < picture.width; ++x) {
+        const uint32_t v = picture.At(x, y);
+        if (!v) continue;
+        ASSERT_EQ(v, c.expected) << c.mode << " at " << x << "," << y;
+        ++inked;
+      }
+    EXPECT_GT(inked, 100) << c.mode;
+  }
+  DeleteLayoutFont(&font);
+}
