@@ -97,8 +97,8 @@ MovableHandle BitmapToPackedDib(void* bitmapHandle) {
   RealizePalette(screen);
   MovableHandle block = MovableAlloc(sizeof(BITMAPINFOHEADER) + 40 + colours);
   bool done = false;
-  if (block) {
-    BITMAPINFOHEADER* header = static_cast<BITMAPINFOHEADER*>(MovableLock(block));
+  BITMAPINFOHEADER* header = block ? static_cast<BITMAPINFOHEADER*>(MovableLock(block)) : nullptr;
+  if (header) {
     header->biSize = sizeof(BITMAPINFOHEADER);
     header->biWidth = info.bmWidth;
     header->biHeight = info.bmHeight;
@@ -116,10 +116,12 @@ MovableHandle BitmapToPackedDib(void* bitmapHandle) {
     if (grown) {
       block = grown;
       BITMAPINFOHEADER* h = static_cast<BITMAPINFOHEADER*>(MovableLock(block));
-      uint8_t* bits = reinterpret_cast<uint8_t*>(h) + h->biSize + colours * 4;
-      done = GetDIBits(screen, bitmap, 0, info.bmHeight, bits, reinterpret_cast<BITMAPINFO*>(h),
-                       DIB_RGB_COLORS) != 0;
-      MovableUnlock(block);
+      if (h) {
+        uint8_t* bits = reinterpret_cast<uint8_t*>(h) + h->biSize + colours * 4;
+        done = GetDIBits(screen, bitmap, 0, info.bmHeight, bits, reinterpret_cast<BITMAPINFO*>(h),
+                         DIB_RGB_COLORS) != 0;
+        MovableUnlock(block);
+      }
     }
   }
   SelectPalette(screen, previous, FALSE);
