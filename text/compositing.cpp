@@ -36,20 +36,28 @@ uint32_t TableColour(const void* image, uint32_t index) {
 
 }  // namespace
 
-const uint8_t kGreyRamp[768] = {
-#define GM5_R4(i) (i) / 3, (i + 1) / 3, (i + 2) / 3, (i + 3) / 3
-#define GM5_R16(i) GM5_R4(i), GM5_R4(i + 4), GM5_R4(i + 8), GM5_R4(i + 12)
-#define GM5_R64(i) GM5_R16(i), GM5_R16(i + 16), GM5_R16(i + 32), GM5_R16(i + 48)
-#define GM5_R256(i) GM5_R64(i), GM5_R64(i + 64), GM5_R64(i + 128), GM5_R64(i + 192)
-    GM5_R256(0), GM5_R256(256), GM5_R256(512)
-#undef GM5_R256
-#undef GM5_R64
-#undef GM5_R16
-#undef GM5_R4
+namespace {
+
+struct RampBytes {
+  uint8_t bytes[kPaletteBytes];
 };
 
+constexpr RampBytes MakeGreyRamp() {
+  RampBytes ramp = {};
+  for (uint32_t i = 0; i < kPaletteBytes; ++i) ramp.bytes[i] = static_cast<uint8_t>(i / 3);
+  return ramp;
+}
+
+constexpr RampBytes kGreyRamp = MakeGreyRamp();
+
+}  // namespace
+
+const uint8_t* GreyRamp() {
+  return kGreyRamp.bytes;
+}
+
 MovableHandle CreateMask(int32_t width, int32_t height) {
-  return CreatePackedDib(width, height, kGreyRamp, 8);
+  return CreatePackedDib(width, height, GreyRamp(), 8);
 }
 
 void AddCoverage(void* plane, int32_t x, int32_t y, uint32_t coverage) {
@@ -134,7 +142,7 @@ MovableHandle ConvertImage(MovableHandle image, int32_t depth, Convert convert) 
   const BitmapInfoHeader* h = ImageHeader(source);
   if (!h) return nullptr;
   const int32_t width = h->biWidth, height = h->biHeight;
-  ScopedBlock result(CreatePackedDib(width, height, depth == 8 ? kGreyRamp : nullptr, depth));
+  ScopedBlock result(CreatePackedDib(width, height, depth == 8 ? GreyRamp() : nullptr, depth));
   ScopedLock target(result.handle);
   if (!target) return nullptr;
   // A picture no pixel wide may still claim a great height: nothing to visit then.

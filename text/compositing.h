@@ -58,7 +58,7 @@ MovableHandle FlattenBitmapFile(const uint8_t* data, size_t size, uint32_t colou
 // is 0xFFFFFFFF (-1). Null when the resource is missing or memory fails.
 MovableHandle LoadFlattenedResource(int32_t id, uint32_t colour);
 
-// The grey colour table of every mask: entry i is red, green and blue i.
-extern const uint8_t kGreyRamp[768];
+// The grey colour table of every mask, 256 red, green, blue triples: entry i is i, i, i.
+const uint8_t* GreyRamp();
 // A new zeroed 8-bit mask with the grey table, or null.
 MovableHandle CreateMask(int32_t width, int32_t height);

@@ -52,7 +52,7 @@ void FillTextRequest(DrawRequest* r, const char* oneCharacter, int32_t mode, int
   r->textMode = mode;
   r->depth = 8;
   r->level = level;
-  std::memcpy(r->ramp, kGreyRamp, sizeof r->ramp);
+  std::memcpy(r->ramp, GreyRamp(), sizeof r->ramp);
   r->fontSize = fontSize;
   r->bold = bold;
   r->italic = italic;

@@ -8,7 +8,7 @@
 #include "text/compositing.h"
 
 MovableHandle RandomImage(int32_t width, int32_t height, int32_t depth, uint32_t seed) {
-  MovableHandle image = CreatePackedDib(width, height, depth == 8 ? kGreyRamp : nullptr, depth);
+  MovableHandle image = CreatePackedDib(width, height, depth == 8 ? GreyRamp() : nullptr, depth);
   ScopedLock lock(image);
   if (!lock) return image;
   crt::srand(seed);
