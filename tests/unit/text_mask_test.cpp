@@ -248,6 +248,14 @@ TEST(MaskOperations, DilateWidenCombineAndFill) {
   EXPECT_EQ(ReadDibPixel(c.bytes, 5, 1) >> 24, 255u);  // beyond the mask
   EXPECT_EQ(reinterpret_cast<const BitmapInfoHeader*>(fl.bytes)->biWidth, 4);
   EXPECT_EQ(ReadDibPixel(fl.bytes, 3, 1), 0x00112233u);
+  // Masks carry the grey table: entry i is blue, green and red i.
+  const uint8_t* table = DibTable(g.bytes);
+  for (int i : {0, 1, 128, 255}) {
+    EXPECT_EQ(table[i * 4], i);
+    EXPECT_EQ(table[i * 4 + 1], i);
+    EXPECT_EQ(table[i * 4 + 2], i);
+    EXPECT_EQ(table[i * 4 + 3], 0);
+  }
 }
 
 TEST(MaskOperations, FastDilateAndWidenMatchPixelByPixelVersions) {
