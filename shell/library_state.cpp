@@ -4,3 +4,4 @@
 void* ModuleInstance = nullptr;
 char PluginFolder[261];
 char OpenPath[261];
+void* DialogFonts[3];

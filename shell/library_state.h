@@ -11,3 +11,7 @@ extern void* ModuleInstance;
 extern char PluginFolder[261];
 // The folder that file dialogs open in; the documents folder until the user picks another.
 extern char OpenPath[261];
+
+// The three fonts that all dialogs share during one use: Arial 14, MS Sans Serif 14, Arial 12
+// (cell heights in pixels). Made and deleted by the library's entry; null between uses.
+extern void* DialogFonts[3];
