@@ -3,7 +3,8 @@
 //   wait-dialog | box ANSWER | click ID | set-text ID TEXT | set-check ID 0|1 | select ID ROW |
 //   read-text ID | read-check ID | read-enabled ID | wait-timer | sleep MS | watch
 // (watch logs the library's live GDI objects and GDI+ sessions, see host/import_watch.h).
-// A step that waits gives up after a timeout: the driver logs it and cancels every open dialog.
+// A step that waits gives up after a timeout (20 s, or `timeout MS` for the steps after it): the
+// driver logs it and cancels every open dialog.
 #pragma once
 
 #include <string>

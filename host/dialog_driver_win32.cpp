@@ -12,7 +12,7 @@
 namespace {
 
 constexpr UINT kTickMilliseconds = 20;
-constexpr DWORD kStepTimeout = 20000;
+constexpr DWORD kDefaultStepTimeout = 20000;
 constexpr DWORD kUpdateTimerWait = 400;  // longer than the dialog's update delay
 
 struct DriverState {
@@ -23,6 +23,7 @@ struct DriverState {
   UINT_PTR timer = 0;
   bool busy = false;
   bool abandoned = false;
+  DWORD stepTimeout = kDefaultStepTimeout;
 };
 DriverState driver;
 
@@ -75,6 +76,10 @@ bool RunStep(const std::string& step, DWORD waited) {
   in >> id;
   if (word == "sleep") return waited >= static_cast<DWORD>(id);
   if (word == "wait-timer") return waited >= kUpdateTimerWait;
+  if (word == "timeout") {
+    driver.stepTimeout = static_cast<DWORD>(id);
+    return true;
+  }
   if (word == "watch") {
     ImportWatchCounts counts = ImportWatchNow();
     Log("watch when=during gdiObjects=" + std::to_string(counts.liveGdiObjects) +
@@ -135,7 +140,7 @@ void CALLBACK DriverTick(HWND, UINT, UINT_PTR, DWORD) {
     Log("step n=" + std::to_string(driver.next + 1) + " text=" + EscapeLogText(step.c_str()));
     ++driver.next;
     driver.stepStarted = GetTickCount();
-  } else if (waited > kStepTimeout) {
+  } else if (waited > driver.stepTimeout) {
     Log("step n=" + std::to_string(driver.next + 1) +
         " error=timeout text=" + EscapeLogText(step.c_str()));
     driver.abandoned = true;
@@ -151,6 +156,7 @@ int StartDialogDriver(HostSession* session, const std::vector<std::string>& step
   driver.steps = steps;
   driver.next = 0;
   driver.abandoned = false;
+  driver.stepTimeout = kDefaultStepTimeout;
   driver.stepStarted = GetTickCount();
   driver.timer = SetTimer(nullptr, 0, kTickMilliseconds, DriverTick);
   return driver.timer != 0;

@@ -10,16 +10,9 @@
 
 #include "resources/resource_ids.h"
 #include "shell/messages.h"
+#include "tests/win32/win32_test_support.h"
 
 namespace {
-
-bool DisplayAvailable() {
-  HWND probe =
-      CreateWindowA("STATIC", "", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
-  if (!probe) return false;
-  DestroyWindow(probe);
-  return true;
-}
 
 struct SeenBox {
   std::string text;

@@ -13,14 +13,12 @@
 
 #include "host/bmp_file.h"
 #include "shell/host_interface.h"
+#include "tests/win32/win32_test_support.h"
 
 namespace {
 
-// The library's path as Windows sees it: the build's Unix path on drive Z:.
 std::string PluginPath() {
-  std::string path = std::string("Z:") + GM5_PLUGIN_PATH;
-  std::replace(path.begin(), path.end(), '/', '\\');
-  return path;
+  return BuildPath(GM5_PLUGIN_PATH);
 }
 
 struct PeFile {
