@@ -65,9 +65,6 @@ MovableHandle BmpToPackedDib(const uint8_t* file, size_t size) {
   memcpy(bytes.bytes, header, kDibHeaderBytes);
   memcpy(bytes.bytes + kDibHeaderBytes, header + kDibHeaderBytes, fileTableBytes);
   memcpy(bytes.bytes + kDibHeaderBytes + tableBytes, file + bitsOffset, bitsBytes);
-  BitmapInfoHeader* out = reinterpret_cast<BitmapInfoHeader*>(bytes.bytes);
-  out->biClrUsed = 0;
-  out->biSizeImage = static_cast<uint32_t>(bitsBytes);
   return dib;
 }
 
