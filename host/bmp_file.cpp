@@ -72,7 +72,8 @@ int WriteWholeFile(const char* path, const std::vector<uint8_t>& bytes) {
   FILE* file = fopen(path, "wb");
   if (!file) return 0;
   size_t written = fwrite(bytes.data(), 1, bytes.size(), file);
-  return (fclose(file) == 0) & (written == bytes.size());
+  int closed = fclose(file) == 0;
+  return closed && written == bytes.size();
 }
 
 std::vector<uint8_t> ReadWholeFile(const char* path) {

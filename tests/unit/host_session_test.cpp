@@ -11,6 +11,7 @@
 #include "host/bmp_file.h"
 #include "host/host_session.h"
 #include "shell/packed_dib.h"
+#include "tests/support/alloc_sweep.h"
 
 namespace {
 
@@ -237,5 +238,20 @@ TEST(HostSession, AnimationBlockFromBmpFilesPassesTheCheck) {
   EXPECT_EQ(std::string(request.path), (folder / "f0.bmp").string());
   request.mode = 2;
   EXPECT_EQ(host.Call(nullptr, HostOpOpenAnimation, 0, Ptr(&request)), 0u);
+
+  // Every allocation of the block and of the BMP reader can fail without a leak.
+  request.mode = 1;
+  EXPECT_TRUE(SweepAllocationFailures([&] {
+    MovableHandle made =
+        reinterpret_cast<MovableHandle>(host.Call(nullptr, HostOpOpenAnimation, 0, Ptr(&request)));
+    MovableFree(made);
+    return made != nullptr;
+  }));
+  std::vector<uint8_t> bmp = ReadWholeFile((folder / "f1.bmp").string().c_str());
+  EXPECT_TRUE(SweepAllocationFailures([&] {
+    MovableHandle made = BmpToPackedDib(bmp.data(), bmp.size());
+    MovableFree(made);
+    return made != nullptr;
+  }));
   std::filesystem::remove_all(folder);
 }
