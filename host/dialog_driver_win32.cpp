@@ -121,6 +121,10 @@ bool RunStep(const std::string& step, DWORD waited) {
     char text[1024] = "";
     GetDlgItemTextA(dialog, id, text, sizeof text);
     Log(prefix + " text=" + EscapeLogText(text));
+  } else if (word == "read-class") {
+    char className[64] = "";
+    if (control) GetClassNameA(control, className, sizeof className);
+    Log(prefix + " class=" + EscapeLogText(className));
   } else if (word == "read-check") {
     Log(prefix + " check=" + std::to_string(IsDlgButtonChecked(dialog, id)));
   } else if (word == "read-enabled") {

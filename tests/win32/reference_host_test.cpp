@@ -101,6 +101,70 @@ TEST(ReferenceHost, CancelReturnsOneWithEverythingReleased) {
   }
 }
 
+TEST(ReferenceHost, MainDialogHasItsCommonControls) {
+  if (!DisplayAvailable()) GTEST_SKIP() << "no display";
+  struct Expected {
+    int id;
+    const char* className;
+  };
+  static const Expected kControls[] = {{1, "Button"},
+                                       {2, "Button"},
+                                       {9, "Button"},
+                                       {10, "Button"},
+                                       {11, "Edit"},
+                                       {12, "Static"},
+                                       {13, "ComboBox"},
+                                       {14, "Button"},
+                                       {15, "Button"},
+                                       {16, "Button"},
+                                       {17, "Static"},
+                                       {18, "Button"},
+                                       {19, "Button"},
+                                       {20, "Button"},
+                                       {21, "Button"},
+                                       {22, "Button"},
+                                       {23, "Edit"},
+                                       {24, "Button"},
+                                       {25, "Button"},
+                                       {35, "Button"},
+                                       {36, "Button"},
+                                       {51, "Button"},
+                                       {52, "Edit"},
+                                       {53, "ComboBox"},
+                                       {54, "Button"},
+                                       {55, "Button"},
+                                       {57, "Edit"},
+                                       {58, "ComboBox"},
+                                       {59, "Edit"},
+                                       {61, "Edit"},
+                                       {62, "Button"},
+                                       {63, "Button"},
+                                       {64, "Button"},
+                                       {10011, "msctls_updown32"},
+                                       {10023, "msctls_updown32"},
+                                       {10057, "msctls_updown32"},
+                                       {10059, "msctls_updown32"},
+                                       {10061, "msctls_updown32"}};
+  std::string script = "wait-dialog\n";
+  for (const Expected& control : kControls)
+    script += "read-class " + std::to_string(control.id) + "\n";
+  for (int updown : {10011, 10023, 10057, 10059, 10061})
+    script += "read-text " + std::to_string(updown) + "\n";
+  script += "click 2\n";
+  HostRun run = RunHost("--version 0x1000", script);
+  ASSERT_EQ(run.exitCode, 0u);
+  for (const Expected& control : kControls) {
+    std::string prefix = "read-class id=" + std::to_string(control.id) + " ";
+    EXPECT_EQ(run.Line(prefix), prefix + "class=" + control.className);
+  }
+  // Each updown holds the range and default of its edit as its text.
+  EXPECT_EQ(run.Line("read-text id=10011"), "read-text id=10011 text=1,1000,10");
+  EXPECT_EQ(run.Line("read-text id=10023"), "read-text id=10023 text=1,10000,10");
+  EXPECT_EQ(run.Line("read-text id=10057"), "read-text id=10057 text=4,400,24");
+  EXPECT_EQ(run.Line("read-text id=10059"), "read-text id=10059 text=0,512,0");
+  EXPECT_EQ(run.Line("read-text id=10061"), "read-text id=10061 text=50,150,100");
+}
+
 TEST(ReferenceHost, NullServiceSaysInternalErrorAtDialogStart) {
   if (!DisplayAvailable()) GTEST_SKIP() << "no display";
   HostRun run = RunHost("--version 0x1000 --null-service", "box 1\nwait-dialog\nclick 2\n");
