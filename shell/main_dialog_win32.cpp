@@ -1,5 +1,6 @@
 // The main dialog's window procedure. This is its start and its end: it keeps the host, asks the
-// host's settings, tells a host without a service, centres itself and ends on Cancel. The rest of
+// host's settings, tells a host without a service, centres itself, asks the host for help, and
+// ends on Cancel. The rest of
 // its behaviour is added control by control.
 #include <windows.h>
 
@@ -35,14 +36,29 @@ INT_PTR OnInitDialog(HWND dialog, HostRecord* host) {
   return FALSE;  // focus is set
 }
 
+// Help: the host shows the help document at the dialog's topic; a refusal is told and the dialog
+// stays.
+void OnHelp(HWND dialog) {
+  char topic[64];
+  if (FormatHelpTopic("PREFACE", topic, sizeof topic) &&
+      CallHost(nullptr, HostOpShowHelp, 0, reinterpret_cast<uint64_t>(topic)))
+    return;
+  ShowMessage(reinterpret_cast<WindowHandle>(dialog),
+              "There has been an error displaying the Help document.");
+}
+
 INT_PTR CALLBACK MainDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
     case WM_INITDIALOG:
       return OnInitDialog(dialog, reinterpret_cast<HostRecord*>(lParam));
     case WM_COMMAND:
-      if (LOWORD(wParam) == IDC_CANCEL) {
-        EndDialog(dialog, 0);
-        return TRUE;
+      switch (LOWORD(wParam)) {
+        case IDC_CANCEL:
+          EndDialog(dialog, 0);
+          return TRUE;
+        case IDC_HELP_BUTTON:
+          OnHelp(dialog);
+          return TRUE;
       }
       return FALSE;
   }

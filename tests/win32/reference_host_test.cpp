@@ -176,6 +176,22 @@ TEST(ReferenceHost, NullServiceSaysInternalErrorAtDialogStart) {
             "watch when=after gdiObjects=0 gdiplusStartups=1 gdiplusShutdowns=1");
 }
 
+TEST(ReferenceHost, HelpGoesToTheHostAndARefusalIsTold) {
+  if (!DisplayAvailable()) GTEST_SKIP() << "no display";
+  HostRun run = RunHost("--version 0x1000", "wait-dialog\nclick 9\nsleep 200\nclick 2\n");
+  ASSERT_EQ(run.exitCode, 0u);
+  EXPECT_EQ(run.Line("call op=9"),
+            "call op=9 name=HostOpShowHelp text=RFDPLGM5.HTML#PREFACE result=1");
+  EXPECT_EQ(run.Count("box"), 0);
+
+  run = RunHost("--version 0x1000", "refuse 9\nwait-dialog\nclick 9\nbox 1\nclick 2\n");
+  ASSERT_EQ(run.exitCode, 0u);
+  EXPECT_EQ(run.Line("box"),
+            "box text=There%20has%20been%20an%20error%20displaying%20the%20Help%20document. "
+            "answer=1");
+  EXPECT_EQ(run.Line("dobuild"), "dobuild result=1");  // the dialog stayed until Cancel
+}
+
 TEST(ReferenceHost, AnUnfinishedScriptCancelsTheDialogs) {
   if (!DisplayAvailable()) GTEST_SKIP() << "no display";
   // The box never comes: the driver gives up, cancels the dialog, and the host says so.
