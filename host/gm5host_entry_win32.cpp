@@ -130,6 +130,9 @@ int main(int argc, char** argv) {
   record.version = options.version;
   record.capabilities = options.capabilities;
   record.service = options.nullService ? nullptr : ServeFromScript;
+  HostLog(&session, "host version=" + std::to_string(record.version) +
+                        " capabilities=" + std::to_string(record.capabilities) +
+                        " service=" + std::to_string(record.service != nullptr));
 
   HWND parent = CreateWindowExA(0, "STATIC", "gm5host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 320,
                                 200, nullptr, nullptr, GetModuleHandleA(nullptr), nullptr);

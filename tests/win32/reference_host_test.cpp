@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -90,6 +91,9 @@ TEST(ReferenceHost, CancelReturnsOneWithEverythingReleased) {
     HostRun run = RunHost(std::string("--version ") + version, "wait-dialog\nwatch\nclick 2\n");
     ASSERT_EQ(run.exitCode, 0u);
     EXPECT_EQ(run.Count("box"), 0);
+    EXPECT_EQ(run.Line("host"), std::string("host version=") +
+                                    std::to_string(strtoul(version, nullptr, 16)) +
+                                    " capabilities=3 service=1");
     // While the dialog is open: the three shared fonts and one GDI+ session.
     EXPECT_EQ(run.Line("watch when=during"),
               "watch when=during gdiObjects=3 gdiplusStartups=1 gdiplusShutdowns=0");
