@@ -12,9 +12,6 @@ constexpr uint32_t kMessageAfterStart = 1224;  // after start and after a docume
 // Posted in place of kMessageAfterStart when the start failed.
 constexpr uint32_t kMessageStartFailed = 2;
 
-// The host's SoftButtons setting: nonzero asks for the skinned look of push buttons.
-extern int32_t SoftButtons;
-
 // Runs dialog 1000 modally over `parent`. Returns the value the dialog ended with: 1 after a
 // build, 0 after Cancel, -1 when the dialog could not be made.
 int64_t RunMainDialog(WindowHandle parent, HostRecord* host);

@@ -9,8 +9,6 @@
 #include "shell/main_dialog.h"
 #include "shell/messages.h"
 
-int32_t SoftButtons = 0;
-
 namespace {
 
 void AskHostSettings() {
