@@ -86,6 +86,7 @@ struct FileObjectRecord {
   int32_t transparentIndex;
   uint8_t reserved3[4];
 };
+static_assert(offsetof(FileObjectRecord, size) == 0 && offsetof(FileObjectRecord, version) == 4);
 static_assert(offsetof(FileObjectRecord, owner) == 8 &&
               offsetof(FileObjectRecord, reserved0) == 16);
 static_assert(offsetof(FileObjectRecord, bits) == 20 && offsetof(FileObjectRecord, width) == 24);
@@ -110,6 +111,7 @@ struct ImageRecord {
   int32_t transparentIndex;
   uint8_t reserved2[68];
 };
+static_assert(offsetof(ImageRecord, size) == 0 && offsetof(ImageRecord, version) == 4);
 static_assert(offsetof(ImageRecord, image) == 8 && offsetof(ImageRecord, reserved0) == 16);
 static_assert(offsetof(ImageRecord, transparent) == 20 && offsetof(ImageRecord, reserved1) == 24);
 static_assert(offsetof(ImageRecord, delay) == 32 && offsetof(ImageRecord, index) == 36);
@@ -127,6 +129,7 @@ struct ColourRequest {
   uint32_t reserved1;
   WindowHandle owner;
 };
+static_assert(offsetof(ColourRequest, size) == 0 && offsetof(ColourRequest, version) == 4);
 static_assert(offsetof(ColourRequest, palette) == 8 && offsetof(ColourRequest, bits) == 16);
 static_assert(offsetof(ColourRequest, reserved0) == 20 && offsetof(ColourRequest, colour) == 24);
 static_assert(offsetof(ColourRequest, reserved1) == 28 && offsetof(ColourRequest, owner) == 32);
@@ -146,6 +149,7 @@ struct AnimationRequest {
   WindowHandle owner;
   char path[328];  // at most 260 characters; empty asks the user. Out: the path chosen
 };
+static_assert(offsetof(AnimationRequest, magic) == 0);
 static_assert(offsetof(AnimationRequest, size) == 4 && offsetof(AnimationRequest, version) == 8);
 static_assert(offsetof(AnimationRequest, mode) == 12 && offsetof(AnimationRequest, owner) == 16);
 static_assert(offsetof(AnimationRequest, path) == 24 && sizeof(AnimationRequest) == 352);
@@ -158,7 +162,8 @@ struct AnimationBlockHead {
   uint32_t reserved[2];
   uint32_t entryCount;
 };
-static_assert(offsetof(AnimationBlockHead, headerSize) == 4);
+static_assert(offsetof(AnimationBlockHead, magic) == 0 &&
+              offsetof(AnimationBlockHead, headerSize) == 4);
 static_assert(offsetof(AnimationBlockHead, entryCount) == 16 && sizeof(AnimationBlockHead) == 20);
 
 struct AnimationBlockEntry {
@@ -167,12 +172,14 @@ struct AnimationBlockEntry {
   uint32_t reserved[2];
   uint32_t dataSize;  // bytes of the Packed DIB; the next piece follows it
 };
-static_assert(offsetof(AnimationBlockEntry, headerSize) == 4);
+static_assert(offsetof(AnimationBlockEntry, magic) == 0 &&
+              offsetof(AnimationBlockEntry, headerSize) == 4);
 static_assert(offsetof(AnimationBlockEntry, dataSize) == 16 && sizeof(AnimationBlockEntry) == 20);
 
 struct AnimationBlockEnd {
   uint32_t magic;  // kAnimationEndMagic
 };
+static_assert(offsetof(AnimationBlockEnd, magic) == 0 && sizeof(AnimationBlockEnd) == 4);
 
 // What HostOpGetSetting points to: owned by the host, shaped like a row of the settings table.
 struct HostSetting {
@@ -182,6 +189,7 @@ struct HostSetting {
   uint32_t aux;
   uint64_t reserved;
 };
+static_assert(offsetof(HostSetting, key) == 0);
 static_assert(offsetof(HostSetting, value) == 8 && offsetof(HostSetting, flags) == 16);
 static_assert(sizeof(HostSetting) == 32);
 constexpr uint32_t kHostSettingInteger = 4;
