@@ -49,7 +49,7 @@ struct SurfacePaint {
 constexpr int32_t kFillAlternate = 1;
 constexpr int32_t kFillWinding = 2;
 
-// Fills left <= x < right, top <= y < bottom.
+// Fills left <= x < right, top <= y < bottom; an empty or inverted rectangle fills nothing.
 int SurfaceFillRect(RenderSurface* surface, const SurfaceRect* rect, uint32_t colour);
 // A closed polygon; with no pen its interior leaves out the right and lower edges, as a rectangle's.
 int SurfacePolygon(RenderSurface* surface, const SurfacePoint* points, int32_t count,

@@ -1,6 +1,7 @@
 // The POSIX memory port: a handle is a small record that owns a malloc'd buffer, with a lock count,
 // so that the same ownership rules hold as with movable global memory on Windows. A magic word in
 // each record lets a stale or foreign handle be refused instead of followed.
+#include "platform/allocation_count.h"
 #include "platform/memory.h"
 
 #include <cstdlib>
@@ -9,16 +10,6 @@
 namespace {
 
 constexpr uint32_t kBlockMagic = 0x474D3542;  // "GM5B"
-
-long liveBlocks = 0;
-long allocationAttempts = 0;
-long failAtAttempt = 0;
-
-// True when this allocation attempt is the one the test hook asked to fail.
-bool InjectedFailure() {
-  ++allocationAttempts;
-  return failAtAttempt > 0 && allocationAttempts == failAtAttempt;
-}
 
 }  // namespace
 
@@ -34,7 +25,7 @@ static MovableBlock* Checked(MovableHandle handle) {
 }
 
 MovableHandle MovableAlloc(size_t size) {
-  if (InjectedFailure()) return nullptr;
+  if (AllocationShouldFail()) return nullptr;
   MovableBlock* block = static_cast<MovableBlock*>(std::malloc(sizeof(MovableBlock)));
   if (!block) return nullptr;
   // A zero-byte block still gets a buffer, so that a lock of it succeeds as on Windows.
@@ -46,7 +37,7 @@ MovableHandle MovableAlloc(size_t size) {
   block->magic = kBlockMagic;
   block->locks = 0;
   block->size = size;
-  ++liveBlocks;
+  CountBlockAllocated();
   return block;
 }
 
@@ -71,14 +62,14 @@ MovableHandle MovableFree(MovableHandle handle) {
   block->magic = 0;
   std::free(block->bytes);
   std::free(block);
-  --liveBlocks;
+  CountBlockFreed();
   return nullptr;
 }
 
 MovableHandle MovableReAlloc(MovableHandle handle, size_t size) {
   MovableBlock* block = Checked(handle);
   if (!block || block->locks != 0) return nullptr;
-  if (InjectedFailure()) return nullptr;
+  if (AllocationShouldFail()) return nullptr;
   uint8_t* grown = static_cast<uint8_t*>(std::realloc(block->bytes, size ? size : 1));
   if (!grown) return nullptr;
   if (size > block->size) std::memset(grown + block->size, 0, size - block->size);
@@ -91,12 +82,3 @@ size_t MovableSize(MovableHandle handle) {
   MovableBlock* block = Checked(handle);
   return block ? block->size : 0;
 }
-
-long MovableLiveCount() { return liveBlocks; }
-
-void MovableFailAllocation(long nth) {
-  failAtAttempt = nth;
-  allocationAttempts = 0;
-}
-
-long MovableAllocationCount() { return allocationAttempts; }

@@ -1,0 +1,166 @@
+// The table of effects and the shell's handling of its rows: clamping of a selected row, showing a
+// page's controls, calling the procedures a row has, and the frame list that builds fill.
+#include "shell/effect_table.h"
+
+#include <cstring>
+
+// Rows in alphabetical order of the names but for Omni, which stands ahead of Machine: the index is
+// stored in settings and documents and must not move. Procedures stay null until an effect is built.
+const EffectEntry EffectTable[kEffectCount] = {
+    {"Arrows", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    {"Candy", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    {"Confetti", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    {"Diagonal Fuse", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    {"Heartbeat", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    {"Omni", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    {"Machine", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    {"Neural Network", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    {"Quark", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    {"Quark Outline", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    {"Rattle", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    {"Ring", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    {"Simple", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    {"Snow", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    {"Stars", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    {"Tracks", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    {"Tram Lines", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    {"Unplugged TV", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    {"Waterside", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    {"Wavelet", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    {"Zipper", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+};
+
+const int32_t EffectStyle[kEffectCount] = {7, 17, 16, 12, 10, 11, 4, 6,  5, 13, 18,
+                                           1, 0,  2,  3,  15, 20, 19, 8, 9, 14};
+
+int32_t EffectRowForBuild(int32_t row) {
+  if (row < 0) return 0;
+  return row >= kEffectCount ? kEffectCount - 1 : row;
+}
+
+int32_t EffectRowForPage(int32_t row) {
+  if (row < 0) return 0;
+  return row >= kEffectCount ? kEffectCount : row;
+}
+
+int32_t EffectPageId(int32_t row) {
+  return kEffectPageBase + EffectStyle[EffectRowForBuild(row)];
+}
+
+int IsPageControlId(int32_t id) {
+  return (id >= 100 && id <= 1198) || (id >= 10100 && id <= 11198);
+}
+
+int ListHasControl(EffectControlList controls, int32_t id) {
+  if (!controls) return 0;
+  for (; *controls; ++controls)
+    if (*controls == id) return 1;
+  return 0;
+}
+
+namespace {
+
+struct PagePass {
+  bool hideAll;
+  EffectControlList controls;
+};
+
+// The one test of both passes: the first hides every page control, the second shows the listed
+// ones and hides the rest.
+int ShowForPass(WindowHandle child, void* param) {
+  const PagePass* pass = static_cast<const PagePass*>(param);
+  const int32_t id = DialogItemId(child);
+  if (IsPageControlId(id)) DialogShowItem(child, !pass->hideAll && ListHasControl(pass->controls, id));
+  return 1;
+}
+
+}  // namespace
+
+void ShowPageControls(WindowHandle dialog, EffectControlList controls) {
+  PagePass pass = {true, nullptr};
+  DialogEnumChildren(dialog, ShowForPass, &pass);
+  pass = {false, controls};
+  DialogEnumChildren(dialog, ShowForPass, &pass);
+}
+
+void ShowEffectPage(WindowHandle dialog, int32_t row) {
+  row = EffectRowForPage(row);
+  ShowPageControls(dialog, row < kEffectCount ? EffectTable[row].controls : nullptr);
+}
+
+int InitEffectPages(WindowHandle dialog) {
+  for (int32_t row = 0; row < kEffectCount; ++row) {
+    if (!EffectTable[row].init) continue;
+    BuildContext context;
+    std::memset(&context, 0, sizeof context);
+    context.dialog = dialog;
+    if (!EffectTable[row].init(&context)) return 0;
+  }
+  return 1;
+}
+
+int RunEffectPreview(int32_t row, BuildContext* context) {
+  const EffectEntry& entry = EffectTable[EffectRowForBuild(row)];
+  if (!entry.preview) return 0;
+  if (entry.preview(context) && context->image) return 1;
+  context->image = MovableFree(context->image);
+  return 0;
+}
+
+int RunEffectBuild(int32_t row, BuildContext* context) {
+  const EffectEntry& entry = EffectTable[EffectRowForBuild(row)];
+  if (!entry.build) return 1;
+  if (entry.build(context)) return 1;
+  context->image = MovableFree(context->image);
+  return 0;
+}
+
+int32_t RunEffectKeyColour(int32_t row, WindowHandle dialog, int32_t mode) {
+  const EffectEntry& entry = EffectTable[EffectRowForBuild(row)];
+  return entry.keyColour ? entry.keyColour(dialog, mode) : -1;
+}
+
+int AppendFrame(FrameList* list, const FrameRecord* record) {
+  if (!list || !record) return 0;
+  if (!list->records) {
+    MovableHandle first = MovableAlloc(sizeof(FrameRecord));
+    if (!first) return 0;
+    void* slot = MovableLock(first);
+    if (!slot) {
+      MovableFree(first);
+      return 0;
+    }
+    std::memcpy(slot, record, sizeof(FrameRecord));
+    MovableUnlock(first);
+    list->records = first;
+    list->count = 1;
+    return 1;
+  }
+  MovableHandle grown =
+      MovableReAlloc(list->records, (static_cast<size_t>(list->count) + 1) * sizeof(FrameRecord));
+  if (!grown) return 0;
+  list->records = grown;
+  ScopedLock lock(grown);
+  if (!lock) return 0;
+  std::memcpy(lock.bytes + static_cast<size_t>(list->count) * sizeof(FrameRecord), record,
+              sizeof(FrameRecord));
+  ++list->count;
+  return 1;
+}
+
+void FreeFrameList(FrameList* list) {
+  if (!list) return;
+  for (int32_t i = 0; i < list->count; ++i) {
+    FrameRecord frame;
+    {
+      ScopedLock lock(list->records);
+      if (!lock) continue;
+      std::memcpy(&frame, lock.bytes + static_cast<size_t>(i) * sizeof(FrameRecord), sizeof frame);
+    }
+    MovableFree(frame.image);
+    MovableFree(frame.mask);
+  }
+  MovableFree(list->records);
+  list->records = nullptr;
+  list->count = 0;
+}
