@@ -1,0 +1,187 @@
+// Parsing of gm5's arguments: a table of commands and of options with their value kinds.
+#include "cli/command_line.h"
+
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <strings.h>
+
+#include "shell/effect_table.h"
+
+namespace {
+
+struct CommandName {
+  const char* name;
+  Gm5Command command;
+};
+
+const CommandName kCommands[] = {
+    {"effects", CommandEffects},
+};
+
+// Switches that set one field to 1, with a --no- form that sets it to 0.
+struct Switch {
+  const char* name;
+  int32_t CommandLine::*field;
+};
+
+const Switch kSwitches[] = {
+    {"bold", &CommandLine::bold},
+    {"italic", &CommandLine::italic},
+    {"true-color", &CommandLine::trueColour},
+    {"custom-palette", &CommandLine::customPalette},
+    {"dither", &CommandLine::dither},
+    {"transparent", &CommandLine::transparent},
+    {"supercompress", &CommandLine::supercompress},
+    {"alpha", &CommandLine::alpha},
+};
+
+// A whole decimal number within int32_t.
+int ParseInteger(const std::string& text, int32_t* value) {
+  if (text.empty()) return 0;
+  errno = 0;
+  char* end = nullptr;
+  long long n = strtoll(text.c_str(), &end, 10);
+  if (errno || *end || n < INT32_MIN || n > INT32_MAX) return 0;
+  *value = static_cast<int32_t>(n);
+  return 1;
+}
+
+int SplitPair(const std::string& text, std::string* key, std::string* value) {
+  size_t at = text.find('=');
+  if (at == std::string::npos || at == 0) return 0;
+  *key = text.substr(0, at);
+  *value = text.substr(at + 1);
+  return 1;
+}
+
+}  // namespace
+
+int ParseCommandLine(int argc, const char* const* argv, CommandLine* line, std::string* error) {
+  int optionsEnded = 0;
+  for (int i = 1; i < argc; ++i) {
+    std::string arg = argv[i];
+    if (optionsEnded || arg.size() < 2 || arg[0] != '-') {
+      if (line->command == CommandNone && !optionsEnded) {
+        for (const CommandName& c : kCommands)
+          if (arg == c.name) line->command = c.command;
+        if (line->command == CommandNone) {
+          *error = "unknown command: " + arg + " (see gm5 --help)";
+          return 0;
+        }
+      } else {
+        line->arguments.push_back(arg);
+      }
+      continue;
+    }
+    if (arg == "--") {
+      optionsEnded = 1;
+      continue;
+    }
+    // The value of an option is the next argument, or follows an = in the same one.
+    std::string name = arg, inlineValue;
+    int hasInline = 0;
+    size_t equals = arg.find('=');
+    if (arg.compare(0, 2, "--") == 0 && equals != std::string::npos) {
+      name = arg.substr(0, equals);
+      inlineValue = arg.substr(equals + 1);
+      hasInline = 1;
+    }
+    auto takeValue = [&](std::string* value) {
+      if (hasInline) {
+        *value = inlineValue;
+        return 1;
+      }
+      if (i + 1 >= argc) {
+        *error = "missing value after " + name;
+        return 0;
+      }
+      *value = argv[++i];
+      return 1;
+    };
+
+    if (name == "-h" || name == "--help") {
+      line->help = 1;
+    } else if (name == "--version") {
+      line->version = 1;
+    } else if (name == "-q" || name == "--quiet") {
+      line->quiet = 1;
+    } else if (name == "--defaults") {
+      line->defaults = 1;
+    } else if (name == "-o" || name == "--output") {
+      if (!takeValue(&line->output)) return 0;
+    } else if (name == "--effect") {
+      if (!takeValue(&line->effect)) return 0;
+    } else if (name == "--text") {
+      if (!takeValue(&line->text)) return 0;
+      line->hasText = 1;
+    } else if (name == "--font") {
+      if (!takeValue(&line->font)) return 0;
+    } else if (name == "--size") {
+      std::string value;
+      if (!takeValue(&value)) return 0;
+      if (!ParseInteger(value, &line->size) || line->size <= 0) {
+        *error = "bad value for --size: " + value;
+        return 0;
+      }
+    } else if (name == "--set") {
+      std::string value, key, setting;
+      if (!takeValue(&value)) return 0;
+      if (!SplitPair(value, &key, &setting)) {
+        *error = "bad value for --set: " + value + " (expected KEY=VALUE)";
+        return 0;
+      }
+      line->settings.emplace_back(key, setting);
+    } else if (name == "--control") {
+      std::string value, id, setting;
+      int32_t number = 0;
+      if (!takeValue(&value)) return 0;
+      if (!SplitPair(value, &id, &setting) || !ParseInteger(id, &number) || number <= 0) {
+        *error = "bad value for --control: " + value + " (expected ID=VALUE)";
+        return 0;
+      }
+      line->controls.emplace_back(number, setting);
+    } else {
+      int matched = 0;
+      for (const Switch& s : kSwitches) {
+        if (name == std::string("--") + s.name) {
+          line->*s.field = 1;
+          matched = 1;
+        } else if (name == std::string("--no-") + s.name) {
+          line->*s.field = 0;
+          matched = 1;
+        }
+      }
+      if (!matched || hasInline) {
+        *error = (matched ? "option takes no value: " : "unknown option: ") + name;
+        return 0;
+      }
+    }
+  }
+  return 1;
+}
+
+int32_t FindEffectRow(const std::string& name) {
+  for (int32_t row = 0; row < kEffectCount; ++row)
+    if (strcasecmp(EffectTable[row].name, name.c_str()) == 0) return row;
+  return -1;
+}
+
+const char* Gm5Usage() {
+  return "usage: gm5 COMMAND [ARGUMENTS] [OPTIONS]\n"
+         "\n"
+         "Renders text animations with the Glyph Motion 5 engine.\n"
+         "\n"
+         "commands:\n"
+         "  effects                      list the effects, one per line: row and name\n"
+         "\n"
+         "options:\n"
+         "  -o, --output PATH            where the result goes: .gif, .webp, .png, or a folder\n"
+         "                               (a name ending in / or without extension) of PNG frames\n"
+         "  -q, --quiet                  no progress bar\n"
+         "  -h, --help                   this text\n"
+         "      --version                the program's version\n"
+         "\n"
+         "Exit status: 0 on success, 1 on any failure, with a one-line message on stderr.\n";
+}

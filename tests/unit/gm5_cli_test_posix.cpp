@@ -1,0 +1,149 @@
+// gm5's command line: option forms and their errors, effect names, the progress line, and the
+// program itself run as a user would (output, exit status and one-line messages).
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "cli/command_line.h"
+#include "cli/progress.h"
+
+namespace {
+
+int Parse(std::vector<const char*> args, CommandLine* line, std::string* error) {
+  args.insert(args.begin(), "gm5");
+  return ParseCommandLine(static_cast<int>(args.size()), args.data(), line, error);
+}
+
+struct ProgramRun {
+  int status = -1;
+  std::string out;
+};
+
+// Runs gm5 with `arguments` (shell words), stderr joined to stdout.
+ProgramRun RunGm5(const std::string& arguments) {
+  ProgramRun run;
+  std::string command = std::string(GM5_PROGRAM_PATH) + " " + arguments + " 2>&1";
+  FILE* pipe = popen(command.c_str(), "r");
+  if (!pipe) return run;
+  char buffer[4096];
+  size_t n;
+  while ((n = fread(buffer, 1, sizeof buffer, pipe)) > 0) run.out.append(buffer, n);
+  int status = pclose(pipe);
+  run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  return run;
+}
+
+}  // namespace
+
+TEST(CommandLine, ReadsOptionsInBothForms) {
+  CommandLine line;
+  std::string error;
+  ASSERT_EQ(Parse({"effects", "--text", "Hi there", "--size=40", "--set", "MainDelay=7",
+                   "--control=112=3", "--no-bold", "--italic", "--true-color", "-o", "out.gif",
+                   "-q", "--", "--odd-name"},
+                  &line, &error),
+            1)
+      << error;
+  EXPECT_EQ(line.command, CommandEffects);
+  EXPECT_TRUE(line.hasText);
+  EXPECT_EQ(line.text, "Hi there");
+  EXPECT_EQ(line.size, 40);
+  ASSERT_EQ(line.settings.size(), 1u);
+  EXPECT_EQ(line.settings[0].first, "MainDelay");
+  EXPECT_EQ(line.settings[0].second, "7");
+  ASSERT_EQ(line.controls.size(), 1u);
+  EXPECT_EQ(line.controls[0].first, 112);
+  EXPECT_EQ(line.controls[0].second, "3");
+  EXPECT_EQ(line.bold, 0);
+  EXPECT_EQ(line.italic, 1);
+  EXPECT_EQ(line.trueColour, 1);
+  EXPECT_EQ(line.dither, -1);
+  EXPECT_EQ(line.output, "out.gif");
+  EXPECT_EQ(line.quiet, 1);
+  EXPECT_EQ(line.arguments, std::vector<std::string>{"--odd-name"});
+}
+
+TEST(CommandLine, RejectsMalformedOptionsWithOneLine) {
+  const struct {
+    std::vector<const char*> args;
+    const char* message;
+  } cases[] = {
+      {{"draw"}, "unknown command: draw (see gm5 --help)"},
+      {{"effects", "--colour"}, "unknown option: --colour"},
+      {{"effects", "--text"}, "missing value after --text"},
+      {{"effects", "--size", "12px"}, "bad value for --size: 12px"},
+      {{"effects", "--size=0"}, "bad value for --size: 0"},
+      {{"effects", "--set", "=3"}, "bad value for --set: =3 (expected KEY=VALUE)"},
+      {{"effects", "--control", "x=1"}, "bad value for --control: x=1 (expected ID=VALUE)"},
+      {{"effects", "--dither=1"}, "option takes no value: --dither"},
+  };
+  for (const auto& c : cases) {
+    CommandLine line;
+    std::string error;
+    EXPECT_EQ(Parse(c.args, &line, &error), 0) << c.message;
+    EXPECT_EQ(error, c.message);
+  }
+}
+
+TEST(CommandLine, FindsEffectsByNameInAnyCase) {
+  EXPECT_EQ(FindEffectRow("Simple"), 12);
+  EXPECT_EQ(FindEffectRow("unplugged tv"), 17);
+  EXPECT_EQ(FindEffectRow("ARROWS"), 0);
+  EXPECT_EQ(FindEffectRow("Unplugged"), -1);
+  EXPECT_EQ(FindEffectRow(""), -1);
+}
+
+TEST(Progress, DrawsCaptionAndBarOnlyWhenEnabled) {
+  FILE* out = tmpfile();
+  ASSERT_NE(out, nullptr);
+  ProgressBar bar;
+  BeginProgress(&bar, out, 0);
+  EXPECT_EQ(bar.enabled, 0);  // a file is not a terminal
+  ProgressCaption(&bar, "Building");
+  EXPECT_EQ(ftell(out), 0);
+  bar.enabled = 1;
+  ProgressCaption(&bar, "Quantizing");
+  ProgressStep(&bar, 5, 10);
+  EndProgress(&bar);
+  rewind(out);
+  char text[512] = {};
+  fread(text, 1, sizeof text - 1, out);
+  fclose(out);
+  EXPECT_STREQ(text,
+               "\rQuantizing      \x1b[K"
+               "\rQuantizing       [###############...............] 5/10\x1b[K\n");
+}
+
+TEST(Gm5Program, AnswersHelpVersionEffectsAndErrors) {
+  ProgramRun effects = RunGm5("effects");
+  EXPECT_EQ(effects.status, 0);
+  EXPECT_EQ(effects.out.rfind(" 0 Arrows\n 1 Candy\n", 0), 0u);
+  EXPECT_NE(effects.out.find("\n12 Simple\n"), std::string::npos);
+  EXPECT_EQ(std::count(effects.out.begin(), effects.out.end(), '\n'), 21);
+
+  ProgramRun version = RunGm5("--version");
+  EXPECT_EQ(version.status, 0);
+  EXPECT_EQ(version.out, "gm5 " GM5_VERSION "\n");
+  ProgramRun help = RunGm5("--help");
+  EXPECT_EQ(help.status, 0);
+  EXPECT_EQ(help.out.rfind("usage: gm5 ", 0), 0u);
+
+  const struct {
+    const char* arguments;
+    const char* message;
+  } failures[] = {
+      {"", "gm5: no command given (see gm5 --help)\n"},
+      {"paint", "gm5: unknown command: paint (see gm5 --help)\n"},
+      {"effects --bogus", "gm5: unknown option: --bogus\n"},
+      {"effects extra", "gm5: effects takes no arguments\n"},
+  };
+  for (const auto& f : failures) {
+    ProgramRun run = RunGm5(f.arguments);
+    EXPECT_EQ(run.status, 1) << f.arguments;
+    EXPECT_EQ(run.out, f.message);
+  }
+}
