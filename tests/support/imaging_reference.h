@@ -25,3 +25,7 @@ void MakeRandomPalette(std::mt19937& rng, uint8_t* palette, int32_t count);
 bool SameBlocks(MovableHandle a, MovableHandle b);
 // A 24-bit picture whose pixels (0x00BBGGRR, top-left first, row by row) are given.
 MovableHandle MakeImage24(int32_t width, int32_t height, const uint32_t* pixels);
+
+// The quantiser, pixel by pixel through ReadDibPixel, with its own tree and a linear exact list.
+int32_t RefQuantiseFrames(int32_t* request, uint8_t* palette, const MovableHandle* images,
+                          int32_t imageCount);

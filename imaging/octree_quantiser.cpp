@@ -1,0 +1,274 @@
+// Octree classification over runs of equal pixels, error-threshold reduction and post-order
+// extraction. The floating-point sums run in a fixed order and decide which colours survive, so
+// the order of frames, rows and runs is part of the result. The root's error is deliberately
+// overstated (it adds each child's whole running error), and a pruned root merges into itself.
+#include "imaging/octree_quantiser.h"
+
+#include <cstring>
+
+#include "imaging/dib_view.h"
+#include "shell/packed_dib.h"
+
+struct ColourSlab {
+  ColourNode nodes[kNodesPerSlab];
+  MovableHandle handle;
+  ColourSlab* previous;
+};
+
+namespace {
+
+constexpr int32_t kExactColours = 256;
+
+ColourNode* NewNode(ColourCube* cube, ColourNode* parent, uint8_t id, uint8_t level) {
+  if (cube->freeNodes == 0) {
+    MovableHandle handle = MovableAlloc(sizeof(ColourSlab));
+    ColourSlab* slab = handle ? static_cast<ColourSlab*>(MovableLock(handle)) : nullptr;
+    if (!slab) {
+      MovableFree(handle);
+      return nullptr;
+    }
+    slab->handle = handle;
+    slab->previous = cube->slabs;
+    cube->slabs = slab;
+    cube->nextNode = slab->nodes;
+    cube->freeNodes = kNodesPerSlab;
+  }
+  ColourNode* node = cube->nextNode++;
+  --cube->freeNodes;
+  std::memset(node, 0, sizeof *node);
+  node->id = id;
+  node->level = level;
+  node->parent = parent;
+  ++cube->nodes;
+  return node;
+}
+
+void FreeSlabs(ColourCube* cube) {
+  for (ColourSlab* slab = cube->slabs; slab;) {
+    ColourSlab* previous = slab->previous;
+    MovableHandle handle = slab->handle;
+    MovableUnlock(handle);
+    MovableFree(handle);
+    slab = previous;
+  }
+  cube->slabs = nullptr;
+  cube->freeNodes = 0;
+}
+
+// Adds a node's pixels into its parent and unlinks it; the error stays behind.
+void MergeIntoParent(ColourCube* cube, ColourNode* node) {
+  ColourNode* parent = node->parent;
+  parent->census = static_cast<uint8_t>(parent->census & ~(1u << node->id));
+  parent->uniqueCount += node->uniqueCount;
+  parent->redTotal += node->redTotal;
+  parent->greenTotal += node->greenTotal;
+  parent->blueTotal += node->blueTotal;
+  --cube->nodes;
+}
+
+// Classifies one run of `count` equal pixels.
+int ClassifyRun(ColourCube* cube, int32_t red, int32_t green, int32_t blue, double count) {
+  ColourNode* root = cube->root;
+  ColourNode* node = root;
+  double mid[3] = {127.5, 127.5, 127.5};
+  double bisect = 128.0;
+  const int32_t channel[3] = {red, green, blue};
+  for (int32_t level = 1; level <= cube->depth; ++level) {
+    const int32_t shift = 8 - level;
+    bisect *= 0.5;
+    const int32_t bitR = red >> shift & 1, bitG = green >> shift & 1, bitB = blue >> shift & 1;
+    const uint8_t id = static_cast<uint8_t>(bitR << 2 | bitG << 1 | bitB);
+    mid[0] += bitR ? bisect : -bisect;
+    mid[1] += bitG ? bisect : -bisect;
+    mid[2] += bitB ? bisect : -bisect;
+    if (!(node->census & (1u << id))) {
+      node->census = static_cast<uint8_t>(node->census | 1u << id);
+      node->child[id] = NewNode(cube, node, id, static_cast<uint8_t>(level));
+      if (!node->child[id]) return 0;
+      if (level == cube->depth) ++cube->colours;
+    }
+    node = node->child[id];
+    const double dr = channel[0] - mid[0];
+    const double dg = channel[1] - mid[1];
+    const double db = channel[2] - mid[2];
+    node->quantiseError += count * (dr * dr + dg * dg + db * db);
+    root->quantiseError += node->quantiseError;
+  }
+  node->uniqueCount += count;
+  node->redTotal += count * red;
+  node->greenTotal += count * green;
+  node->blueTotal += count * blue;
+  return 1;
+}
+
+// The exact colours in order of first appearance, up to 256; past that only a count of pixels.
+struct ExactColours {
+  uint32_t colours[kExactColours];
+  int32_t count;
+  uint32_t slots[1024];  // open addressing over the recorded colours; 0xFFFFFFFF is empty
+  void Clear() {
+    count = 0;
+    std::memset(slots, 0xFF, sizeof slots);
+  }
+  void Add(uint32_t colour) {
+    if (count >= kExactColours) {
+      ++count;
+      return;
+    }
+    uint32_t slot = (colour * 2654435761u) >> 22;
+    while (slots[slot] != 0xFFFFFFFF) {
+      if (slots[slot] == colour) return;
+      slot = (slot + 1) & 1023;
+    }
+    slots[slot] = colour;
+    colours[count++] = colour;
+  }
+};
+
+// Records the exact colours of a picture, top row first, then classifies its runs, rows in
+// memory order.
+int ClassifyImage(ColourCube* cube, ExactColours* exact, const DibView& v) {
+  for (int32_t y = v.height - 1; y >= 0; --y) {
+    const uint8_t* p = DibRow(v, y);
+    uint32_t last = 0xFFFFFFFF;
+    for (int32_t x = 0; x < v.width; ++x, p += 3) {
+      const uint32_t colour = static_cast<uint32_t>(p[0] << 16 | p[1] << 8 | p[2]);
+      // A repeat of the previous pixel is already listed, unless the list is full and counting.
+      if (colour != last || exact->count >= kExactColours) exact->Add(colour);
+      last = colour;
+    }
+  }
+  for (int32_t y = 0; y < v.height; ++y) {
+    if (cube->nodes > MaxColourNodes) {
+      PruneLevel(cube, cube->root);
+      --cube->depth;
+    }
+    const uint8_t* row = DibRow(v, y);
+    for (int32_t x = 0; x < v.width;) {
+      const uint8_t* p = row + x * 3;
+      int32_t end = x + 1;
+      while (end < v.width && row[end * 3] == p[0] && row[end * 3 + 1] == p[1] &&
+             row[end * 3 + 2] == p[2])
+        ++end;
+      if (!ClassifyRun(cube, p[2], p[1], p[0], static_cast<double>(end - x))) return 0;
+      x = end;
+    }
+  }
+  return 1;
+}
+
+}  // namespace
+
+void PruneSubtree(ColourCube* cube, ColourNode* node) {
+  for (int32_t i = 0; i < 8; ++i)
+    if (node->census & (1u << i)) PruneSubtree(cube, node->child[i]);
+  MergeIntoParent(cube, node);
+}
+
+void PruneLevel(ColourCube* cube, ColourNode* node) {
+  for (int32_t i = 0; i < 8; ++i)
+    if (node->census & (1u << i)) PruneLevel(cube, node->child[i]);
+  if (node->level == cube->depth) {
+    for (int32_t i = 0; i < 8; ++i)
+      if (node->census & (1u << i)) PruneSubtree(cube, node->child[i]);
+    MergeIntoParent(cube, node);
+  }
+}
+
+void ReduceNode(ColourCube* cube, ColourNode* node) {
+  for (int32_t i = 0; i < 8; ++i)
+    if (node->census & (1u << i)) ReduceNode(cube, node->child[i]);
+  if (cube->pruningThreshold >= node->quantiseError) {
+    for (int32_t i = 0; i < 8; ++i)
+      if (node->census & (1u << i)) PruneSubtree(cube, node->child[i]);
+    MergeIntoParent(cube, node);  // the root merges into itself and doubles its sums
+  } else {
+    if (node->uniqueCount > 0) ++cube->colours;
+    if (node->quantiseError < cube->nextThreshold) cube->nextThreshold = node->quantiseError;
+  }
+}
+
+void ReduceTree(ColourCube* cube, int32_t target) {
+  cube->nextThreshold = 0.0;
+  while (cube->colours > target) {
+    cube->pruningThreshold = cube->nextThreshold;
+    cube->nextThreshold = cube->root->quantiseError - 1.0;
+    cube->colours = 0;
+    ReduceNode(cube, cube->root);
+    // A round that cannot raise the threshold would repeat itself for ever; no real tree gets
+    // here, but a host must never hang.
+    if (cube->colours > target && !(cube->nextThreshold > cube->pruningThreshold)) break;
+  }
+}
+
+void ExtractPalette(ColourCube* cube, ColourNode* node) {
+  for (int32_t i = 0; i < 8; ++i)
+    if (node->census & (1u << i)) ExtractPalette(cube, node->child[i]);
+  if (node->uniqueCount != 0 && cube->colours < 256) {
+    const double half = node->uniqueCount * 0.5;
+    uint8_t* entry = cube->palette + cube->colours * 3;
+    entry[0] =
+        static_cast<uint8_t>(static_cast<int32_t>((half + node->redTotal) / node->uniqueCount));
+    entry[1] =
+        static_cast<uint8_t>(static_cast<int32_t>((half + node->greenTotal) / node->uniqueCount));
+    entry[2] =
+        static_cast<uint8_t>(static_cast<int32_t>((half + node->blueTotal) / node->uniqueCount));
+    node->colourNumber = static_cast<uint32_t>(cube->colours);
+    ++cube->colours;
+  }
+}
+
+int32_t QuantiseFrames(int32_t* request, uint8_t* palette, const MovableHandle* images,
+                       int32_t imageCount) {
+  std::memset(palette, 0, kPaletteBytes);
+  const int32_t asked = *request;
+  const int32_t target = asked <= 0 || asked > 256 ? 256 : asked;
+  int32_t depth = 0;
+  for (int32_t n = target; n != 0; n >>= 2) ++depth;
+  depth = depth > 8 ? 8 : depth < 2 ? 2 : depth;
+
+  ScopedBlock cubeBlock(
+      MovableAlloc(sizeof(ColourCube) + sizeof(ColourOptions) + sizeof(ExactColours)));
+  ScopedLock cubeLock(cubeBlock.handle);
+  if (!cubeLock) return kQuantiseMemoryError;
+  ColourCube* cube = reinterpret_cast<ColourCube*>(cubeLock.bytes);
+  cube->options = reinterpret_cast<ColourOptions*>(cube + 1);
+  cube->options->colourCount = target;
+  cube->options->useWeights = 1;
+  ExactColours* exact = reinterpret_cast<ExactColours*>(cube->options + 1);
+  exact->Clear();
+  cube->depth = depth;
+  cube->palette = palette;
+
+  struct SlabGuard {
+    ColourCube* cube;
+    ~SlabGuard() { FreeSlabs(cube); }
+  } slabGuard{cube};
+  cube->root = NewNode(cube, nullptr, 0, 0);
+  if (!cube->root) return 0;
+  cube->root->parent = cube->root;
+
+  for (int32_t i = 0; i < imageCount; ++i) {
+    ScopedLock lock(images[i]);
+    DibView view;
+    if (!lock || !OpenDibView(lock.bytes, MovableSize(images[i]), &view) || view.bitCount != 24)
+      return 0;
+    if (!ClassifyImage(cube, exact, view)) return 0;
+  }
+
+  if (exact->count > asked) {
+    ReduceTree(cube, target);
+    std::memset(palette, 0, kPaletteBytes);
+    cube->colours = 0;
+    ExtractPalette(cube, cube->root);
+    *request = cube->colours;
+  } else {
+    for (int32_t i = 0; i < exact->count; ++i) {
+      palette[i * 3] = static_cast<uint8_t>(exact->colours[i]);
+      palette[i * 3 + 1] = static_cast<uint8_t>(exact->colours[i] >> 8);
+      palette[i * 3 + 2] = static_cast<uint8_t>(exact->colours[i] >> 16);
+    }
+    *request = exact->count;
+  }
+  return 1;
+}
