@@ -29,3 +29,6 @@ MovableHandle MakeImage24(int32_t width, int32_t height, const uint32_t* pixels)
 // The quantiser, pixel by pixel through ReadDibPixel, with its own tree and a linear exact list.
 int32_t RefQuantiseFrames(int32_t* request, uint8_t* palette, const MovableHandle* images,
                           int32_t imageCount);
+
+// The resampler, pixel by pixel through the accessors.
+MovableHandle RefResampleImage(MovableHandle image, int32_t width, int32_t height, double blur);
