@@ -91,48 +91,72 @@ struct Lookup {
   }
 };
 
+// The caller's matcher when it fits the palette, else `local` opened for this call; null on
+// failure.
+ColourMatcher* ChooseMatcher(ColourMatcher* shared, ColourMatcher* local, const uint8_t* palette,
+                             int32_t count) {
+  if (ColourMatcherFits(shared, palette, count)) return shared;
+  return OpenColourMatcher(local, palette, count) ? local : nullptr;
+}
+
+// One row of the colour path. `below` holds what the previous row sent to this one and receives
+// what this row sends on. The 16-bit wrap is modular, so each slot may gather its shares in a
+// wider register and be stored once: the stored value is the same as after adding one by one.
+template <int kTargetBits>
+int DitherColourRow(const uint8_t* rgb, int16_t* below, uint8_t* target, int32_t w,
+                    const uint8_t* pal, Lookup* lookup) {
+  int32_t carry[3] = {0, 0, 0};     // this row's 7/16 share for pixel x
+  int32_t previous[3] = {0, 0, 0};  // next row, pixel x - 1, without pixel x's share
+  int32_t current[3] = {0, 0, 0};   // next row, pixel x, without pixel x's shares
+  for (int32_t x = 0; x < w; ++x) {
+    int32_t v[3];
+    for (int32_t k = 0; k < 3; ++k) {
+      const int16_t c = static_cast<int16_t>(below[x * 3 + k] + rgb[x * 3 + k] + carry[k]);
+      v[k] = ClampByte(c);
+    }
+    const int32_t index = lookup->Find(v[0], v[1], v[2]);
+    if (index < 0) return 0;
+    if (kTargetBits == 8)
+      target[x] = static_cast<uint8_t>(index);
+    else
+      target[x >> 1] |= static_cast<uint8_t>(x & 1 ? index & 0x0F : (index & 0x0F) << 4);
+    for (int32_t k = 0; k < 3; ++k) {
+      const int32_t e = v[k] - pal[index * 3 + k];
+      carry[k] = (e * 7) >> 4;
+      // Pixel 1 gives nothing down-left, though pixel 0 lies there.
+      if (x >= 2) previous[k] += (e * 3) >> 4;
+      if (x >= 1) below[(x - 1) * 3 + k] = static_cast<int16_t>(previous[k]);
+      previous[k] = current[k] + ((e * 5) >> 4);
+      current[k] = e >> 4;  // reaches pixel x + 1, which exists unless this is the last
+    }
+  }
+  for (int32_t k = 0; k < 3; ++k) below[(w - 1) * 3 + k] = static_cast<int16_t>(previous[k]);
+  return 1;
+}
+
 int DitherColour(const DibView& src, const DibView& dst, const uint8_t* palette, int32_t count,
-                 const RemapSettings& settings) {
+                 const RemapSettings& settings, ColourMatcher* shared) {
   const int32_t w = src.width;
-  ColourMatcher matcher;
-  if (!OpenColourMatcher(&matcher, palette, count)) return 0;
-  // Two error rows of width x 3 values, then one expanded source row.
+  ColourMatcher local;
+  ColourMatcher* matcher = ChooseMatcher(shared, &local, palette, count);
+  if (!matcher) return 0;
+  // One error row of width x 3 values, then one expanded source row. The top row of the picture
+  // is the last one taken; what it sends on is never read.
   const size_t errorBytes = static_cast<size_t>(w) * 3 * sizeof(int16_t);
-  ScopedBlock rows(MovableAlloc(errorBytes * 2 + static_cast<size_t>(w) * 3));
+  ScopedBlock rows(MovableAlloc(errorBytes + static_cast<size_t>(w) * 3));
   ScopedLock rowsLock(rows.handle);
   if (!rowsLock) return 0;
-  int16_t* current = reinterpret_cast<int16_t*>(rowsLock.bytes);
-  int16_t* next = current + w * 3;
-  uint8_t* rgb = rowsLock.bytes + errorBytes * 2;
+  int16_t* below = reinterpret_cast<int16_t*>(rowsLock.bytes);
+  uint8_t* rgb = rowsLock.bytes + errorBytes;
   uint8_t triples[kPaletteBytes];
   if (src.bitCount <= 8) TableTriples(src, triples);
-  Lookup lookup{&matcher, settings.fastRemap};
-  const uint8_t* pal = palette;
-
+  Lookup lookup{matcher, settings.fastRemap};
   for (int32_t y = 0; y < src.height; ++y) {
     ExpandRow(src, DibRow(src, y), triples, rgb);
-    for (int32_t i = 0; i < w * 3; ++i) AddError(current + i, rgb[i]);
-    uint8_t* target = DibRow(dst, y);
-    const bool hasNext = y + 1 < src.height;
-    for (int32_t x = 0; x < w; ++x) {
-      int16_t* c = current + x * 3;
-      const int32_t r = ClampByte(c[0]), g = ClampByte(c[1]), b = ClampByte(c[2]);
-      const int32_t index = lookup.Find(r, g, b);
-      if (index < 0) return 0;
-      PutIndex(target, x, dst.bitCount, static_cast<uint32_t>(index));
-      const int32_t e[3] = {r - pal[index * 3], g - pal[index * 3 + 1], b - pal[index * 3 + 2]};
-      for (int32_t k = 0; k < 3; ++k) {
-        if (x + 1 < w) AddError(c + 3 + k, (e[k] * 7) >> 4);
-        if (!hasNext) continue;
-        int16_t* n = next + x * 3 + k;
-        // Pixel 1 gives nothing down-left, though pixel 0 lies there.
-        if (x >= 2) AddError(n - 3, (e[k] * 3) >> 4);
-        if (x + 1 < w) AddError(n + 3, e[k] >> 4);
-        AddError(n, (e[k] * 5) >> 4);
-      }
-    }
-    std::swap(current, next);
-    std::memset(next, 0, errorBytes);
+    const int ok = dst.bitCount == 8
+                       ? DitherColourRow<8>(rgb, below, DibRow(dst, y), w, palette, &lookup)
+                       : DitherColourRow<4>(rgb, below, DibRow(dst, y), w, palette, &lookup);
+    if (!ok) return 0;
   }
   return 1;
 }
@@ -220,7 +244,8 @@ void BuildToneMap(uint8_t* map, int32_t brightness, int32_t contrast) {
 }
 
 MovableHandle DitherToPalette(MovableHandle image, const uint8_t* palette, int32_t bits,
-                              int32_t count, const RemapSettings& settings) {
+                              int32_t count, const RemapSettings& settings,
+                              ColourMatcher* shared) {
   if (!ValidTarget(bits, palette)) return nullptr;
   SourceImage src(image);
   if (!src.Open()) return nullptr;
@@ -232,13 +257,14 @@ MovableHandle DitherToPalette(MovableHandle image, const uint8_t* palette, int32
   if (!targetLock || !OpenDibView(targetLock.bytes, MovableSize(target.handle), &dst))
     return nullptr;
   const int ok = bits == 1 ? DitherBiLevel(src.view, dst, settings)
-                           : DitherColour(src.view, dst, palette, count, settings);
+                           : DitherColour(src.view, dst, palette, count, settings, shared);
   if (!ok) return nullptr;
   return target.Release();
 }
 
 MovableHandle RemapToPalette(MovableHandle image, const uint8_t* palette, int32_t bits,
-                             int32_t count, const RemapSettings& settings) {
+                             int32_t count, const RemapSettings& settings,
+                             ColourMatcher* shared) {
   if (!ValidTarget(bits, palette)) return nullptr;
   SourceImage src(image);
   if (!src.Open()) return nullptr;
@@ -263,26 +289,27 @@ MovableHandle RemapToPalette(MovableHandle image, const uint8_t* palette, int32_
       tableBright[i] = LuminanceKey(t[0], t[1], t[2]) >= 129;
     }
   }
-  ColourMatcher matcher;
-  if (!OpenColourMatcher(&matcher, palette, count)) return nullptr;
+  ColourMatcher local;
+  ColourMatcher* matcher = ChooseMatcher(shared, &local, palette, count);
+  if (!matcher) return nullptr;
   int32_t white, black;
   if (!settings.fastRemap) {
     white = NearestPaletteIndex(255, 255, 255, palette, count);
     black = NearestPaletteIndex(0, 0, 0, palette, count);
   } else {
     white = black = -1;
-    for (int32_t i = matcher.count - 1; i >= 0; --i) {
+    for (int32_t i = matcher->count - 1; i >= 0; --i) {
       const uint8_t* p = palette + i * 3;
       if (p[0] == 255 && p[1] == 255 && p[2] == 255) white = i;
       if (p[0] == 0 && p[1] == 0 && p[2] == 0) black = i;
     }
-    if (white < 0) white = MatchCoarse(&matcher, 255, 255, 255);
-    if (black < 0) black = MatchCoarse(&matcher, 0, 0, 0);
+    if (white < 0) white = MatchCoarse(matcher, 255, 255, 255);
+    if (black < 0) black = MatchCoarse(matcher, 0, 0, 0);
     if (white < 0 || black < 0) return nullptr;
   }
 
   const bool toBits = dst.bitCount == 1;
-  Lookup lookup{&matcher, settings.fastRemap};
+  Lookup lookup{matcher, settings.fastRemap};
   for (int32_t y = 0; y < s.height; ++y) {
     const uint8_t* row = DibRow(s, y);
     uint8_t* out = DibRow(dst, y);

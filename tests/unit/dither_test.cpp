@@ -2,6 +2,8 @@
 // the plain reference on random input, and allocation-failure sweeps.
 #include "imaging/dither.h"
 
+#include "imaging/colour_matcher.h"
+
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -202,6 +204,32 @@ TEST(DitherAndRemap, MatchTheReferenceByteForByte) {
     EXPECT_TRUE(SameBlocks(d.h, dr.h));
   }
   EXPECT_EQ(cases, 112);
+}
+
+TEST(DitherAndRemap, ASharedMatcherServesOnlyItsOwnPalette) {
+  std::mt19937 rng(77);
+  uint8_t palette[768], other[768];
+  MakeRandomPalette(rng, palette, 256);
+  MakeRandomPalette(rng, other, 256);
+  ColourMatcher shared;
+  ASSERT_TRUE(OpenColourMatcher(&shared, palette, 256));
+  EXPECT_FALSE(ColourMatcherFits(&shared, palette, 255));
+  EXPECT_FALSE(ColourMatcherFits(&shared, other, 256));
+  for (int frame = 0; frame < 4; ++frame) {
+    Owned image(MakeRandomImage(rng, 37, 23, 24));
+    for (int32_t fast : {0, 1}) {
+      const RemapSettings s = {fast, 20, 20};
+      Owned alone(DitherToPalette(image.h, palette, 8, 256, s));
+      Owned together(DitherToPalette(image.h, palette, 8, 256, s, &shared));
+      Owned elsewhere(DitherToPalette(image.h, other, 8, 256, s, &shared));
+      Owned otherAlone(DitherToPalette(image.h, other, 8, 256, s));
+      EXPECT_TRUE(SameBlocks(alone.h, together.h));
+      EXPECT_TRUE(SameBlocks(elsewhere.h, otherAlone.h));
+      Owned remapAlone(RemapToPalette(image.h, palette, 8, 256, s));
+      Owned remapTogether(RemapToPalette(image.h, palette, 8, 256, s, &shared));
+      EXPECT_TRUE(SameBlocks(remapAlone.h, remapTogether.h));
+    }
+  }
 }
 
 TEST(DitherAndRemap, AllocationFailuresLeakNothing) {
