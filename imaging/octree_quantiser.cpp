@@ -4,6 +4,7 @@
 // overstated (it adds each child's whole running error), and a pruned root merges into itself.
 #include "imaging/octree_quantiser.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "imaging/dib_view.h"
@@ -157,6 +158,179 @@ int ClassifyImage(ColourCube* cube, ExactColours* exact, const DibView& v) {
   return 1;
 }
 
+// ReduceTree's rounds, reproduced without walking the whole tree each round. Errors never change
+// while reducing, and every sum that moves between nodes is a whole number, exact in a double, so
+// a node's sums at any moment are its subtree's original sums less those of its live children.
+// A round at threshold T prunes the live nodes with error up to T; it counts the live nodes above
+// T that hold pixels of their own or lose a child to this round; and it takes the next threshold
+// from the errors above T among the nodes live when it began. Rounds therefore only touch the
+// nodes whose error they reach. Returns 1 when done, -1 when the working arrays cannot be had,
+// and 0 when a threshold reaches the root's error (possible only when that error is too large to
+// step below): the tree is then as after the last round, for ReduceRounds to go on.
+struct NodeSums {
+  double unique, red, green, blue;
+};
+
+void ListPostOrder(ColourNode* node, ColourNode** list, int32_t* n) {
+  for (int32_t i = 0; i < 8; ++i)
+    if (node->census & (1u << i)) ListPostOrder(node->child[i], list, n);
+  node->colourNumber = static_cast<uint32_t>(*n);  // scratch: the node's place in the list
+  list[(*n)++] = node;
+}
+
+int ReduceTreeByEvents(ColourCube* cube, int32_t target) {
+  ColourNode* root = cube->root;
+  if (cube->colours <= target) return 1;
+  int32_t total = 0;
+  {
+    // Count the linked nodes first; nodes may exceed the live count after a fall in depth.
+    struct Counter {
+      static int32_t Run(const ColourNode* n) {
+        int32_t c = 1;
+        for (int32_t i = 0; i < 8; ++i)
+          if (n->census & (1u << i)) c += Run(n->child[i]);
+        return c;
+      }
+    };
+    total = Counter::Run(root);
+  }
+  const size_t bytes = static_cast<size_t>(total) *
+                       (sizeof(ColourNode*) + sizeof(NodeSums) + sizeof(int32_t) * 2 + 2);
+  ScopedBlock block(MovableAlloc(bytes));
+  ScopedLock lock(block.handle);
+  if (!lock) return -1;
+  ColourNode** list = reinterpret_cast<ColourNode**>(lock.bytes);
+  NodeSums* sums = reinterpret_cast<NodeSums*>(list + total);
+  int32_t* order = reinterpret_cast<int32_t*>(sums + total);
+  int32_t* stamp = order + total;
+  uint8_t* live = reinterpret_cast<uint8_t*>(stamp + total);
+  uint8_t* holds = live + total;  // the node's present sums are not all its children's
+
+  int32_t n = 0;
+  ListPostOrder(root, list, &n);
+  int32_t holding = 0;
+  for (int32_t i = 0; i < n; ++i) {
+    ColourNode* node = list[i];
+    NodeSums s = {node->uniqueCount, node->redTotal, node->greenTotal, node->blueTotal};
+    for (int32_t c = 0; c < 8; ++c)
+      if (node->census & (1u << c)) {
+        const NodeSums& k = sums[node->child[c]->colourNumber];
+        s.unique += k.unique, s.red += k.red, s.green += k.green, s.blue += k.blue;
+      }
+    sums[i] = s;
+    live[i] = 1;
+    holds[i] = node->uniqueCount > 0;
+    holding += holds[i];
+    order[i] = i;
+    stamp[i] = -1;
+  }
+  std::sort(order, order + n, [&](int32_t a, int32_t b) {
+    return list[a]->quantiseError < list[b]->quantiseError;
+  });
+
+  int32_t first = 0;  // order[first..] are the nodes with error above the last threshold
+  double threshold = 0.0;
+  int32_t colours = cube->colours;
+  int32_t round = 0;
+  bool rootReached = false;
+  while (colours > target) {
+    const double t = threshold;
+    // A threshold at the root's error would prune the root into itself: the plain rounds take
+    // over from here.
+    if (t >= root->quantiseError) {
+      rootReached = true;
+      break;
+    }
+    // The live nodes this round prunes sit at order[first..end).
+    int32_t end = first;
+    while (end < n && list[order[end]]->quantiseError <= t) ++end;
+    int32_t lost = 0, gained = 0;
+    for (int32_t k = first; k < end; ++k) {
+      const int32_t i = order[k];
+      if (!live[i]) continue;
+      lost += holds[i];
+      const int32_t p = static_cast<int32_t>(list[i]->parent->colourNumber);
+      if (p != i && live[p] && !holds[p] && list[p]->quantiseError > t && stamp[p] != round) {
+        stamp[p] = round;
+        ++gained;
+      }
+    }
+    // The next threshold: the smallest error above t among the nodes live now.
+    double next = root->quantiseError - 1.0;
+    int32_t scan = end;
+    while (scan < n && !live[order[scan]]) ++scan;
+    if (scan < n && list[order[scan]]->quantiseError < next) next = list[order[scan]]->quantiseError;
+    colours = holding - lost + gained;
+    // Prune: every live node of each pruned subtree dies; the parent of a pruned node that stays
+    // takes its sums.
+    for (int32_t k = first; k < end; ++k) {
+      const int32_t i = order[k];
+      if (!live[i]) continue;
+      // Kill the live subtree under i, depth first through the census.
+      struct Killer {
+        ColourNode** list;
+        uint8_t* live;
+        uint8_t* holds;
+        int32_t* holding;
+        void Run(int32_t i) {
+          live[i] = 0;
+          *holding -= holds[i];
+          const ColourNode* node = list[i];
+          for (int32_t c = 0; c < 8; ++c)
+            if (node->census & (1u << c)) {
+              const int32_t j = static_cast<int32_t>(node->child[c]->colourNumber);
+              if (live[j]) Run(j);
+            }
+        }
+      } killer{list, live, holds, &holding};
+      killer.Run(i);
+    }
+    for (int32_t k = first; k < end; ++k) {
+      const int32_t i = order[k];
+      const int32_t p = static_cast<int32_t>(list[i]->parent->colourNumber);
+      if (!live[i] && live[p] && !holds[p] && p != i) {
+        // Only a topmost pruned node can have a live parent.
+        holds[p] = 1;
+        ++holding;
+      }
+    }
+    first = scan > end ? scan : end;
+    cube->pruningThreshold = t;
+    cube->nextThreshold = next;
+    ++round;
+    if (colours > target && !(next > t)) break;
+    threshold = next;
+  }
+
+  // Leave the tree as the rounds would: survivors keep their subtree's sums less their live
+  // children's, and link only live children.
+  int32_t nodes = 0;
+  for (int32_t i = 0; i < n; ++i) {
+    if (!live[i]) continue;
+    ++nodes;
+    ColourNode* node = list[i];
+    NodeSums s = sums[i];
+    uint8_t census = 0;
+    for (int32_t c = 0; c < 8; ++c)
+      if (node->census & (1u << c)) {
+        const int32_t j = static_cast<int32_t>(node->child[c]->colourNumber);
+        if (!live[j]) continue;
+        census = static_cast<uint8_t>(census | 1u << c);
+        s.unique -= sums[j].unique, s.red -= sums[j].red, s.green -= sums[j].green,
+            s.blue -= sums[j].blue;
+      }
+    node->census = census;
+    node->uniqueCount = s.unique;
+    node->redTotal = s.red;
+    node->greenTotal = s.green;
+    node->blueTotal = s.blue;
+  }
+  cube->nodes = nodes;
+  cube->colours = colours;
+  cube->nextThreshold = threshold;
+  return rootReached ? 0 : 1;
+}
+
 }  // namespace
 
 void PruneSubtree(ColourCube* cube, ColourNode* node) {
@@ -188,8 +362,7 @@ void ReduceNode(ColourCube* cube, ColourNode* node) {
   }
 }
 
-void ReduceTree(ColourCube* cube, int32_t target) {
-  cube->nextThreshold = 0.0;
+void ReduceRounds(ColourCube* cube, int32_t target) {
   while (cube->colours > target) {
     cube->pruningThreshold = cube->nextThreshold;
     cube->nextThreshold = cube->root->quantiseError - 1.0;
@@ -199,6 +372,11 @@ void ReduceTree(ColourCube* cube, int32_t target) {
     // here, but a host must never hang.
     if (cube->colours > target && !(cube->nextThreshold > cube->pruningThreshold)) break;
   }
+}
+
+void ReduceTree(ColourCube* cube, int32_t target) {
+  cube->nextThreshold = 0.0;
+  ReduceRounds(cube, target);
 }
 
 void ExtractPalette(ColourCube* cube, ColourNode* node) {
@@ -257,7 +435,9 @@ int32_t QuantiseFrames(int32_t* request, uint8_t* palette, const MovableHandle* 
   }
 
   if (exact->count > asked) {
-    ReduceTree(cube, target);
+    const int reduced = ReduceTreeByEvents(cube, target);
+    if (reduced < 0) return 0;
+    if (reduced == 0) ReduceRounds(cube, target);
     std::memset(palette, 0, kPaletteBytes);
     cube->colours = 0;
     ExtractPalette(cube, cube->root);

@@ -59,4 +59,6 @@ void PruneSubtree(ColourCube* cube, ColourNode* node);
 void PruneLevel(ColourCube* cube, ColourNode* node);
 void ReduceNode(ColourCube* cube, ColourNode* node);
 void ReduceTree(ColourCube* cube, int32_t target);
+// ReduceTree's rounds from the cube's present nextThreshold on.
+void ReduceRounds(ColourCube* cube, int32_t target);
 void ExtractPalette(ColourCube* cube, ColourNode* node);
