@@ -67,33 +67,48 @@ void MergeIntoParent(ColourCube* cube, ColourNode* node) {
   --cube->nodes;
 }
 
-// Classifies one run of `count` equal pixels.
-int ClassifyRun(ColourCube* cube, int32_t red, int32_t green, int32_t blue, double count) {
-  ColourNode* root = cube->root;
-  ColourNode* node = root;
-  double mid[3] = {127.5, 127.5, 127.5};
-  double bisect = 128.0;
-  const int32_t channel[3] = {red, green, blue};
-  for (int32_t level = 1; level <= cube->depth; ++level) {
+// Squared distance of a channel value from the centre of its cell at each level. The centres are
+// the ones the walk down the tree computes (127.5, then plus or minus each halved bisector), all
+// exact in a double, so each entry is the very product the walk would form.
+struct LevelDistances {
+  double square[9][256];
+  LevelDistances() {
+    for (int32_t v = 0; v < 256; ++v) {
+      double mid = 127.5, bisect = 128.0;
+      for (int32_t level = 1; level <= 8; ++level) {
+        bisect *= 0.5;
+        mid += (v >> (8 - level) & 1) ? bisect : -bisect;
+        const double d = v - mid;
+        square[level][v] = d * d;
+      }
+    }
+  }
+};
+
+const LevelDistances& Distances() {
+  static const LevelDistances table;
+  return table;
+}
+
+// Classifies one run of `count` equal pixels. The root's error is kept by the caller in
+// `rootError` and stored back when classification ends.
+inline int ClassifyRun(ColourCube* cube, const LevelDistances& dist, double* rootError,
+                       int32_t red, int32_t green, int32_t blue, double count) {
+  ColourNode* node = cube->root;
+  const int32_t depth = cube->depth;
+  for (int32_t level = 1; level <= depth; ++level) {
     const int32_t shift = 8 - level;
-    bisect *= 0.5;
-    const int32_t bitR = red >> shift & 1, bitG = green >> shift & 1, bitB = blue >> shift & 1;
-    const uint8_t id = static_cast<uint8_t>(bitR << 2 | bitG << 1 | bitB);
-    mid[0] += bitR ? bisect : -bisect;
-    mid[1] += bitG ? bisect : -bisect;
-    mid[2] += bitB ? bisect : -bisect;
+    const uint32_t id = (red >> shift & 1) << 2 | (green >> shift & 1) << 1 | (blue >> shift & 1);
     if (!(node->census & (1u << id))) {
       node->census = static_cast<uint8_t>(node->census | 1u << id);
-      node->child[id] = NewNode(cube, node, id, static_cast<uint8_t>(level));
+      node->child[id] = NewNode(cube, node, static_cast<uint8_t>(id), static_cast<uint8_t>(level));
       if (!node->child[id]) return 0;
-      if (level == cube->depth) ++cube->colours;
+      if (level == depth) ++cube->colours;
     }
     node = node->child[id];
-    const double dr = channel[0] - mid[0];
-    const double dg = channel[1] - mid[1];
-    const double db = channel[2] - mid[2];
-    node->quantiseError += count * (dr * dr + dg * dg + db * db);
-    root->quantiseError += node->quantiseError;
+    node->quantiseError +=
+        count * (dist.square[level][red] + dist.square[level][green] + dist.square[level][blue]);
+    *rootError += node->quantiseError;
   }
   node->uniqueCount += count;
   node->redTotal += count * red;
@@ -129,6 +144,7 @@ struct ExactColours {
 // Records the exact colours of a picture, top row first, then classifies its runs, rows in
 // memory order.
 int ClassifyImage(ColourCube* cube, ExactColours* exact, const DibView& v) {
+  const LevelDistances& dist = Distances();
   for (int32_t y = v.height - 1; y >= 0; --y) {
     const uint8_t* p = DibRow(v, y);
     uint32_t last = 0xFFFFFFFF;
@@ -139,7 +155,9 @@ int ClassifyImage(ColourCube* cube, ExactColours* exact, const DibView& v) {
       last = colour;
     }
   }
-  for (int32_t y = 0; y < v.height; ++y) {
+  double rootError = cube->root->quantiseError;
+  int ok = 1;
+  for (int32_t y = 0; y < v.height && ok; ++y) {
     if (cube->nodes > MaxColourNodes) {
       PruneLevel(cube, cube->root);
       --cube->depth;
@@ -151,11 +169,15 @@ int ClassifyImage(ColourCube* cube, ExactColours* exact, const DibView& v) {
       while (end < v.width && row[end * 3] == p[0] && row[end * 3 + 1] == p[1] &&
              row[end * 3 + 2] == p[2])
         ++end;
-      if (!ClassifyRun(cube, p[2], p[1], p[0], static_cast<double>(end - x))) return 0;
+      if (!ClassifyRun(cube, dist, &rootError, p[2], p[1], p[0], static_cast<double>(end - x))) {
+        ok = 0;
+        break;
+      }
       x = end;
     }
   }
-  return 1;
+  cube->root->quantiseError = rootError;
+  return ok;
 }
 
 // ReduceTree's rounds, reproduced without walking the whole tree each round. Errors never change
