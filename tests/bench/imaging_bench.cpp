@@ -95,7 +95,8 @@ void DrawFrames(FrameSet* set, bool plasma) {
     const double fr = 127.5 + 127.5 * std::sin(hue), fg = 127.5 + 127.5 * std::sin(hue + 2.1),
                  fb = 127.5 + 127.5 * std::sin(hue + 4.2);
     for (int32_t y = 0; y < kHeight; ++y) {
-      uint8_t* row = DibBits(lock.bytes) + static_cast<size_t>(kHeight - 1 - y) * DibStride(kWidth, 24);
+      uint8_t* row =
+          DibBits(lock.bytes) + static_cast<size_t>(kHeight - 1 - y) * DibStride(kWidth, 24);
       for (int32_t x = 0; x < kWidth; ++x) {
         double r = 255, g = 255, b = 255;
         if (plasma) {
@@ -106,11 +107,13 @@ void DrawFrames(FrameSet* set, bool plasma) {
           b = 127.5 + 127.5 * std::sin(v * 1.7 + 4.0);
         }
         const int32_t sx = x + f * 6 - 6, sy = y - 6;
-        const float s = sy >= 0 ? 0.55f * shadow[static_cast<size_t>(sy) * kWidth * 2 + sx + 12] : 0;
+        const float s =
+            sy >= 0 ? 0.55f * shadow[static_cast<size_t>(sy) * kWidth * 2 + sx + 12] : 0;
         r *= 1 - s, g *= 1 - s, b *= 1 - s;
         const float t = text[static_cast<size_t>(y) * kWidth * 2 + x + f * 6];
         r = r * (1 - t) + fr * t, g = g * (1 - t) + fg * t, b = b * (1 - t) + fb * t;
-        const uint8_t rgb[3] = {static_cast<uint8_t>(r), static_cast<uint8_t>(g), static_cast<uint8_t>(b)};
+        const uint8_t rgb[3] = {static_cast<uint8_t>(r), static_cast<uint8_t>(g),
+                                static_cast<uint8_t>(b)};
         row[x * 3] = rgb[2], row[x * 3 + 1] = rgb[1], row[x * 3 + 2] = rgb[0];
         std::memcpy(&ppm[(static_cast<size_t>(y) * kWidth + x) * 3], rgb, 3);
       }
@@ -135,8 +138,8 @@ FrameSet& Frames(bool plasma) {
 }
 
 void Rate(benchmark::State& state) {
-  state.counters["MP/s"] = benchmark::Counter(kPixels / 1e6 * state.iterations(),
-                                              benchmark::Counter::kIsRate);
+  state.counters["MP/s"] =
+      benchmark::Counter(kPixels / 1e6 * state.iterations(), benchmark::Counter::kIsRate);
 }
 
 int32_t Quantise(FrameSet& set, uint8_t* palette) {
@@ -165,8 +168,9 @@ void MapFrames(benchmark::State& state, bool dither, bool quantiseToo) {
     ColourMatcher matcher;
     if (!OpenColourMatcher(&matcher, palette, colours)) state.SkipWithError("no memory");
     for (MovableHandle frame : set.frames) {
-      MovableHandle out = dither ? DitherToPalette(frame, palette, 8, colours, kDefaultRemapSettings, &matcher)
-                                 : RemapToPalette(frame, palette, 8, colours, kDefaultRemapSettings, &matcher);
+      MovableHandle out =
+          dither ? DitherToPalette(frame, palette, 8, colours, kDefaultRemapSettings, &matcher)
+                 : RemapToPalette(frame, palette, 8, colours, kDefaultRemapSettings, &matcher);
       if (!out) state.SkipWithError("mapping failed");
       MovableFree(out);
     }
@@ -174,10 +178,18 @@ void MapFrames(benchmark::State& state, bool dither, bool quantiseToo) {
   Rate(state);
 }
 
-void BM_DitherToPalette(benchmark::State& state) { MapFrames(state, true, false); }
-void BM_RemapToPalette(benchmark::State& state) { MapFrames(state, false, false); }
-void BM_QuantiseAndDither(benchmark::State& state) { MapFrames(state, true, true); }
-void BM_QuantiseAndRemap(benchmark::State& state) { MapFrames(state, false, true); }
+void BM_DitherToPalette(benchmark::State& state) {
+  MapFrames(state, true, false);
+}
+void BM_RemapToPalette(benchmark::State& state) {
+  MapFrames(state, false, false);
+}
+void BM_QuantiseAndDither(benchmark::State& state) {
+  MapFrames(state, true, true);
+}
+void BM_QuantiseAndRemap(benchmark::State& state) {
+  MapFrames(state, false, true);
+}
 
 bool Installed(const char* tool) {
   return std::system((std::string("command -v ") + tool + " >/dev/null 2>&1").c_str()) == 0;
@@ -211,7 +223,7 @@ void RunPeer(benchmark::State& state, const char* tool, const std::string& comma
 // range(1): 1 for Floyd-Steinberg, 0 for no dither.
 void BM_ImageMagick(benchmark::State& state) {
   const std::string dither = state.range(1) ? "-dither FloydSteinberg" : "+dither";
- RunPeer(state, "convert-im6.q16",
+  RunPeer(state, "convert-im6.q16",
           "MAGICK_THREAD_LIMIT=1 convert-im6.q16 frame*.ppm " + dither + " -colors 256 +map null:");
 }
 
