@@ -2,7 +2,7 @@
 // weighted distance to the cell is no more than the smallest, over all entries, of the largest
 // distance to the cell: any entry that is nearest for some colour of the cell passes that test, and
 // taking the first smallest distance in index order keeps the linear scan's preference for the
-// earlier entry. Distances up to 585,225 are exact in a float, so the vectorised scan is exact.
+// earlier entry.
 #include "imaging/colour_matcher.h"
 
 #include <algorithm>
@@ -10,10 +10,8 @@
 
 namespace {
 
-constexpr uint32_t kRecordHead = kAnswersPerCell + kKnownFlagBytes + 16;  // answers, flags, count
-constexpr uint32_t kRecordMax = kRecordHead + 4 * 256 * sizeof(float);
+constexpr uint32_t kRecordMax = 4 + 4 * 256;
 constexpr uint32_t kInitialPool = 65536;
-constexpr float kPadding = -4096.0f;  // a colour no pixel comes near
 
 inline int32_t Distance(const ColourMatcher* m, int32_t i, int32_t red, int32_t green,
                         int32_t blue) {
@@ -27,8 +25,8 @@ inline int32_t Distance(const ColourMatcher* m, int32_t i, int32_t red, int32_t 
 inline void AxisSpan(int32_t value, int32_t low, int32_t* nearest, int32_t* farthest) {
   const int32_t high = low + 7;
   *nearest = value < low ? low - value : value > high ? value - high : 0;
-  *farthest = std::max(value > low ? value - low : low - value,
-                       value > high ? value - high : high - value);
+  *farthest =
+      std::max(value > low ? value - low : low - value, value > high ? value - high : high - value);
 }
 
 int GrowPool(ColourMatcher* m) {
@@ -74,38 +72,28 @@ uint32_t ListCell(ColourMatcher* m, int32_t cell) {
       corner = i;
     }
   }
-  const int32_t padded = (length + 3) & ~3;
-  uint8_t* record = m->pool + m->poolUsed;
-  std::memset(record, 0, kRecordHead);
-  const int32_t stored = padded;
-  std::memcpy(record + kAnswersPerCell + kKnownFlagBytes, &stored, sizeof stored);
-  float* r = reinterpret_cast<float*>(record + kRecordHead);
-  float* g = r + padded;
-  float* b = g + padded;
-  float* index = b + padded;
-  for (int32_t k = 0; k < padded; ++k) {
-    const int32_t i = chosen[k < length ? k : 0];
-    r[k] = k < length ? static_cast<float>(m->red[i]) : kPadding;
-    g[k] = k < length ? static_cast<float>(m->green[i]) : kPadding;
-    b[k] = k < length ? static_cast<float>(m->blue[i]) : kPadding;
-    index[k] = static_cast<float>(i);
+  uint8_t* list = m->pool + m->poolUsed;
+  std::memset(list, 0, 4);
+  list[0] = static_cast<uint8_t>(length - 1);  // at least one entry is always listed
+  for (int32_t k = 0; k < length; ++k) {
+    const int32_t i = chosen[k];
+    list[4 + k * 4] = static_cast<uint8_t>(m->red[i]);
+    list[5 + k * 4] = static_cast<uint8_t>(m->green[i]);
+    list[6 + k * 4] = static_cast<uint8_t>(m->blue[i]);
+    list[7 + k * 4] = static_cast<uint8_t>(i);
   }
   m->coarse[cell] = static_cast<uint8_t>(corner);
   const uint32_t offset = m->poolUsed + 1;
-  m->poolUsed += kRecordHead + 4 * static_cast<uint32_t>(padded) * sizeof(float);
+  m->poolUsed += 4 + 4 * static_cast<uint32_t>(length);
   m->cellRecord[cell] = offset;
   return offset;
 }
 
-uint8_t* CellRecord(ColourMatcher* m, int32_t cell) {
-  uint32_t offset = m->cellRecord[cell];
-  if (!offset && !(offset = ListCell(m, cell))) return nullptr;
-  return m->pool + offset - 1;
-}
-
 }  // namespace
 
-ColourMatcher::~ColourMatcher() { CloseColourMatcher(this); }
+ColourMatcher::~ColourMatcher() {
+  CloseColourMatcher(this);
+}
 
 int OpenColourMatcher(ColourMatcher* m, const uint8_t* palette, int32_t count) {
   CloseColourMatcher(m);
@@ -151,42 +139,15 @@ void CloseColourMatcher(ColourMatcher* m) {
   m->pool = nullptr;
 }
 
-int32_t SearchNearest(ColourMatcher* m, int32_t red, int32_t green, int32_t blue) {
-  if (m->count < 1) return 0;
-  if (!m->cellRecord) return -1;
-  uint8_t* record = CellRecord(m, CoarseCell(red, green, blue));
-  if (!record) return -1;
-  int32_t n;
-  std::memcpy(&n, record + kAnswersPerCell + kKnownFlagBytes, sizeof n);
-  const float* r = reinterpret_cast<const float*>(record + kRecordHead);
-  const float* g = r + n;
-  const float* b = g + n;
-  const float* index = b + n;
-  const float fr = static_cast<float>(red), fg = static_cast<float>(green),
-              fb = static_cast<float>(blue);
-  // Plain loops the compiler vectorises: the distances, their smallest, then the first entry
-  // that has it, which is the earliest index since candidates are in index order.
-  int32_t d[256];
-  for (int32_t k = 0; k < n; ++k) {
-    const float dr = fr - r[k], dg = fg - g[k], db = fb - b[k];
-    d[k] = static_cast<int32_t>(3.0f * dr * dr + 4.0f * dg * dg + 2.0f * db * db);
-  }
-  int32_t best = d[0];
-  for (int32_t k = 1; k < n; ++k) best = std::min(best, d[k]);
-  int32_t k = 0;
-  while (d[k] != best) ++k;
-  const int32_t found = static_cast<int32_t>(index[k]);
-  const uint32_t slot = (red & 7) | (green & 7) << 3 | (blue & 7) << 6;
-  record[slot] = static_cast<uint8_t>(found);
-  record[kAnswersPerCell + (slot >> 3)] |= static_cast<uint8_t>(1u << (slot & 7));
-  return found;
+uint32_t ListColourCell(ColourMatcher* m, int32_t cell) {
+  return ListCell(m, cell);
 }
 
 int32_t MatchCoarse(ColourMatcher* m, int32_t red, int32_t green, int32_t blue) {
   if (m->count < 1) return 0;
   if (!m->cellRecord) return -1;
   const int32_t cell = CoarseCell(red, green, blue);
-  if (!CellRecord(m, cell)) return -1;
+  if (!m->cellRecord[cell] && !ListCell(m, cell)) return -1;
   return m->coarse[cell];
 }
 

@@ -2,8 +2,9 @@
 // tie rule, but looks at only a few entries per colour. The colour cube is cut into 32 x 32 x 32
 // cells of 8 levels a side (red in the low five bits of a cell number, then green, then blue); for
 // each cell met, the entries that can be nearest to any colour inside it are listed once, in index
-// order, and each colour's answer is remembered. A matcher owns its blocks; CloseColourMatcher
-// (or leaving its scope) frees them. One matcher can serve every frame of a palette.
+// order, in a few bytes, so that the lists of a whole animation stay in the processor's cache.
+// A matcher owns its blocks; CloseColourMatcher (or leaving its scope) frees them. One matcher
+// can serve every frame of a palette.
 #pragma once
 
 #include <cstdint>
@@ -18,8 +19,8 @@ struct ColourMatcher {
   MovableHandle cellBlock = nullptr;  // per cell: byte offset + 1 of its record (0 = none yet)
   uint32_t* cellRecord = nullptr;
   uint8_t* coarse = nullptr;  // per listed cell: the nearest entry to its lower corner
-  // The cell records: 512 remembered answers, 64 bytes of flags saying which are known, the
-  // padded number of candidates, then their reds, greens, blues and indices as floats.
+  // The cell lists: a word whose first byte holds the number of candidates less one, then each
+  // candidate as four bytes: red, green, blue and its index.
   MovableHandle poolBlock = nullptr;
   uint8_t* pool = nullptr;
   uint32_t poolUsed = 0;  // bytes
@@ -43,22 +44,31 @@ inline int32_t CoarseCell(uint32_t red, uint32_t green, uint32_t blue) {
   return static_cast<int32_t>((red >> 3) | (green >> 3) << 5 | (blue >> 3) << 10);
 }
 
-// The search itself, for colours not answered before; -1 when memory fails.
-int32_t SearchNearest(ColourMatcher* matcher, int32_t red, int32_t green, int32_t blue);
-
-constexpr uint32_t kAnswersPerCell = 512;
-constexpr uint32_t kKnownFlagBytes = kAnswersPerCell / 8;
+// Lists a cell not met before; the list's offset + 1, or 0 when memory fails.
+uint32_t ListColourCell(ColourMatcher* matcher, int32_t cell);
 
 // The same index as NearestPaletteIndex(red, green, blue, palette, count); -1 when a cell's list
-// could not be stored. Remembered answers cost one lookup.
+// could not be stored. Candidates are in index order and only a strictly smaller distance
+// replaces the best, so ties keep the earlier entry.
 inline int32_t MatchNearest(ColourMatcher* m, int32_t red, int32_t green, int32_t blue) {
-  const uint32_t record = m->cellRecord ? m->cellRecord[CoarseCell(red, green, blue)] : 0;
-  if (record) {
-    const uint8_t* answers = m->pool + record - 1;
-    const uint32_t slot = (red & 7) | (green & 7) << 3 | (blue & 7) << 6;
-    if (answers[kAnswersPerCell + (slot >> 3)] & (1u << (slot & 7))) return answers[slot];
+  if (m->count < 1) return 0;
+  if (!m->cellRecord) return -1;
+  const int32_t cell = CoarseCell(red, green, blue);
+  uint32_t offset = m->cellRecord[cell];
+  if (!offset && !(offset = ListColourCell(m, cell))) return -1;
+  const uint8_t* list = m->pool + offset - 1;
+  const uint32_t n = list[0] + 1u;
+  const uint8_t* c = list + 4;
+  int32_t best = 0x7FFFFFFF, bestIndex = 0;
+  for (uint32_t k = 0; k < n; ++k, c += 4) {
+    const int32_t dr = red - c[0], dg = green - c[1], db = blue - c[2];
+    const int32_t d = 3 * dr * dr + 4 * dg * dg + 2 * db * db;
+    if (d < best) {
+      best = d;
+      bestIndex = c[3];
+    }
   }
-  return SearchNearest(m, red, green, blue);
+  return bestIndex;
 }
 
 // The coarse-table entry of the colour's cell: NearestPaletteIndex of the cell's lower corner.

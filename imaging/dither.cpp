@@ -244,8 +244,7 @@ void BuildToneMap(uint8_t* map, int32_t brightness, int32_t contrast) {
 }
 
 MovableHandle DitherToPalette(MovableHandle image, const uint8_t* palette, int32_t bits,
-                              int32_t count, const RemapSettings& settings,
-                              ColourMatcher* shared) {
+                              int32_t count, const RemapSettings& settings, ColourMatcher* shared) {
   if (!ValidTarget(bits, palette)) return nullptr;
   SourceImage src(image);
   if (!src.Open()) return nullptr;
@@ -263,8 +262,7 @@ MovableHandle DitherToPalette(MovableHandle image, const uint8_t* palette, int32
 }
 
 MovableHandle RemapToPalette(MovableHandle image, const uint8_t* palette, int32_t bits,
-                             int32_t count, const RemapSettings& settings,
-                             ColourMatcher* shared) {
+                             int32_t count, const RemapSettings& settings, ColourMatcher* shared) {
   if (!ValidTarget(bits, palette)) return nullptr;
   SourceImage src(image);
   if (!src.Open()) return nullptr;

@@ -92,8 +92,8 @@ const LevelDistances& Distances() {
 
 // Classifies one run of `count` equal pixels. The root's error is kept by the caller in
 // `rootError` and stored back when classification ends.
-inline int ClassifyRun(ColourCube* cube, const LevelDistances& dist, double* rootError,
-                       int32_t red, int32_t green, int32_t blue, double count) {
+inline int ClassifyRun(ColourCube* cube, const LevelDistances& dist, double* rootError, int32_t red,
+                       int32_t green, int32_t blue, double count) {
   ColourNode* node = cube->root;
   const int32_t depth = cube->depth;
   for (int32_t level = 1; level <= depth; ++level) {
@@ -246,9 +246,8 @@ int ReduceTreeByEvents(ColourCube* cube, int32_t target) {
     order[i] = i;
     stamp[i] = -1;
   }
-  std::sort(order, order + n, [&](int32_t a, int32_t b) {
-    return list[a]->quantiseError < list[b]->quantiseError;
-  });
+  std::sort(order, order + n,
+            [&](int32_t a, int32_t b) { return list[a]->quantiseError < list[b]->quantiseError; });
 
   int32_t first = 0;  // order[first..] are the nodes with error above the last threshold
   double threshold = 0.0;
@@ -281,7 +280,8 @@ int ReduceTreeByEvents(ColourCube* cube, int32_t target) {
     double next = root->quantiseError - 1.0;
     int32_t scan = end;
     while (scan < n && !live[order[scan]]) ++scan;
-    if (scan < n && list[order[scan]]->quantiseError < next) next = list[order[scan]]->quantiseError;
+    if (scan < n && list[order[scan]]->quantiseError < next)
+      next = list[order[scan]]->quantiseError;
     colours = holding - lost + gained;
     // Prune: every live node of each pruned subtree dies; the parent of a pruned node that stays
     // takes its sums.
