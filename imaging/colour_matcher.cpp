@@ -105,6 +105,7 @@ int OpenColourMatcher(ColourMatcher* m, const uint8_t* palette, int32_t count) {
   }
   m->poolUsed = 0;
   m->poolSize = kInitialPool;
+  std::memset(m->recentColour, 0xFF, sizeof m->recentColour);
   m->cellBlock = MovableAlloc(kCoarseCells * (sizeof(uint32_t) + 1));
   m->poolBlock = m->cellBlock ? MovableAlloc(kInitialPool) : nullptr;
   if (m->poolBlock) {

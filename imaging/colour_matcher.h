@@ -25,6 +25,10 @@ struct ColourMatcher {
   uint8_t* pool = nullptr;
   uint32_t poolUsed = 0;  // bytes
   uint32_t poolSize = 0;
+  // Recent answers by colour, small enough for the first-level cache: rendered frames repeat a
+  // few colours (backgrounds, text, the dither's small steps around them) again and again.
+  uint32_t recentColour[4096];  // 0x00BBGGRR, or 0xFFFFFFFF for an empty slot
+  uint8_t recentIndex[4096];
   ColourMatcher() = default;
   ColourMatcher(const ColourMatcher&) = delete;
   ColourMatcher& operator=(const ColourMatcher&) = delete;
@@ -53,6 +57,9 @@ uint32_t ListColourCell(ColourMatcher* matcher, int32_t cell);
 inline int32_t MatchNearest(ColourMatcher* m, int32_t red, int32_t green, int32_t blue) {
   if (m->count < 1) return 0;
   if (!m->cellRecord) return -1;
+  const uint32_t colour = static_cast<uint32_t>(red | green << 8 | blue << 16);
+  const uint32_t slot = (colour * 0x9E3779B1u) >> 20;
+  if (m->recentColour[slot] == colour) return m->recentIndex[slot];
   const int32_t cell = CoarseCell(red, green, blue);
   uint32_t offset = m->cellRecord[cell];
   if (!offset && !(offset = ListColourCell(m, cell))) return -1;
@@ -68,6 +75,8 @@ inline int32_t MatchNearest(ColourMatcher* m, int32_t red, int32_t green, int32_
       bestIndex = c[3];
     }
   }
+  m->recentColour[slot] = colour;
+  m->recentIndex[slot] = static_cast<uint8_t>(bestIndex);
   return bestIndex;
 }
 
