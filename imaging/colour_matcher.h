@@ -70,10 +70,10 @@ inline int32_t MatchNearest(ColourMatcher* m, int32_t red, int32_t green, int32_
   for (uint32_t k = 0; k < n; ++k, c += 4) {
     const int32_t dr = red - c[0], dg = green - c[1], db = blue - c[2];
     const int32_t d = 3 * dr * dr + 4 * dg * dg + 2 * db * db;
-    if (d < best) {
-      best = d;
-      bestIndex = c[3];
-    }
+    // Without branches: which candidate wins follows the data and cannot be predicted.
+    const bool better = d < best;
+    bestIndex = better ? c[3] : bestIndex;
+    best = better ? d : best;
   }
   m->recentColour[slot] = colour;
   m->recentIndex[slot] = static_cast<uint8_t>(bestIndex);
