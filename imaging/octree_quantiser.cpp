@@ -126,11 +126,12 @@ struct ExactColours {
     count = 0;
     std::memset(slots, 0xFF, sizeof slots);
   }
+  // Counts pixels once the list is full; the count only has to say "many", so it stops short of
+  // overflowing.
+  void CountMore(int64_t pixels) {
+    count = static_cast<int32_t>(std::min<int64_t>(int64_t{count} + pixels, 0x7FFFFFFF));
+  }
   void Add(uint32_t colour) {
-    if (count >= kExactColours) {
-      ++count;
-      return;
-    }
     uint32_t slot = (colour * 2654435761u) >> 22;
     while (slots[slot] != 0xFFFFFFFF) {
       if (slots[slot] == colour) return;
@@ -139,22 +140,30 @@ struct ExactColours {
     slots[slot] = colour;
     colours[count++] = colour;
   }
+  // The pixels of a picture in the order the accessors give them, top row first.
+  void Scan(const DibView& v) {
+    for (int32_t y = v.height - 1; y >= 0; --y) {
+      const uint8_t* p = DibRow(v, y);
+      uint32_t last = 0xFFFFFFFF;
+      for (int32_t x = 0; x < v.width; ++x, p += 3) {
+        if (count >= kExactColours) {
+          // Every further pixel, this one included, just raises the count.
+          CountMore(int64_t{v.width} - x + int64_t{y} * v.width);
+          return;
+        }
+        const uint32_t colour = static_cast<uint32_t>(p[0] << 16 | p[1] << 8 | p[2]);
+        if (colour != last) Add(colour);  // a repeat of the previous pixel is listed already
+        last = colour;
+      }
+    }
+  }
 };
 
 // Records the exact colours of a picture, top row first, then classifies its runs, rows in
 // memory order.
 int ClassifyImage(ColourCube* cube, ExactColours* exact, const DibView& v) {
   const LevelDistances& dist = Distances();
-  for (int32_t y = v.height - 1; y >= 0; --y) {
-    const uint8_t* p = DibRow(v, y);
-    uint32_t last = 0xFFFFFFFF;
-    for (int32_t x = 0; x < v.width; ++x, p += 3) {
-      const uint32_t colour = static_cast<uint32_t>(p[0] << 16 | p[1] << 8 | p[2]);
-      // A repeat of the previous pixel is already listed, unless the list is full and counting.
-      if (colour != last || exact->count >= kExactColours) exact->Add(colour);
-      last = colour;
-    }
-  }
+  exact->Scan(v);
   double rootError = cube->root->quantiseError;
   int ok = 1;
   for (int32_t y = 0; y < v.height && ok; ++y) {
@@ -465,7 +474,9 @@ int32_t QuantiseFrames(int32_t* request, uint8_t* palette, const MovableHandle* 
     ExtractPalette(cube, cube->root);
     *request = cube->colours;
   } else {
-    for (int32_t i = 0; i < exact->count; ++i) {
+    // A request over 256 can take this branch with a count over 256, which only says "many":
+    // the list itself never holds more than 256 colours.
+    for (int32_t i = 0; i < std::min(exact->count, kExactColours); ++i) {
       palette[i * 3] = static_cast<uint8_t>(exact->colours[i]);
       palette[i * 3 + 1] = static_cast<uint8_t>(exact->colours[i] >> 8);
       palette[i * 3 + 2] = static_cast<uint8_t>(exact->colours[i] >> 16);

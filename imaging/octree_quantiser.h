@@ -48,8 +48,9 @@ struct ColourCube {
 };
 
 // Quantises `imageCount` 24-bit pictures into `palette` (768 bytes, cleared first). `*request` is
-// the wanted count (0 or over 256 mean 256) and receives the number of colours found. Returns 1,
-// 0 when a picture cannot be read or a node cannot be made, or kQuantiseMemoryError when the
+// the wanted count (0 or over 256 mean 256) and receives the number of colours found; a request
+// over 256 can receive a count over 256, meaning "many", with 256 colours in the palette. Returns
+// 1, 0 when a picture cannot be read or a node cannot be made, or kQuantiseMemoryError when the
 // working record cannot be made. On failure the palette must not be used.
 int32_t QuantiseFrames(int32_t* request, uint8_t* palette, const MovableHandle* images,
                        int32_t imageCount);

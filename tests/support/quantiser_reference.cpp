@@ -167,7 +167,7 @@ int32_t RefQuantiseFrames(int32_t* request, uint8_t* palette, const MovableHandl
     tree.Extract(0);
     *request = tree.colours;
   } else {
-    for (int32_t i = 0; i < exactCount; ++i) {
+    for (int32_t i = 0; i < exactCount && i < 256; ++i) {
       palette[i * 3] = static_cast<uint8_t>(exact[i]);
       palette[i * 3 + 1] = static_cast<uint8_t>(exact[i] >> 8);
       palette[i * 3 + 2] = static_cast<uint8_t>(exact[i] >> 16);

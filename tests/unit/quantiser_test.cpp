@@ -100,6 +100,17 @@ TEST(QuantiseFrames, AFullListFollowedByAnyPixelReduces) {
   p = Quantise(many, &request);
   EXPECT_EQ(request, 256);
   EXPECT_EQ(Head(p, 1), Palette({0, 0, 0}));
+  // Past a full list every pixel counts, across frames: 256 colours and 44 more pixels make 300,
+  // which a request of 300 takes as the list with that count; one pixel more goes to the tree.
+  for (int32_t extra : {44, 45}) {
+    Frames split;
+    split.Add(256, 1, std::vector<uint32_t>(pixels.begin(), pixels.begin() + 256));
+    split.Add(extra, 1, std::vector<uint32_t>(extra, pixels[3]));
+    request = 300;
+    p = Quantise(split, &request);
+    EXPECT_EQ(request, extra == 44 ? 300 : 256);
+    EXPECT_EQ(Head(p, 1), extra == 44 ? Palette({224, 224, 192}) : Palette({0, 0, 0})) << extra;
+  }
 }
 
 TEST(QuantiseFrames, RefusesUnreadableFrames) {
