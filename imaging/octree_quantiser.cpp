@@ -90,30 +90,52 @@ const LevelDistances& Distances() {
   return table;
 }
 
+// The nodes a colour passes on its way down, kept from one run to the next: neighbouring pixels
+// mostly share a leaf cell, and then the walk needs neither the census nor the child links.
+struct ColourPath {
+  uint32_t cell = 0xFFFFFFFF;  // the leaf cell, by the top `depth` bits of each channel
+  ColourNode* node[9];
+};
+
 // Classifies one run of `count` equal pixels. The root's error is kept by the caller in
 // `rootError` and stored back when classification ends.
-inline int ClassifyRun(ColourCube* cube, const LevelDistances& dist, double* rootError, int32_t red,
-                       int32_t green, int32_t blue, double count) {
-  ColourNode* node = cube->root;
+inline int ClassifyRun(ColourCube* cube, const LevelDistances& dist, ColourPath* path,
+                       double* rootError, int32_t red, int32_t green, int32_t blue, double count) {
   const int32_t depth = cube->depth;
-  for (int32_t level = 1; level <= depth; ++level) {
-    const int32_t shift = 8 - level;
-    const uint32_t id = (red >> shift & 1) << 2 | (green >> shift & 1) << 1 | (blue >> shift & 1);
-    if (!(node->census & (1u << id))) {
-      node->census = static_cast<uint8_t>(node->census | 1u << id);
-      node->child[id] = NewNode(cube, node, static_cast<uint8_t>(id), static_cast<uint8_t>(level));
-      if (!node->child[id]) return 0;
-      if (level == depth) ++cube->colours;
+  const int32_t low = 8 - depth;
+  const uint32_t cell =
+      static_cast<uint32_t>((red >> low) | (green >> low) << 8 | (blue >> low) << 16);
+  if (cell != path->cell) {
+    ColourNode* node = cube->root;
+    for (int32_t level = 1; level <= depth; ++level) {
+      const int32_t shift = 8 - level;
+      const uint32_t id = (red >> shift & 1) << 2 | (green >> shift & 1) << 1 | (blue >> shift & 1);
+      if (!(node->census & (1u << id))) {
+        node->census = static_cast<uint8_t>(node->census | 1u << id);
+        node->child[id] =
+            NewNode(cube, node, static_cast<uint8_t>(id), static_cast<uint8_t>(level));
+        if (!node->child[id]) {
+          path->cell = 0xFFFFFFFF;
+          return 0;
+        }
+        if (level == depth) ++cube->colours;
+      }
+      node = node->child[id];
+      path->node[level] = node;
     }
-    node = node->child[id];
+    path->cell = cell;
+  }
+  for (int32_t level = 1; level <= depth; ++level) {
+    ColourNode* node = path->node[level];
     node->quantiseError +=
         count * (dist.square[level][red] + dist.square[level][green] + dist.square[level][blue]);
     *rootError += node->quantiseError;
   }
-  node->uniqueCount += count;
-  node->redTotal += count * red;
-  node->greenTotal += count * green;
-  node->blueTotal += count * blue;
+  ColourNode* leaf = path->node[depth];
+  leaf->uniqueCount += count;
+  leaf->redTotal += count * red;
+  leaf->greenTotal += count * green;
+  leaf->blueTotal += count * blue;
   return 1;
 }
 
@@ -165,11 +187,13 @@ int ClassifyImage(ColourCube* cube, ExactColours* exact, const DibView& v) {
   const LevelDistances& dist = Distances();
   exact->Scan(v);
   double rootError = cube->root->quantiseError;
+  ColourPath path;
   int ok = 1;
   for (int32_t y = 0; y < v.height && ok; ++y) {
     if (cube->nodes > MaxColourNodes) {
       PruneLevel(cube, cube->root);
       --cube->depth;
+      path.cell = 0xFFFFFFFF;  // the leaves it held are merged away
     }
     const uint8_t* row = DibRow(v, y);
     for (int32_t x = 0; x < v.width;) {
@@ -178,7 +202,8 @@ int ClassifyImage(ColourCube* cube, ExactColours* exact, const DibView& v) {
       while (end < v.width && row[end * 3] == p[0] && row[end * 3 + 1] == p[1] &&
              row[end * 3 + 2] == p[2])
         ++end;
-      if (!ClassifyRun(cube, dist, &rootError, p[2], p[1], p[0], static_cast<double>(end - x))) {
+      if (!ClassifyRun(cube, dist, &path, &rootError, p[2], p[1], p[0],
+                       static_cast<double>(end - x))) {
         ok = 0;
         break;
       }
