@@ -4,11 +4,13 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
 #include <string>
 
 #include <gtest/gtest.h>
 
 #include "cli/command_line.h"
+#include "cli/inprocess_host.h"
 #include "cli/progress.h"
 
 namespace {
@@ -146,4 +148,50 @@ TEST(Gm5Program, AnswersHelpVersionEffectsAndErrors) {
     EXPECT_EQ(run.status, 1) << f.arguments;
     EXPECT_EQ(run.out, f.message);
   }
+}
+
+TEST(InProcessHost, ServesTheEngineAndShowsItsProgress) {
+  FILE* out = tmpfile();
+  ASSERT_NE(out, nullptr);
+  ProgressBar bar;
+  BeginProgress(&bar, out, 0);
+  bar.enabled = 1;
+  InProcessHost host;
+  BeginInProcessHost(&host, 0, &bar);
+  EXPECT_EQ(host.record.capabilities, kHostIndexed);
+  EXPECT_EQ(InProcessDelayMilliseconds(&host), 10);
+  HostService service = host.record.service;
+
+  FileObjectRecord record{};
+  record.size = sizeof record;
+  record.version = kInterfaceVersion;
+  record.bits = 8;
+  record.width = record.height = 2;
+  FileObjectRecord test = record;
+  EXPECT_EQ(service(nullptr, HostOpProgressCaption, 0, reinterpret_cast<uint64_t>("Remapping")),
+            1u);
+  service(nullptr, HostOpProgress, 1, 2);
+  ASSERT_EQ(service(nullptr, HostOpCreateFile, 0, reinterpret_cast<uint64_t>(&record)), 1u);
+  EXPECT_EQ(service(&record, HostOpCloseFile, 1, 0), 1u);
+  ASSERT_EQ(service(nullptr, HostOpCreateTestFile, 0, reinterpret_cast<uint64_t>(&test)), 1u);
+  EXPECT_EQ(service(&test, HostOpCloseFile, 1, 0), 1u);
+  ASSERT_NE(InProcessResult(&host), nullptr);
+  EXPECT_EQ(InProcessResult(&host)->serial, 1);  // the test file is not the result
+
+  EndInProcessHost(&host);
+  EXPECT_EQ(service(nullptr, HostOpCreateFile, 0, reinterpret_cast<uint64_t>(&record)), 0u);
+  EndProgress(&bar);
+  rewind(out);
+  char text[512] = {};
+  fread(text, 1, sizeof text - 1, out);
+  fclose(out);
+  EXPECT_NE(strstr(text, "\rRemapping        [###############...............] 1/2"), nullptr)
+      << text;
+
+  InProcessHost colour;
+  BeginInProcessHost(&colour, 1, nullptr);
+  EXPECT_EQ(colour.record.capabilities & kHostIndexed, 0u);
+  EXPECT_EQ(InProcessDelayMilliseconds(&colour), 1);
+  EXPECT_EQ(InProcessResult(&colour), nullptr);
+  EndInProcessHost(&colour);
 }
