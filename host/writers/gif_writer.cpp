@@ -1,7 +1,12 @@
 // GIF output through giflib's streaming encoder, one row at a time straight from the frames.
 #include "host/writers/gif_writer.h"
 
+#include <fcntl.h>
 #include <gif_lib.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
 
 #include <algorithm>
 #include <vector>
@@ -46,8 +51,14 @@ int WriteGifFile(const HostFile* file, const std::string& path, std::string* err
 
   int code = 0;
   GifGuard guard;
-  guard.gif = EGifOpenFileName(path.c_str(), false, &code);
-  if (!guard.gif) return Fail(error, path, GifErrorString(code));
+  // Opened here rather than by giflib, which would make the file readable by its owner only.
+  const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
+  if (descriptor < 0) return Fail(error, path, strerror(errno));
+  guard.gif = EGifOpenFileHandle(descriptor, &code);
+  if (!guard.gif) {
+    close(descriptor);
+    return Fail(error, path, GifErrorString(code));
+  }
   GifFileType* gif = guard.gif;
   EGifSetGifVersion(gif, true);
 

@@ -5,6 +5,7 @@
 #include <png.h>
 #include <webp/demux.h>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstring>
@@ -127,8 +128,12 @@ TEST(GifWriter, SupercompressedFileDecodesWithItsRecords) {
   const HostFile* file =
       MakeFile(&session, 3, 8, 4, 2, SupercompressedFrames(), "made by gm5 tests", 7);
   std::string error, path = scratch.Path("a.gif");
+  const mode_t mask = umask(022);
   ASSERT_EQ(WriteAnimationOutput(file, 10, path, &error), 1) << error;
+  umask(mask);
   EXPECT_EQ(scratch.Names(), std::vector<std::string>{"a.gif"});
+  // Readable by all, as any new file under that mask.
+  EXPECT_EQ(fs::status(path).permissions(), static_cast<fs::perms>(0644));
 
   int code = 0;
   GifFileType* gif = DGifOpenFileName(path.c_str(), &code);
