@@ -162,6 +162,13 @@ int ParseCommandLine(int argc, const char* const* argv, CommandLine* line, std::
   return 1;
 }
 
+int HasBuildOptions(const CommandLine& line) {
+  int any = !line.output.empty() || line.defaults || !line.effect.empty() || line.hasText ||
+            !line.font.empty() || line.size || !line.settings.empty() || !line.controls.empty();
+  for (const Switch& s : kSwitches) any |= line.*s.field != -1;
+  return any;
+}
+
 int32_t FindEffectRow(const std::string& name) {
   for (int32_t row = 0; row < kEffectCount; ++row)
     if (strcasecmp(EffectTable[row].name, name.c_str()) == 0) return row;
@@ -177,9 +184,6 @@ const char* Gm5Usage() {
          "  effects                      list the effects, one per line: row and name\n"
          "\n"
          "options:\n"
-         "  -o, --output PATH            where the result goes: .gif, .webp, .png, or a folder\n"
-         "                               (a name ending in / or without extension) of PNG frames\n"
-         "  -q, --quiet                  no progress bar\n"
          "  -h, --help                   this text\n"
          "      --version                the program's version\n"
          "\n"

@@ -36,6 +36,9 @@ struct CommandLine {
 // missing or malformed value.
 int ParseCommandLine(int argc, const char* const* argv, CommandLine* line, std::string* error);
 
+// Nonzero when any option that shapes a build or names an output was given.
+int HasBuildOptions(const CommandLine& line);
+
 // The row of the effect named `name` in the Effect box, in any case; -1 when there is none.
 int32_t FindEffectRow(const std::string& name);
 

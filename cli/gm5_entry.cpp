@@ -49,6 +49,7 @@ int main(int argc, char** argv) {
       return Fail("no command given (see gm5 --help)");
     case CommandEffects:
       if (!line.arguments.empty()) return Fail("effects takes no arguments");
+      if (HasBuildOptions(line)) return Fail("effects takes no options");
       status = ListEffects();
       break;
   }

@@ -142,6 +142,8 @@ TEST(Gm5Program, AnswersHelpVersionEffectsAndErrors) {
       {"paint", "gm5: unknown command: paint (see gm5 --help)\n"},
       {"effects --bogus", "gm5: unknown option: --bogus\n"},
       {"effects extra", "gm5: effects takes no arguments\n"},
+      {"effects --no-dither", "gm5: effects takes no options\n"},
+      {"effects -o x.gif", "gm5: effects takes no options\n"},
   };
   for (const auto& f : failures) {
     ProgramRun run = RunGm5(f.arguments);
