@@ -19,6 +19,7 @@
 
 #include "host/host_session.h"
 #include "host/writers/animation_output.h"
+#include "host/writers/output_file.h"
 #include "shell/packed_dib.h"
 
 namespace fs = std::filesystem;
@@ -333,4 +334,25 @@ TEST(AnimationOutput, FailuresLeaveNothingBehind) {
   EXPECT_EQ(WriteAnimationOutput(indexed, 10, scratch.Path("taken.gif"), &error), 0);
   EXPECT_EQ(error.rfind("cannot write " + scratch.Path("taken.gif") + ": ", 0), 0u) << error;
   EXPECT_EQ(scratch.Names(), std::vector<std::string>{"taken.gif"});
+}
+
+TEST(AnimationOutput, StoppedRunRemovesWhatItWrote) {
+  Scratch scratch;
+  std::string error;
+  OutputTarget file;
+  ASSERT_EQ(BeginOutput(&file, scratch.Path("a.gif"), 0, &error), 1) << error;
+  { std::ofstream(file.temporary) << "partial"; }
+  RemovePartialOutputFromSignal();
+  EXPECT_TRUE(scratch.Names().empty());
+  AbandonOutput(&file);
+
+  OutputTarget folder;
+  ASSERT_EQ(BeginOutput(&folder, scratch.Path("frames/"), 1, &error), 1) << error;
+  for (const char* name : {"/frame-0001.png", "/frame-0002.png"}) {
+    std::ofstream(folder.temporary + name) << "partial";
+    NotePartialOutputFile(folder.temporary + name);
+  }
+  RemovePartialOutputFromSignal();
+  EXPECT_TRUE(scratch.Names().empty());
+  AbandonOutput(&folder);
 }
