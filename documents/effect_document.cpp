@@ -1,0 +1,87 @@
+// Saving and loading effect documents through the controls' own line messages.
+#include "documents/effect_document.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+#include "controls/value_controls.h"
+#include "documents/settings.h"
+
+namespace {
+
+constexpr char kProduct[] = "Glyph Motion 5 Plugin";
+constexpr char kMaker[] = "Cobalt Lanternary";
+
+DocumentMessageShower g_shower = nullptr;
+
+void Show(WindowHandle window, const char* text) {
+  if (g_shower) g_shower(window, text);
+}
+
+int WriteChildLine(WindowHandle child, void* file) {
+  DialogWriteLine(child, file);
+  return 1;
+}
+
+// Skips leading control characters and blanks, drops comments, and cuts at the line end.
+// Returns the line to hand on, or null.
+char* PrepareLine(char* line) {
+  while (*line && static_cast<unsigned char>(*line) < 33) ++line;
+  if (*line == ';' || *line == 0) return nullptr;
+  if (char* feed = std::strchr(line, '\n')) *feed = 0;
+  if (char* ret = std::strchr(line, '\r')) *ret = 0;
+  return line;
+}
+
+}  // namespace
+
+void SetDocumentMessageShower(DocumentMessageShower shower) {
+  g_shower = shower;
+}
+
+int SaveDocument(WindowHandle dialog, const char* path) {
+  if (path) BackUpFile(path);
+  std::FILE* file = path ? std::fopen(path, "wt") : nullptr;
+  if (!file) {
+    Show(dialog, kDocumentCreateError);
+    return 0;
+  }
+  std::fprintf(file, ";This is a document created by %s by %s - do not edit.\n", kProduct, kMaker);
+  std::fputs(";Start of document\n", file);
+  DialogEnumChildren(dialog, WriteChildLine, file);
+  std::fputs(";End of document\n", file);
+  std::fclose(file);
+  return 1;
+}
+
+void LoadDocumentFrom(WindowHandle dialog, void* stream) {
+  std::FILE* file = static_cast<std::FILE*>(stream);
+  std::vector<char> buffer(kDocumentLineLimit);
+  while (std::fgets(buffer.data(), static_cast<int>(buffer.size()), file)) {
+    char* line = PrepareLine(buffer.data());
+    if (!line || std::strlen(line) < 6) continue;
+    const int32_t id = ParseAtoi(line + 6);
+    if (id < 1) continue;
+    if (WindowHandle control = DialogItem(dialog, id)) DialogReadLine(control, line);
+  }
+}
+
+void LoadDocument(WindowHandle dialog, const char* path) {
+  std::FILE* file = path ? std::fopen(path, "rt") : nullptr;
+  if (!file) {
+    Show(dialog, kDocumentOpenError);
+    return;
+  }
+  std::vector<char> first(kDocumentLineLimit);
+  if (std::fgets(first.data(), static_cast<int>(first.size()), file) &&
+      (!std::strstr(first.data(), kProduct) || !std::strstr(first.data(), kMaker))) {
+    std::fclose(file);
+    Show(dialog, kDocumentDamaged);
+    return;
+  }
+  LoadDocumentFrom(dialog, file);
+  std::fclose(file);
+  DialogPostMessage(dialog, kMessageAfterLoad);
+}
