@@ -56,9 +56,14 @@ int SaveDocument(WindowHandle dialog, const char* path) {
   return 1;
 }
 
-void LoadDocumentFrom(WindowHandle dialog, void* stream) {
+int LoadDocumentFrom(WindowHandle dialog, void* stream) {
   std::FILE* file = static_cast<std::FILE*>(stream);
+  if (!file) return 0;
   std::vector<char> buffer(kDocumentLineLimit);
+  // An empty file passes; a first line must carry both marks.
+  if (std::fgets(buffer.data(), static_cast<int>(buffer.size()), file) &&
+      (!std::strstr(buffer.data(), kProduct) || !std::strstr(buffer.data(), kMaker)))
+    return 0;
   while (std::fgets(buffer.data(), static_cast<int>(buffer.size()), file)) {
     char* line = PrepareLine(buffer.data());
     if (!line || std::strlen(line) < 6) continue;
@@ -66,6 +71,7 @@ void LoadDocumentFrom(WindowHandle dialog, void* stream) {
     if (id < 1) continue;
     if (WindowHandle control = DialogItem(dialog, id)) DialogReadLine(control, line);
   }
+  return 1;
 }
 
 void LoadDocument(WindowHandle dialog, const char* path) {
@@ -74,14 +80,11 @@ void LoadDocument(WindowHandle dialog, const char* path) {
     Show(dialog, kDocumentOpenError);
     return;
   }
-  std::vector<char> first(kDocumentLineLimit);
-  if (std::fgets(first.data(), static_cast<int>(first.size()), file) &&
-      (!std::strstr(first.data(), kProduct) || !std::strstr(first.data(), kMaker))) {
-    std::fclose(file);
+  const int read = LoadDocumentFrom(dialog, file);
+  std::fclose(file);
+  if (!read) {
     Show(dialog, kDocumentDamaged);
     return;
   }
-  LoadDocumentFrom(dialog, file);
-  std::fclose(file);
   DialogPostMessage(dialog, kMessageAfterLoad);
 }

@@ -19,8 +19,9 @@ int SaveDocument(WindowHandle dialog, const char* path);
 // dialog. A file that can't be opened, or whose first line lacks the marks, changes nothing and
 // shows its message.
 void LoadDocument(WindowHandle dialog, const char* path);
-// The same reading from an open file, for LoadDocument and the fuzz target.
-void LoadDocumentFrom(WindowHandle dialog, void* file);
+// The reading of an open file, for LoadDocument and the fuzz target: returns 0, having changed
+// nothing, when the first line lacks the marks, else 1 after handing on every line.
+int LoadDocumentFrom(WindowHandle dialog, void* file);
 
 // How the two show a message: installed by the dialog's owner (the main dialog passes its modal
 // message box). Without one, messages are dropped.
