@@ -341,7 +341,9 @@ void HandleValueCommand(WindowHandle dialog, int32_t id, int32_t notification) {
       int translated = 0;
       uint32_t colour = GetDialogItemInt(dialog, id, &translated, 0);
       if (uint32_t* setting = static_cast<uint32_t*>(DialogGetUserData(control))) colour = *setting;
-      if (!g_chooser || !g_chooser(dialog, &colour)) return;
+      uint8_t swatches[768] = {};
+      BuildSwatchTable(swatches);
+      if (!g_chooser || !g_chooser(dialog, &colour, swatches)) return;
       if (uint32_t* setting = static_cast<uint32_t*>(DialogGetUserData(control))) *setting = colour;
       SetDialogItemInt(dialog, id, colour, 0);
       break;
@@ -359,4 +361,16 @@ void HandleValueCommand(WindowHandle dialog, int32_t id, int32_t notification) {
 
 void SetColourChooser(ColourChooser chooser) {
   g_chooser = chooser;
+}
+
+void BuildSwatchTable(uint8_t swatches[768]) {
+  static const uint8_t kLevels[8] = {0, 36, 72, 108, 144, 180, 216, 255};
+  for (int r = 0; r < 8; ++r)
+    for (int g = 0; g < 8; ++g)
+      for (int k = 0; k < 4; ++k) {
+        uint8_t* entry = swatches + ((r * 8 + g) * 4 + k) * 3;
+        entry[0] = kLevels[r];
+        entry[1] = kLevels[g];
+        entry[2] = static_cast<uint8_t>(k * 85);
+      }
 }

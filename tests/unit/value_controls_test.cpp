@@ -37,14 +37,14 @@ class ValueControls : public testing::Test {
 };
 
 uint32_t g_offered = 0;
-int ChooseTeal(WindowHandle, uint32_t* colour) {
+uint8_t g_swatches[768];
+int ChooseTeal(WindowHandle, uint32_t* colour, const uint8_t* swatches) {
   g_offered = *colour;
+  std::memcpy(g_swatches, swatches, sizeof g_swatches);
   *colour = 0x808000;
   return 1;
 }
-int Cancel(WindowHandle, uint32_t*) {
-  return 0;
-}
+int Cancel(WindowHandle, uint32_t*, const uint8_t*) { return 0; }
 
 }  // namespace
 
@@ -134,6 +134,9 @@ TEST_F(ValueControls, ColourButtonsStoreOnlyAChosenColour) {
   SetColourChooser(ChooseTeal);
   DialogNotify(dialog_, 106, 0);
   EXPECT_EQ(g_offered, 3355443u);
+  const uint8_t entry45[3] = {36, 108, 85};  // (r 1 * 8 + g 3) * 4 + k 1
+  EXPECT_EQ(std::memcmp(g_swatches + 45 * 3, entry45, 3), 0);
+  EXPECT_EQ(g_swatches[767], 255);
   EXPECT_EQ(*SettingInteger("Style000OutlineColor"), 0x808000);
   EXPECT_EQ(Line(106), "CLRBTN106=8421376");
   EXPECT_EQ(DialogTimerPeriod(dialog_, kUpdateTimerId), 250u);
@@ -164,6 +167,37 @@ TEST_F(ValueControls, LinesOfEachKind) {
   AddTestFonts(dialog_);
   EXPECT_EQ(TakeControlLine(Item(53), "FNTBOX53=courier"), 1);
   EXPECT_STREQ(SettingString("MainFontName"), "Courier New");
+}
+
+// Kinds that no table uses yet: a signed spin edit, a list box and the horizontal-or-vertical
+// picker, on a dialog of their own.
+TEST(ValueControlKinds, SignedSpinListBoxAndHvPickerKeepTheirValues) {
+  WindowHandle dialog = DialogCreate();
+  ASSERT_NE(dialog, nullptr);
+  WindowHandle spin = DialogAddControl(dialog, 700, kControlSignedSpinEdit, "");
+  DialogAddControl(dialog, 10700, kControlUpDown, "-90,90,0");
+  WindowHandle list = DialogAddControl(dialog, 702, kControlListBoxList, "");
+  WindowHandle picker = DialogAddControl(dialog, 704, kControlScrollHVPicker, "");
+  for (const char* row : {"one", "two", "three"}) DialogAddRow(list, row);
+  char angle[kSettingTextSize] = "-45";
+  int32_t row = 2, way = 1;
+  BindControl(spin, angle);
+  BindControl(list, &row);
+  BindControl(picker, &way);
+  char line[64];
+  FormatControlLine(spin, line, sizeof line);
+  EXPECT_STREQ(line, "SPNSGN700=-45");
+  FormatControlLine(list, line, sizeof line);
+  EXPECT_STREQ(line, "CMBBOX702=2");
+  FormatControlLine(picker, line, sizeof line);
+  EXPECT_STREQ(line, "SCRLHV704=1");
+  EXPECT_EQ(TakeControlLine(spin, "SPNSGN700=-200"), 1);
+  EXPECT_STREQ(angle, "-90");
+  EXPECT_EQ(TakeControlLine(list, "CMBBOX702=0"), 1);
+  EXPECT_EQ(row, 0);
+  DialogPickerClick(picker, 5, 30);
+  EXPECT_EQ(way, 0);
+  DialogDestroy(dialog);
 }
 
 TEST_F(ValueControls, PickerCellsFollowTheGrid) {
