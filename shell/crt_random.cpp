@@ -7,7 +7,9 @@ uint32_t randomState = 1;
 
 namespace crt {
 
-void srand(uint32_t seed) { randomState = seed; }
+void srand(uint32_t seed) {
+  randomState = seed;
+}
 
 int rand() {
   randomState = randomState * 214013u + 2531011u;

@@ -26,7 +26,8 @@ constexpr uint64_t kMaxImageBytes = 0x7FFFFFFF;
 
 }  // namespace
 
-MovableHandle CreatePackedDib(int32_t width, int32_t height, const uint8_t* palette, int32_t depth) {
+MovableHandle CreatePackedDib(int32_t width, int32_t height, const uint8_t* palette,
+                              int32_t depth) {
   if (width < 0 || height < 0) return nullptr;
   uint16_t bits;
   uint32_t entries;
@@ -77,4 +78,6 @@ MovableHandle CopyMovableBlock(MovableHandle handle) {
   return CopyToMovableBlock(source.bytes, size);
 }
 
-MovableHandle DuplicateHandle(MovableHandle image) { return CopyMovableBlock(image); }
+MovableHandle DuplicateHandle(MovableHandle image) {
+  return CopyMovableBlock(image);
+}

@@ -36,7 +36,9 @@ inline uint32_t DibStride(int32_t width, int32_t bits) {
 }
 
 // Bytes of the colour table: the full 4 << bits for 8 bits or fewer, whatever biClrUsed says.
-inline uint32_t DibTableBytes(uint32_t bitCount) { return bitCount <= 8 ? 4u << bitCount : 0u; }
+inline uint32_t DibTableBytes(uint32_t bitCount) {
+  return bitCount <= 8 ? 4u << bitCount : 0u;
+}
 
 // The first byte of the bits: after biSize and the full table.
 inline uint8_t* DibBits(void* header) {
@@ -48,7 +50,9 @@ inline const uint8_t* DibBits(const void* header) {
 }
 
 // The colour table entries (blue, green, red, 0) of a picture of 8 bits or fewer.
-inline uint8_t* DibTable(void* header) { return static_cast<uint8_t*>(header) + kDibHeaderBytes; }
+inline uint8_t* DibTable(void* header) {
+  return static_cast<uint8_t*>(header) + kDibHeaderBytes;
+}
 
 // A zeroed image of the depth class of `depth` (0 and above 24: 32 bits; 1: 1 bit; 2 to 4: 4 bits;
 // 5 to 8: 8 bits; 9 to 24: 24 bits), with the first entries of `palette` (768 bytes of triples, or

@@ -1,0 +1,43 @@
+// Ids of dialogs and controls shared by the resource scripts and the code. Plain defines, so that
+// the resource compiler can read them too.
+#pragma once
+
+#define IDD_MAIN 1000
+// The text control of the boxes "MessageBox" and "YesnoBox".
+#define IDC_MESSAGE_TEXT 4000
+
+// Controls of the main dialog. An updown partner has the id of its edit field plus 10000.
+#define IDC_BUILD 1
+#define IDC_CANCEL 2
+#define IDC_HELP_BUTTON 9
+#define IDC_TRUE_COLOUR 10
+#define IDC_DELAY 11
+#define IDC_SIZE_LABEL 12
+#define IDC_PALETTE 13
+#define IDC_CUSTOM_PALETTE 14
+#define IDC_DITHER 15
+#define IDC_REGISTER 16
+#define IDC_LOGO 17
+#define IDC_ABOUT 18
+#define IDC_SUPERCOMPRESS 19
+#define IDC_ADD_COMMENT 20
+#define IDC_MASK_BACKGROUND 21
+#define IDC_ANIMATED 22
+#define IDC_PAUSE 23
+#define IDC_TEST 24
+#define IDC_SAMPLE 25
+#define IDC_TRANSPARENT 35
+#define IDC_OPEN_SAVE 36
+#define IDC_ANTIALIAS 51
+#define IDC_TEXT 52
+#define IDC_FONT 53
+#define IDC_BOLD 54
+#define IDC_ITALIC 55
+#define IDC_FONT_SIZE 57
+#define IDC_EFFECT 58
+#define IDC_PADDING 59
+#define IDC_CHARACTER_SPACE 61
+#define IDC_ALPHA_TRANSPARENCY 62
+#define IDC_ALPHA_BACKGROUND 63
+#define IDC_FIT_SAMPLE 64
+#define IDC_UPDOWN_OFFSET 10000
