@@ -9,6 +9,7 @@
 
 #include "controls/direction_picker.h"
 #include "documents/settings.h"
+#include "shell/host_interface.h"
 
 namespace {
 
@@ -361,16 +362,4 @@ void HandleValueCommand(WindowHandle dialog, int32_t id, int32_t notification) {
 
 void SetColourChooser(ColourChooser chooser) {
   g_chooser = chooser;
-}
-
-void BuildSwatchTable(uint8_t swatches[768]) {
-  static const uint8_t kLevels[8] = {0, 36, 72, 108, 144, 180, 216, 255};
-  for (int r = 0; r < 8; ++r)
-    for (int g = 0; g < 8; ++g)
-      for (int k = 0; k < 4; ++k) {
-        uint8_t* entry = swatches + ((r * 8 + g) * 4 + k) * 3;
-        entry[0] = kLevels[r];
-        entry[1] = kLevels[g];
-        entry[2] = static_cast<uint8_t>(k * 85);
-      }
 }

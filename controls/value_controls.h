@@ -65,12 +65,9 @@ int TakeControlLine(WindowHandle control, const char* line);
 // for ids of 50 and above. Ignored while the dialog is hidden.
 void HandleValueCommand(WindowHandle dialog, int32_t id, int32_t notification);
 
-// The 256 swatches a colour button offers, as red, green, blue triples: an 8 by 8 by 4 cube with
-// red and green on the levels 0, 36, ..., 216, 255 and blue on 0, 85, 170, 255.
-void BuildSwatchTable(uint8_t swatches[768]);
-
 // The colour chooser behind colour buttons (the host's, through its ChooseColour service): given
-// the current colour, the owner and the swatch table, returns nonzero with the chosen colour, or 0
-// when the user cancelled. Installed by the dialog's owner; without one a click changes nothing.
+// the current colour, the owner and the swatch table (BuildSwatchTable), returns nonzero with the
+// chosen colour, or 0 when the user cancelled. Installed by the dialog's owner; without one a click
+// changes nothing.
 typedef int (*ColourChooser)(WindowHandle owner, uint32_t* colour, const uint8_t* swatches);
 void SetColourChooser(ColourChooser chooser);

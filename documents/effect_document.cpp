@@ -8,13 +8,18 @@
 
 #include "controls/value_controls.h"
 #include "documents/settings.h"
+#include "shell/messages.h"
 
 namespace {
 
 constexpr char kProduct[] = "Glyph Motion 5 Plugin";
 constexpr char kMaker[] = "Cobalt Lanternary";
 
-DocumentMessageShower g_shower = nullptr;
+void ShowModal(WindowHandle window, const char* text) {
+  ShowMessage(window, text);
+}
+
+DocumentMessageShower g_shower = ShowModal;
 
 void Show(WindowHandle window, const char* text) {
   if (g_shower) g_shower(window, text);
@@ -38,7 +43,7 @@ char* PrepareLine(char* line) {
 }  // namespace
 
 void SetDocumentMessageShower(DocumentMessageShower shower) {
-  g_shower = shower;
+  g_shower = shower ? shower : ShowModal;
 }
 
 int SaveDocument(WindowHandle dialog, const char* path) {

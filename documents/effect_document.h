@@ -23,7 +23,6 @@ void LoadDocument(WindowHandle dialog, const char* path);
 // nothing, when the first line lacks the marks, else 1 after handing on every line.
 int LoadDocumentFrom(WindowHandle dialog, void* file);
 
-// How the two show a message: installed by the dialog's owner (the main dialog passes its modal
-// message box). Without one, messages are dropped.
+// How the two show a message: ShowMessage's modal box unless replaced (null puts it back).
 typedef void (*DocumentMessageShower)(WindowHandle window, const char* text);
 void SetDocumentMessageShower(DocumentMessageShower shower);

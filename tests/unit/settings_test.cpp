@@ -19,10 +19,8 @@ class Settings : public testing::Test {
     SetSettingsFolder(folder_.c_str());
     ResetSettings();
   }
-  void TearDown() override {
-    SetSettingsFolder(nullptr);
-    ResetSettings();
-  }
+  // The folder stays on the temporary one, so nothing later can write to the user's.
+  void TearDown() override { ResetSettings(); }
   std::string Path() const { return folder_ + "rfdplgm5.ini"; }
   void Load(const std::string& text, int shift = 0) {
     const std::string path = folder_ + "lines.ini";

@@ -8,6 +8,7 @@
 #include "controls/direction_picker.h"
 #include "controls/page_setup.h"
 #include "documents/settings.h"
+#include "shell/host_interface.h"
 #include "tests/support/alloc_sweep.h"
 #include "tests/support/value_dialog.h"
 
