@@ -29,7 +29,21 @@ const KindTag kTags[] = {
     {kControlMaterialButton, "MATLBT"},
 };
 
-ColourChooser g_chooser = nullptr;
+// The host's colour dialog, offered the swatch cube; the owner is the button's dialog.
+int ChooseColourFromHost(WindowHandle owner, uint32_t* colour, const uint8_t* swatches) {
+  ColourRequest request = {};
+  request.size = sizeof request;
+  request.version = kInterfaceVersion;
+  request.palette = const_cast<uint8_t*>(swatches);
+  request.bits = 24;
+  request.colour = *colour;
+  request.owner = owner;
+  if (!CallHost(nullptr, HostOpChooseColour, 0, reinterpret_cast<uint64_t>(&request))) return 0;
+  *colour = request.colour;
+  return 1;
+}
+
+ColourChooser g_chooser = ChooseColourFromHost;
 
 // A control's whole window text.
 std::string TextOf(WindowHandle control) {
@@ -344,7 +358,7 @@ void HandleValueCommand(WindowHandle dialog, int32_t id, int32_t notification) {
       if (uint32_t* setting = static_cast<uint32_t*>(DialogGetUserData(control))) colour = *setting;
       uint8_t swatches[768] = {};
       BuildSwatchTable(swatches);
-      if (!g_chooser || !g_chooser(dialog, &colour, swatches)) return;
+      if (!g_chooser(dialog, &colour, swatches)) return;
       if (uint32_t* setting = static_cast<uint32_t*>(DialogGetUserData(control))) *setting = colour;
       SetDialogItemInt(dialog, id, colour, 0);
       break;
@@ -361,5 +375,5 @@ void HandleValueCommand(WindowHandle dialog, int32_t id, int32_t notification) {
 }
 
 void SetColourChooser(ColourChooser chooser) {
-  g_chooser = chooser;
+  g_chooser = chooser ? chooser : ChooseColourFromHost;
 }

@@ -65,9 +65,8 @@ int TakeControlLine(WindowHandle control, const char* line);
 // for ids of 50 and above. Ignored while the dialog is hidden.
 void HandleValueCommand(WindowHandle dialog, int32_t id, int32_t notification);
 
-// The colour chooser behind colour buttons (the host's, through its ChooseColour service): given
-// the current colour, the owner and the swatch table (BuildSwatchTable), returns nonzero with the
-// chosen colour, or 0 when the user cancelled. Installed by the dialog's owner; without one a click
-// changes nothing.
+// The colour chooser behind colour buttons: given the current colour, the owner and the swatch
+// table (BuildSwatchTable), returns nonzero with the chosen colour, or 0 when the user cancelled.
+// The host's HostOpChooseColour unless replaced; null puts it back.
 typedef int (*ColourChooser)(WindowHandle owner, uint32_t* colour, const uint8_t* swatches);
 void SetColourChooser(ColourChooser chooser);

@@ -45,7 +45,9 @@ int ChooseTeal(WindowHandle, uint32_t* colour, const uint8_t* swatches) {
   *colour = 0x808000;
   return 1;
 }
-int Cancel(WindowHandle, uint32_t*, const uint8_t*) { return 0; }
+int Cancel(WindowHandle, uint32_t*, const uint8_t*) {
+  return 0;
+}
 
 }  // namespace
 
@@ -128,6 +130,8 @@ TEST_F(ValueControls, AnEmptyTextDisablesBuildAndAComboChoiceKeepsItDisabled) {
 }
 
 TEST_F(ValueControls, ColourButtonsStoreOnlyAChosenColour) {
+  DialogNotify(dialog_, 106, 0);  // no host to ask: as if cancelled
+  EXPECT_EQ(*SettingInteger("Style000OutlineColor"), 3355443);
   SetColourChooser(Cancel);
   DialogNotify(dialog_, 106, 0);
   EXPECT_EQ(*SettingInteger("Style000OutlineColor"), 3355443);
