@@ -29,7 +29,7 @@ int ChangeOne(WindowHandle control, void* param) {
       break;
     }
     case kControlColourButton:
-      SetDialogItemInt(dialog, id, static_cast<uint32_t>(step * 2654435) & 0xFFFFFF, 0);
+      SetDialogItemInt(dialog, id, (static_cast<uint32_t>(step) * 2654435u) & 0xFFFFFF, 0);
       break;
     case kControlCheckBox:
       DialogSetCheck(control, step % 2);
