@@ -9,8 +9,11 @@
 #include <string>
 
 #include "controls/direction_picker.h"
+#include "controls/picker_strips.h"
 #include "controls/value_controls.h"
 #include "platform/dialog.h"
+#include "platform/memory.h"
+#include "shell/packed_dib.h"
 
 namespace {
 
@@ -78,60 +81,16 @@ LRESULT CALLBACK KindProc(HWND window, UINT message, WPARAM wParam, LPARAM lPara
 // ---- Pickers
 // -------------------------------------------------------------------------------------
 
-// The direction each cell's picture points to, as (dx, dy); SCRLHV's cells show both ways.
-struct CellArrow {
-  int dx;
-  int dy;
-  int both;
-};
-
-CellArrow ArrowOf(ControlKind kind, int cell) {
-  static const CellArrow shadow[8] = {{-1, -1, 0}, {0, -1, 0}, {1, -1, 0}, {1, 0, 0},
-                                      {-1, 0, 0},  {-1, 1, 0}, {0, 1, 0},  {1, 1, 0}};
-  static const CellArrow four[4] = {{0, -1, 0}, {1, 0, 0}, {-1, 0, 0}, {0, 1, 0}};
-  static const CellArrow two[2] = {{-1, 0, 0}, {1, 0, 0}};
-  static const CellArrow hv[2] = {{1, 0, 1}, {0, 1, 1}};
-  switch (kind) {
-    case kControlShadowPicker:
-      return shadow[cell & 7];
-    case kControlScroll4Picker:
-      return four[cell & 3];
-    case kControlScroll2Picker:
-      return two[cell & 1];
-    default:
-      return hv[cell & 1];
-  }
-}
-
-// Draws one arrow in a square of `side` pixels at (left, top): a shaft and a filled head.
-void DrawArrowHead(HDC dc, int cx, int cy, int dx, int dy, int length) {
-  // Head: a triangle whose point is `length` from the centre in the arrow's direction.
-  const int tipX = cx + dx * length, tipY = cy + dy * length;
-  const int baseX = cx + dx * (length / 3), baseY = cy + dy * (length / 3);
-  const int wing = length / 2 + 1;
-  // The wings are perpendicular to the direction (-dy, dx); diagonal arrows share the rule.
-  POINT head[3] = {
-      {tipX, tipY}, {baseX - dy * wing, baseY + dx * wing}, {baseX + dy * wing, baseY - dx * wing}};
-  Polygon(dc, head, 3);
-}
-
-void DrawCellPicture(HDC dc, ControlKind kind, int cell, int left, int top, int side) {
-  const CellArrow arrow = ArrowOf(kind, cell);
-  const int cx = left + side / 2, cy = top + side / 2;
-  const int length = side / 2 - 1;
-  HPEN pen = CreatePen(PS_SOLID, 2, RGB(0, 0, 0));
-  HBRUSH brush = CreateSolidBrush(RGB(0, 0, 0));
-  HGDIOBJ oldPen = SelectObject(dc, pen);
-  HGDIOBJ oldBrush = SelectObject(dc, brush);
-  const int tail = arrow.both ? length : 0;
-  MoveToEx(dc, cx - arrow.dx * tail, cy - arrow.dy * tail, nullptr);
-  LineTo(dc, cx + arrow.dx * (length - 2), cy + arrow.dy * (length - 2));
-  DrawArrowHead(dc, cx, cy, arrow.dx, arrow.dy, length);
-  if (arrow.both) DrawArrowHead(dc, cx, cy, -arrow.dx, -arrow.dy, length);
-  SelectObject(dc, oldBrush);
-  SelectObject(dc, oldPen);
-  DeleteObject(brush);
-  DeleteObject(pen);
+// Copies the cell's picture, the square of side h - 4 at (h * cell + 2, 2) of the strip, to
+// (left, top). A strip that couldn't be made leaves the cell without a picture.
+void CopyCellPicture(HDC dc, MovableHandle strip, int32_t cell, int left, int top) {
+  ScopedLock lock(strip);
+  if (!lock) return;
+  const int h = kPickerStripHeight;
+  const BITMAPINFO* info = reinterpret_cast<const BITMAPINFO*>(lock.bytes);
+  // Rows of a bottom-up DIB count from the bottom: the square's last row is 2 above it.
+  SetDIBitsToDevice(dc, left, top, h - 4, h - 4, h * cell + 2, 2, 0, h, DibBits(lock.bytes), info,
+                    DIB_RGB_COLORS);
 }
 
 void PaintPicker(HWND window, ControlKind kind) {
@@ -140,6 +99,9 @@ void PaintPicker(HWND window, ControlKind kind) {
   int32_t value = -1;
   const PickerShape* shape = FindPickerShape(kind);
   if (dc && shape && PickerValue(AsHandle(window), &value)) {
+    // Each strip is drawn on the fill of the cells it serves: pressed or raised.
+    MovableHandle pressed = CreatePickerStrip(kind, GetSysColor(COLOR_BTNSHADOW));
+    MovableHandle raised = CreatePickerStrip(kind, GetSysColor(COLOR_BTNFACE));
     for (int32_t cell = 0; cell < shape->cellCount; ++cell) {
       RECT r = {shape->left[cell], shape->top[cell], shape->left[cell] + kPickerCellSide,
                 shape->top[cell] + kPickerCellSide};
@@ -154,9 +116,11 @@ void PaintPicker(HWND window, ControlKind kind) {
         inset = 1;
       }
       // A selected cell's picture moves one pixel down and right, so it looks pressed.
-      const int side = kPickerCellSide - 4;
-      DrawCellPicture(dc, kind, cell, r.left + inset + 1, r.top + inset + 1, side - 2);
+      CopyCellPicture(dc, cell == value ? pressed : raised, cell, r.left + inset + 1,
+                      r.top + inset + 1);
     }
+    MovableFree(pressed);
+    MovableFree(raised);
   }
   EndPaint(window, &paint);
 }
