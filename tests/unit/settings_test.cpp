@@ -118,6 +118,9 @@ TEST_F(Settings, ShortKeysMatchTheFirstRowThatStartsWithThem) {
   EXPECT_EQ(*SettingInteger("MainDelay"), 42);
   EXPECT_EQ(*SettingInteger("MainPause"), 0);  // one run of "=" only
   EXPECT_EQ(*SettingInteger("MainEffect"), 12);
+  // A key of no characters is a prefix of every key: a blank line sets the first row.
+  Load("\n");
+  EXPECT_EQ(*SettingInteger("AddDescriptiveCommentBlock"), 0);
 }
 
 TEST_F(Settings, LongLinesArriveInPiecesAndStringsKeep260Characters) {
