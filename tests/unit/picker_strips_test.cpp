@@ -34,6 +34,7 @@ int Mirrored(const void* strip, int32_t a, int32_t b, int vertical) {
 TEST(PickerStrips, OnePictureACellWithOppositesMirrored) {
   MovableHandle shadow = CreatePickerStrip(kControlShadowPicker, kFill);
   ASSERT_NE(shadow, nullptr);
+  ScopedBlock owner(shadow);
   ScopedLock lock(shadow);
   const BitmapInfoHeader* header = reinterpret_cast<const BitmapInfoHeader*>(lock.bytes);
   EXPECT_EQ(header->biWidth, 8 * kSide);
@@ -57,7 +58,6 @@ TEST(PickerStrips, OnePictureACellWithOppositesMirrored) {
   EXPECT_EQ(ReadDibPixel(lock.bytes, 1 * kSide + 12, 20), 0u);  // the tail
   EXPECT_EQ(ReadDibPixel(lock.bytes, 3 * kSide + 15, 9), 0u);
   EXPECT_EQ(ReadDibPixel(lock.bytes, 3 * kSide + 5, 9), kFill);
-  MovableFree(shadow);
 }
 
 TEST(PickerStrips, EveryPickerKindHasItsStripAndOthersNone) {
