@@ -142,7 +142,6 @@ struct UnboundDefault {
 constexpr UnboundDefault kUnboundStyleDefaults[] = {
     {"Style002Width", 192},
     {"Style002Depth", 192},
-    {"Style003ShadowColor", 8355711},
     {"Style006Frames", 100},
     {"Style006FrameBackground", 0xFFFFFF},
     {"Style009FillOpacity", 255},

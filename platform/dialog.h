@@ -51,6 +51,9 @@ enum ControlKind : int32_t {
 // dialog finds the first control with an id. `text` is the caption or initial text.
 WindowHandle DialogCreate();
 WindowHandle DialogAddControl(WindowHandle dialog, int32_t id, ControlKind kind, const char* text);
+// Gives an existing control (one of a dialog resource) the behaviour of `kind`: on Windows it is
+// subclassed with the kind's class procedure, which from then on marks its kind.
+void DialogSetControlKind(WindowHandle control, ControlKind kind);
 // Destroys a dialog made by DialogCreate with all its controls. A null handle is accepted.
 void DialogDestroy(WindowHandle dialog);
 

@@ -89,6 +89,10 @@ WindowHandle DialogAddControl(WindowHandle dialog, int32_t id, ControlKind kind,
   return control;
 }
 
+void DialogSetControlKind(WindowHandle control, ControlKind kind) {
+  if (control) control->kind = kind;
+}
+
 void DialogDestroy(WindowHandle dialog) {
   HeadlessDialogDestroy(dialog);
 }

@@ -364,14 +364,22 @@ WindowHandle DialogAddControl(WindowHandle dialog, int32_t id, ControlKind kind,
       kind == kControlComboList || kind == kControlFontBox ? 200 : pickerSide, AsWindow(dialog),
       reinterpret_cast<HMENU>(static_cast<intptr_t>(id)), GetModuleHandleA(nullptr), nullptr);
   if (!control) return nullptr;
-  SetPropA(control, kKindProp, reinterpret_cast<HANDLE>(static_cast<intptr_t>(kind) + 1));
   if (kind == kControlUpDown) SetWindowTextA(control, text ? text : "");
-  if (WNDPROC procedure = ProcedureOf(kind)) {
-    const LONG_PTR base =
-        SetWindowLongPtrA(control, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(procedure));
-    SetPropA(control, kBaseProcProp, reinterpret_cast<HANDLE>(base));
-  }
+  DialogSetControlKind(AsHandle(control), kind);
   return AsHandle(control);
+}
+
+void DialogSetControlKind(WindowHandle handle, ControlKind kind) {
+  HWND control = AsWindow(handle);
+  if (!control) return;
+  SetPropA(control, kKindProp, reinterpret_cast<HANDLE>(static_cast<intptr_t>(kind) + 1));
+  WNDPROC procedure = ProcedureOf(kind);
+  // A control keeps its first base procedure: subclassing twice would chain a class procedure
+  // to another one.
+  if (!procedure || GetPropA(control, kBaseProcProp)) return;
+  const LONG_PTR base =
+      SetWindowLongPtrA(control, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(procedure));
+  SetPropA(control, kBaseProcProp, reinterpret_cast<HANDLE>(base));
 }
 
 void DialogDestroy(WindowHandle dialog) {

@@ -205,6 +205,23 @@ TEST(ValueControlKinds, SignedSpinListBoxAndHvPickerKeepTheirValues) {
   DialogDestroy(dialog);
 }
 
+TEST(ValueControlKinds, AControlOfAResourceTakesItsKindLater) {
+  WindowHandle dialog = DialogCreate();
+  ASSERT_NE(dialog, nullptr);
+  WindowHandle field = DialogAddControl(dialog, 52, kControlOther, "Hello");
+  char line[64];
+  EXPECT_EQ(FormatControlLine(field, line, sizeof line), 0u);
+  DialogSetControlKind(field, kControlTextField);
+  EXPECT_EQ(DialogControlKind(field), kControlTextField);
+  EXPECT_TRUE(DialogWriteLine(field, nullptr) == 0);  // no file, no line
+  FormatControlLine(field, line, sizeof line);
+  EXPECT_STREQ(line, "TXTFLD52=Hello");
+  EXPECT_EQ(DialogReadLine(field, "TXTFLD52=Bye"), 1);
+  DialogGetText(field, line, sizeof line);
+  EXPECT_STREQ(line, "Bye");
+  DialogDestroy(dialog);
+}
+
 TEST_F(ValueControls, PickerCellsFollowTheGrid) {
   const PickerShape* shadow = FindPickerShape(kControlShadowPicker);
   EXPECT_EQ(PickerCellAt(shadow, 24, 24), 0);
