@@ -18,6 +18,8 @@ struct CommandName {
 
 const CommandName kCommands[] = {
     {"effects", CommandEffects},
+    {"settings", CommandSettings},
+    {"save-document", CommandSaveDocument},
 };
 
 // Switches that set one field to 1, with a --no- form that sets it to 0.
@@ -182,8 +184,17 @@ const char* Gm5Usage() {
          "\n"
          "commands:\n"
          "  effects                      list the effects, one per line: row and name\n"
+         "  settings [KEY]               each setting's value and default (or only KEY's)\n"
+         "  save-document OUT.gm5        write the state the options give as an effect document\n"
          "\n"
          "options:\n"
+         "      --defaults               start from the built-in defaults, not the configuration\n"
+         "      --set KEY=VALUE          set a setting by its configuration key\n"
+         "      --control ID=VALUE       set a control by its id, as a document line would\n"
+         "      --effect NAME            the effect, by its name in the Effect box (any case)\n"
+         "      --text TEXT, --font NAME, --size N\n"
+         "      --bold, --italic, --true-color, --custom-palette, --dither, --transparent,\n"
+         "      --supercompress, --alpha (and each with --no- to turn it off)\n"
          "  -h, --help                   this text\n"
          "      --version                the program's version\n"
          "\n"

@@ -11,6 +11,8 @@
 enum Gm5Command : int32_t {
   CommandNone = 0,  // no command: --help or --version alone
   CommandEffects,
+  CommandSettings,
+  CommandSaveDocument,
 };
 
 struct CommandLine {

@@ -3,8 +3,11 @@
 #include <csignal>
 #include <cstdio>
 #include <string>
+#include <strings.h>
 
 #include "cli/command_line.h"
+#include "cli/dialog_state.h"
+#include "cli/settings_command.h"
 #include "host/writers/output_file.h"
 #include "shell/effect_table.h"
 
@@ -25,6 +28,38 @@ int Fail(const std::string& message) {
 int ListEffects() {
   for (int32_t row = 0; row < kEffectCount; ++row) printf("%2d %s\n", row, EffectTable[row].name);
   return 0;
+}
+
+// Nonzero when options other than those choosing the settings were given.
+int HasOptionsBeyondSettings(CommandLine line) {
+  line.defaults = 0;
+  line.settings.clear();
+  return HasBuildOptions(line);
+}
+
+int ShowSettings(const CommandLine& line) {
+  std::string error;
+  if (line.arguments.size() > 1) return Fail("settings takes at most one key");
+  if (HasOptionsBeyondSettings(line)) return Fail("settings takes only --defaults and --set");
+  if (!PrepareSettings(line, &error) ||
+      !PrintSettings(stdout, line.arguments.empty() ? std::string() : line.arguments[0], &error))
+    return Fail(error);
+  return 0;
+}
+
+int WriteDocument(const CommandLine& line) {
+  std::string error;
+  if (line.arguments.size() != 1) return Fail("save-document takes one file name: OUT.gm5");
+  if (!line.output.empty()) return Fail("save-document writes the file it is given, not -o");
+  const std::string& path = line.arguments[0];
+  if (path.size() < 4 || strcasecmp(path.c_str() + path.size() - 4, ".gm5") != 0)
+    return Fail("unknown output type: " + path + " (a document is written as .gm5)");
+  if (!PrepareSettings(line, &error)) return Fail(error);
+  WindowHandle dialog = CreateRunDialog(line, &error);
+  if (!dialog) return Fail(error);
+  int ok = SaveRunDocument(dialog, path, &error);
+  DialogDestroy(dialog);
+  return ok ? 0 : Fail(error);
 }
 
 }  // namespace
@@ -51,6 +86,12 @@ int main(int argc, char** argv) {
       if (!line.arguments.empty()) return Fail("effects takes no arguments");
       if (HasBuildOptions(line)) return Fail("effects takes no options");
       status = ListEffects();
+      break;
+    case CommandSettings:
+      status = ShowSettings(line);
+      break;
+    case CommandSaveDocument:
+      status = WriteDocument(line);
       break;
   }
   if (fflush(stdout) != 0) return Fail("cannot write the standard output");

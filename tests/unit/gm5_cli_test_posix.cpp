@@ -1,10 +1,14 @@
 // gm5's command line: option forms and their errors, effect names, the progress line, and the
 // program itself run as a user would (output, exit status and one-line messages).
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -196,4 +200,76 @@ TEST(InProcessHost, ServesTheEngineAndShowsItsProgress) {
   EXPECT_EQ(InProcessDelayMilliseconds(&colour), 1);
   EXPECT_EQ(InProcessResult(&colour), nullptr);
   EndInProcessHost(&colour);
+}
+
+TEST(Gm5Program, SettingsShowValuesBesideDefaults) {
+  ProgramRun delay = RunGm5("settings MainDelay --defaults --set MainDelay=9");
+  EXPECT_EQ(delay.status, 0);
+  EXPECT_EQ(delay.out, "MainDelay=9 (default 5)\n");
+  ProgramRun all = RunGm5("settings --defaults");
+  EXPECT_EQ(all.status, 0);
+  EXPECT_NE(all.out.find("\nMainText=This space for rent... (default This space for rent...)\n"),
+            std::string::npos);
+
+  const struct {
+    const char* arguments;
+    const char* message;
+  } failures[] = {
+      {"settings Nope --defaults", "gm5: unknown setting: Nope\n"},
+      {"settings --defaults --set MainDelay=x", "gm5: bad value for MainDelay: x\n"},
+      {"settings --defaults --set MainDither=2", "gm5: bad value for MainDither: 2\n"},
+      {"settings --defaults --set Nope=1", "gm5: unknown setting: Nope\n"},
+      {"settings --defaults --dither", "gm5: settings takes only --defaults and --set\n"},
+  };
+  for (const auto& f : failures) {
+    ProgramRun run = RunGm5(f.arguments);
+    EXPECT_EQ(run.status, 1) << f.arguments;
+    EXPECT_EQ(run.out, f.message);
+  }
+}
+
+TEST(Gm5Program, SaveDocumentWritesTheOptionsStateOrNothing) {
+  namespace fs = std::filesystem;
+  fs::path folder = fs::temp_directory_path() / ("gm5-documents-" + std::to_string(getpid()));
+  fs::remove_all(folder);
+  fs::create_directories(folder);
+  const std::string out = (folder / "a.gm5").string();
+  ProgramRun saved =
+      RunGm5("save-document " + out +
+             " --defaults --effect 'unplugged tv' --text Hello --dither --font 'DejaVu Sans'"
+             " --control 22=0");
+  EXPECT_EQ(saved.status, 0) << saved.out;
+  std::ifstream in(out);
+  std::string document((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  for (const char* line : {"\nCMBBOX58=17\n", "\nTXTFLD52=Hello\n", "\nCHKBOX15=1\n",
+                           "\nCHKBOX22=0\n", "\nCHKBOX19=0\n", "\nFNTBOX53=DejaVu Sans\n"})
+    EXPECT_NE(document.find(line), std::string::npos) << line;
+
+  const std::string failing = (folder / "b.gm5").string();
+  const struct {
+    std::string arguments;
+    std::string message;
+  } failures[] = {
+      {"--effect Bogus", "gm5: unknown effect: Bogus (see gm5 effects)\n"},
+      {"--control 99999=1", "gm5: unknown control: 99999\n"},
+      {"--control 15=2", "gm5: bad value for control 15: 2\n"},
+      {"--control 58=21", "gm5: bad value for control 58: 21\n"},
+  };
+  for (const auto& f : failures) {
+    ProgramRun run = RunGm5("save-document " + failing + " --defaults " + f.arguments);
+    EXPECT_EQ(run.status, 1) << f.arguments;
+    EXPECT_EQ(run.out, f.message);
+  }
+  ProgramRun text = RunGm5("save-document " + (folder / "c.txt").string() + " --defaults");
+  EXPECT_EQ(text.out, "gm5: unknown output type: " + (folder / "c.txt").string() +
+                          " (a document is written as .gm5)\n");
+  const std::string nowhere = (folder / "none" / "d.gm5").string();
+  ProgramRun missing = RunGm5("save-document " + nowhere + " --defaults");
+  EXPECT_EQ(missing.out,
+            "gm5: cannot write " + nowhere + ": no folder " + (folder / "none").string() + "\n");
+  std::vector<std::string> names;
+  for (const auto& entry : fs::directory_iterator(folder))
+    names.push_back(entry.path().filename().string());
+  EXPECT_EQ(names, std::vector<std::string>{"a.gm5"});
+  fs::remove_all(folder);
 }

@@ -1,0 +1,25 @@
+// The main dialog that gm5 runs the engine on: every control, set from the settings, then the
+// command line's options applied to their controls, each through the control's own document line
+// so that it is checked, clamped and stored exactly as a loaded document would be.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "cli/command_line.h"
+#include "platform/dialog.h"
+
+// Sets control `id` from `value` as written in a document (numbers in decimal, checks 0 or 1, list
+// rows from 0, texts as they are). Returns 0 with a one-line `error` for an unknown control or a
+// bad value.
+int ApplyControlText(WindowHandle dialog, int32_t id, const std::string& value, std::string* error);
+
+// A dialog set from the current settings, then from the options (--effect, --text, --font,
+// --size, --bold, --italic, --true-color, --custom-palette, --dither, --transparent,
+// --supercompress, --alpha) and every --control in order. Null with `error` on failure; free with
+// DialogDestroy.
+WindowHandle CreateRunDialog(const CommandLine& line, std::string* error);
+
+// Writes the dialog's state as an effect document at `path`, whole or not at all. Returns 0 with
+// `error` on failure.
+int SaveRunDocument(WindowHandle dialog, const std::string& path, std::string* error);
