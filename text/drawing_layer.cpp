@@ -25,3 +25,13 @@ uint64_t DispatchDraw(DrawRequest* request) {
       return 0;
   }
 }
+
+DrawShapeBox DrawShapeGeometry(const DrawRequest* r) {
+  DrawShapeBox box;
+  box.width = r->bounds.right - r->bounds.left + 8;
+  box.height = r->bounds.bottom - r->bounds.top + 8;
+  box.c = r->shapePenWidth / 2 + 4;
+  box.w = box.width - r->shapePenWidth - 8;
+  box.h = box.height - r->shapePenWidth - 8;
+  return box;
+}

@@ -64,6 +64,13 @@ enum DrawOperation : int32_t {
   kDrawGradient = 8,
 };
 
+// The bitmap of the ellipse and rectangle operations is the bounds plus 8 each way; the shape sits
+// at (c, c), w by h, inside the pen and the margin.
+struct DrawShapeBox {
+  int32_t width, height, c, w, h;
+};
+DrawShapeBox DrawShapeGeometry(const DrawRequest* request);
+
 // Performs the operation the request names. Start-up and shutdown return 1; drawing operations
 // return a Packed DIB handle (as an integer) or 0; an unknown code returns 0 and does nothing.
 uint64_t DispatchDraw(DrawRequest* request);

@@ -83,21 +83,6 @@ void PaintPath(cairo_t* cr, int32_t outline, int32_t fill, double penWidth,
   cairo_new_path(cr);
 }
 
-// The box of ellipse and rectangle: (c, c) with the bounds less the pen and the margin.
-struct ShapeBox {
-  int32_t width, height, c, w, h;
-};
-
-ShapeBox ShapeGeometry(const DrawRequest* r) {
-  ShapeBox box;
-  box.width = r->bounds.right - r->bounds.left + 8;
-  box.height = r->bounds.bottom - r->bounds.top + 8;
-  box.c = r->shapePenWidth / 2 + 4;
-  box.w = box.width - r->shapePenWidth - 8;
-  box.h = box.height - r->shapePenWidth - 8;
-  return box;
-}
-
 void EllipsePath(cairo_t* cr, double x, double y, double w, double h) {
   cairo_save(cr);
   cairo_translate(cr, x + w / 2, y + h / 2);
@@ -169,7 +154,7 @@ uint64_t DrawingLine(DrawRequest* r) {
 }
 
 uint64_t DrawingEllipse(DrawRequest* r) {
-  const ShapeBox box = ShapeGeometry(r);
+  const DrawShapeBox box = DrawShapeGeometry(r);
   Canvas canvas;
   if (!OpenCanvas(&canvas, box.width, box.height)) return 0;
   SetAntialias(&canvas, r->antialias > 0);
@@ -179,7 +164,7 @@ uint64_t DrawingEllipse(DrawRequest* r) {
 }
 
 uint64_t DrawingRectangle(DrawRequest* r) {
-  const ShapeBox box = ShapeGeometry(r);
+  const DrawShapeBox box = DrawShapeGeometry(r);
   Canvas canvas;
   if (!OpenCanvas(&canvas, box.width, box.height)) return 0;
   SetAntialias(&canvas, r->antialias > 0);

@@ -39,20 +39,6 @@ GpSolidFill* MakeBrush(uint32_t colour) {
   return brush;
 }
 
-struct ShapeBox {
-  int32_t width, height, c, w, h;
-};
-
-ShapeBox ShapeGeometry(const DrawRequest* r) {
-  ShapeBox box;
-  box.width = r->bounds.right - r->bounds.left + 8;
-  box.height = r->bounds.bottom - r->bounds.top + 8;
-  box.c = r->shapePenWidth / 2 + 4;
-  box.w = box.width - r->shapePenWidth - 8;
-  box.h = box.height - r->shapePenWidth - 8;
-  return box;
-}
-
 }  // namespace
 
 void OpenGdiplusCanvas(GdiplusCanvas* canvas, int32_t width, int32_t height) {
@@ -158,7 +144,7 @@ uint64_t DrawingLine(DrawRequest* r) {
 }
 
 uint64_t DrawingEllipse(DrawRequest* r) {
-  const ShapeBox box = ShapeGeometry(r);
+  const DrawShapeBox box = DrawShapeGeometry(r);
   GdiplusCanvas canvas;
   PrepareCanvas(&canvas, box.width, box.height, r->antialias, true);
   if (r->shapeOutline != kNoColour) {
@@ -176,7 +162,7 @@ uint64_t DrawingEllipse(DrawRequest* r) {
 }
 
 uint64_t DrawingRectangle(DrawRequest* r) {
-  const ShapeBox box = ShapeGeometry(r);
+  const DrawShapeBox box = DrawShapeGeometry(r);
   GdiplusCanvas canvas;
   PrepareCanvas(&canvas, box.width, box.height, r->antialias, true);
   GpPen* pen = r->shapeOutline != kNoColour ? MakePen(static_cast<uint32_t>(r->shapeOutline),

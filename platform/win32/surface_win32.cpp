@@ -109,20 +109,26 @@ int SurfacePolygon(RenderSurface* surface, const SurfacePoint* points, int32_t c
   return drawn ? 1 : 0;
 }
 
-int SurfaceEllipse(RenderSurface* surface, const SurfaceRect* box, const SurfacePaint* paint) {
+namespace {
+
+// Ellipse and Rectangle: one GDI call in a box with the paint's brush and pen selected.
+int PaintBoxShape(RenderSurface* surface, const SurfaceRect* box, const SurfacePaint* paint,
+                  BOOL(WINAPI* shape)(HDC, int, int, int, int)) {
   HDC dc = MemoryDc(surface);
   if (!dc) return 0;
   ScopedSelect brush(dc, MakeBrush(paint), paint->brush != kSurfaceNone);
   ScopedSelect pen(dc, MakePen(paint), paint->pen != kSurfaceNone);
-  return Ellipse(dc, box->left, box->top, box->right, box->bottom) ? 1 : 0;
+  return shape(dc, box->left, box->top, box->right, box->bottom) ? 1 : 0;
+}
+
+}  // namespace
+
+int SurfaceEllipse(RenderSurface* surface, const SurfaceRect* box, const SurfacePaint* paint) {
+  return PaintBoxShape(surface, box, paint, Ellipse);
 }
 
 int SurfaceRectangle(RenderSurface* surface, const SurfaceRect* box, const SurfacePaint* paint) {
-  HDC dc = MemoryDc(surface);
-  if (!dc) return 0;
-  ScopedSelect brush(dc, MakeBrush(paint), paint->brush != kSurfaceNone);
-  ScopedSelect pen(dc, MakePen(paint), paint->pen != kSurfaceNone);
-  return Rectangle(dc, box->left, box->top, box->right, box->bottom) ? 1 : 0;
+  return PaintBoxShape(surface, box, paint, Rectangle);
 }
 
 int SurfaceLine(RenderSurface* surface, int32_t x0, int32_t y0, int32_t x1, int32_t y1,
