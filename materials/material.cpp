@@ -1,0 +1,63 @@
+// The material record's defaults and MaterialFill. A fill allocates the result first, renders the
+// kind's source image, then copies it pixel by pixel so that any source depth becomes 24 bits.
+// Nothing is cached: every call renders anew.
+#include "materials/material.h"
+
+#include <cstring>
+
+#include "shell/packed_dib.h"
+#include "text/image_copy.h"
+
+void InitMaterial(Material* material) {
+  std::memset(material, 0, sizeof(*material));
+  std::memcpy(material->magic, "COBLCMAT", 8);
+  material->size = kMaterialSize;
+  material->version = kMaterialVersion;
+  material->solidColour = 0x808080;
+
+  GradientSpec& g = material->gradient;
+  g.type = kGradientLinear;
+  g.startColour = 0x404040;
+  g.endColour = 0xC0C0C0;
+  g.midpoint = 50;
+  g.twoColour = 1;
+  InitFountainGradient(&material->fountain, 2);
+  material->kind = kMaterialSimple;
+}
+
+MovableHandle MaterialFill(Material* material, int32_t width, int32_t height) {
+  if (!material) return nullptr;
+  ScopedBlock image(CreatePackedDib(width, height, nullptr, 24));
+  if (!image.handle) return nullptr;
+
+  MovableHandle source = nullptr;
+  switch (material->kind) {
+    case kMaterialSimple: {
+      ScopedLock pixels(image.handle);
+      if (!pixels) return nullptr;
+      for (int32_t y = 0; y < height; ++y)
+        for (int32_t x = 0; x < width; ++x)
+          WriteDibPixel(pixels.bytes, x, y, material->solidColour);
+      return image.Release();
+    }
+    case kMaterialGradient:
+      source = MakeGradientImage(width, height, &material->gradient, &material->fountain);
+      break;
+    case kMaterialTexture:
+      return nullptr;
+    case kMaterialTile:
+      material->tileRect[0] = 0;
+      material->tileRect[1] = 0;
+      material->tileRect[2] = width;
+      material->tileRect[3] = height;
+      return nullptr;
+    default:
+      return image.Release();  // an unknown kind fills black rather than failing
+  }
+  ScopedBlock owner(source);
+  if (!source) return nullptr;
+  ScopedLock sourcePixels(source);
+  if (!sourcePixels) return nullptr;
+  CopyImageRect(image.handle, 0, 0, source, 0, 0, width, height);
+  return image.Release();
+}

@@ -1,0 +1,29 @@
+// The material button's record, shared by every platform: the block a button holds, made from its
+// creation colour, and the button's line in an effect document ("MATLBT<id>=" and the record's
+// 1282 bytes as upper-case hex). A button owns its block and the handles inside it.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "materials/material.h"
+#include "platform/memory.h"
+
+constexpr const char kMaterialLineKey[] = "MATLBT";
+constexpr uint32_t kMaterialHexDigits = kMaterialSize * 2;
+
+// A new block holding a default Material whose Simple colour is `creationColour`, or null.
+MovableHandle CreateButtonMaterial(uint32_t creationColour);
+// Frees the record's tile and preview images, then the block. A null handle is accepted.
+void FreeButtonMaterial(MovableHandle material);
+
+// The document line of the button `controlId` holding `material`, ending in a newline; empty when
+// the block cannot be read.
+std::string MaterialDocumentLine(int32_t controlId, MovableHandle material);
+
+// Reads a document line into a new block. A line that does not begin with "MATLBT" (any case), or
+// whose text after "=" and blanks holds a character other than a hex digit, fails and leaves
+// `*material` as it was. Short text decodes as far as it goes, the rest of the record zero. The
+// run-time handles in the text belong to the run that wrote it and are cleared. On success the old
+// block and its images are freed and `*material` is the new block. Returns 1 or 0.
+int ReadMaterialDocumentLine(const char* line, MovableHandle* material);
