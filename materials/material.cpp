@@ -3,6 +3,7 @@
 // Nothing is cached: every call renders anew.
 #include "materials/material.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "shell/packed_dib.h"
@@ -25,6 +26,37 @@ void InitMaterial(Material* material) {
   material->kind = kMaterialSimple;
 }
 
+namespace {
+
+constexpr size_t kTextureRectOffset = 4;  // after the texture's type
+
+}  // namespace
+
+MovableHandle CentredCrop(MovableHandle square, int32_t width, int32_t height) {
+  int32_t side, depth;
+  uint8_t table[kPaletteBytes] = {};
+  {
+    ScopedLock source(square);
+    if (!source) return nullptr;
+    const BitmapInfoHeader* h = reinterpret_cast<const BitmapInfoHeader*>(source.bytes);
+    side = h->biWidth;
+    depth = h->biBitCount;
+    const uint32_t entries = DibTableBytes(h->biBitCount) / 4;
+    const uint8_t* quads = DibTable(source.bytes);
+    for (uint32_t i = 0; i < entries; ++i) {
+      table[i * 3] = quads[i * 4 + 2];
+      table[i * 3 + 1] = quads[i * 4 + 1];
+      table[i * 3 + 2] = quads[i * 4];
+    }
+  }
+  ScopedBlock crop(CreatePackedDib(width, height, table, depth));
+  if (!crop.handle) return nullptr;
+  const int32_t left = std::max((side - width) / 2, 0);
+  const int32_t top = std::max((side - height) / 2, 0);
+  CopyImageRect(crop.handle, 0, 0, square, left, top, width, height);
+  return crop.Release();
+}
+
 MovableHandle MaterialFill(Material* material, int32_t width, int32_t height) {
   if (!material) return nullptr;
   ScopedBlock image(CreatePackedDib(width, height, nullptr, 24));
@@ -43,8 +75,15 @@ MovableHandle MaterialFill(Material* material, int32_t width, int32_t height) {
     case kMaterialGradient:
       source = MakeGradientImage(width, height, &material->gradient, &material->fountain);
       break;
-    case kMaterialTexture:
+    case kMaterialTexture: {
+      // Textures are generated square at the larger side and cropped to the centre, so that two
+      // fills of different aspect share their middle.
+      const int32_t side = std::max(width, height);
+      const int32_t rect[4] = {0, 0, side, side};
+      std::memcpy(material->texture + kTextureRectOffset, rect, sizeof(rect));
+      // No texture generator is part of the program yet: every type fails, known or not.
       return nullptr;
+    }
     case kMaterialTile:
       material->tileRect[0] = 0;
       material->tileRect[1] = 0;

@@ -65,6 +65,11 @@ static_assert(offsetof(Material, reserved2) == 1254);
 // gradient, the seven-colour marker list, no tile. The texture record is left zero.
 void InitMaterial(Material* material);
 
+// The centred width by height part of a square picture (a texture is always generated square): a
+// new picture of the same depth and colour table, from max((side - width) / 2, 0) and
+// max((side - height) / 2, 0). Null when memory fails; `square` is left alone.
+MovableHandle CentredCrop(MovableHandle square, int32_t width, int32_t height);
+
 // A new width by height 24-bit Packed DIB of the material's fill, owned by the caller, or null.
 // Writes the fill size into the record first, so `material` must be writable. Kinds other than
 // the four known ones give a black image. Texture and Tile fills are not available yet and fail.

@@ -140,3 +140,24 @@ TEST(MaterialDocumentLine, RoundTripsTheRecordAndClearsItsHandles) {
   FreeButtonMaterial(written);
   FreeButtonMaterial(read);
 }
+
+TEST(CentredCrop, KeepsTheMiddleRowsOrColumnsAndTheTable) {
+  ScopedBlock square(RandomImage(100, 100, 8, 3));
+  ScopedBlock wide(CentredCrop(square.handle, 100, 40)), tall(CentredCrop(square.handle, 40, 100));
+  ScopedLock s(square.handle), w(wide.handle), t(tall.handle);
+  ASSERT_TRUE(s && w && t);
+  for (int y = 0; y < 40; ++y)
+    for (int x = 0; x < 100; x += 9) {
+      ASSERT_EQ(ReadDibPixel(w.bytes, x, y), ReadDibPixel(s.bytes, x, y + 30));
+      ASSERT_EQ(ReadDibPixel(t.bytes, y, x), ReadDibPixel(s.bytes, y + 30, x));
+    }
+  EXPECT_EQ(std::memcmp(DibTable(w.bytes), DibTable(s.bytes), 1024), 0);
+  Material m;
+  InitMaterial(&m);
+  m.kind = kMaterialTexture;
+  EXPECT_EQ(MaterialFill(&m, 100, 40), nullptr);
+  int32_t rect[4];
+  std::memcpy(rect, m.texture + 4, sizeof(rect));
+  EXPECT_EQ(rect[2], 100);
+  EXPECT_EQ(rect[3], 100);
+}
