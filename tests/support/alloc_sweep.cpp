@@ -17,8 +17,11 @@ testing::AssertionResult SweepAllocationFailures(const std::function<int()>& run
       if (n == 1) return testing::AssertionFailure() << "the operation allocated nothing";
       return testing::AssertionSuccess() << n - 1 << " allocation points";
     }
-    if (result) return testing::AssertionFailure() << "succeeded although allocation " << n << " failed";
-    if (leaked) return testing::AssertionFailure() << leaked << " blocks leaked when allocation " << n << " failed";
+    if (result)
+      return testing::AssertionFailure() << "succeeded although allocation " << n << " failed";
+    if (leaked)
+      return testing::AssertionFailure()
+             << leaked << " blocks leaked when allocation " << n << " failed";
   }
   return testing::AssertionFailure() << "more than " << maxAllocations << " allocations";
 }

@@ -17,7 +17,7 @@ struct DepthCase {
 }  // namespace
 
 TEST(PackedDib, DepthClassesGiveBitsTableAndSize) {
-  const DepthCase cases[] = {{0, 32, 0}, {1, 1, 2},    {2, 4, 16},   {3, 4, 16},  {4, 4, 16},
+  const DepthCase cases[] = {{0, 32, 0},  {1, 1, 2},   {2, 4, 16},  {3, 4, 16}, {4, 4, 16},
                              {5, 8, 256}, {7, 8, 256}, {8, 8, 256}, {9, 24, 0}, {24, 24, 0},
                              {25, 32, 0}, {32, 32, 0}, {-3, 32, 0}};
   for (const DepthCase& c : cases) {
@@ -109,7 +109,8 @@ TEST(PackedDib, OutsideReadsAllOnesAndWritesNothing) {
   MovableHandle h = CreatePackedDib(4, 4, nullptr, 8);
   uint8_t* image = static_cast<uint8_t*>(MovableLock(h));
   const size_t size = MovableSize(h);
-  const int32_t outside[][2] = {{4, 0}, {0, 4}, {-1, 0}, {0, -1}, {-2147483647 - 1, 2}, {2, 2147483647}};
+  const int32_t outside[][2] = {{4, 0},         {0, 4}, {-1, 0}, {0, -1}, {-2147483647 - 1, 2},
+                                {2, 2147483647}};
   for (const auto& p : outside) {
     EXPECT_EQ(ReadDibPixel(image, p[0], p[1]), 0xFFFFFFFFu);
     WriteDibPixel(image, p[0], p[1], 0xFF);

@@ -1,0 +1,161 @@
+// Candidate lists per colour cell. An entry is listed for a cell when its smallest possible
+// weighted distance to the cell is no more than the smallest, over all entries, of the largest
+// distance to the cell: any entry that is nearest for some colour of the cell passes that test, and
+// taking the first smallest distance in index order keeps the linear scan's preference for the
+// earlier entry.
+#include "imaging/colour_matcher.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+constexpr uint32_t kRecordMax = 4 + 4 * 256;
+constexpr uint32_t kInitialPool = 65536;
+
+inline int32_t Distance(const ColourMatcher* m, int32_t i, int32_t red, int32_t green,
+                        int32_t blue) {
+  const int32_t dr = red - m->red[i];
+  const int32_t dg = green - m->green[i];
+  const int32_t db = blue - m->blue[i];
+  return 3 * dr * dr + 4 * dg * dg + 2 * db * db;
+}
+
+// Smallest and largest |value - v| for v in [low, low + 7].
+inline void AxisSpan(int32_t value, int32_t low, int32_t* nearest, int32_t* farthest) {
+  const int32_t high = low + 7;
+  *nearest = value < low ? low - value : value > high ? value - high : 0;
+  *farthest =
+      std::max(value > low ? value - low : low - value, value > high ? value - high : high - value);
+}
+
+int GrowPool(ColourMatcher* m) {
+  const uint32_t size = m->poolSize * 2;
+  MovableUnlock(m->poolBlock);
+  m->pool = nullptr;
+  MovableHandle grown = MovableReAlloc(m->poolBlock, size);
+  if (grown) {
+    m->poolBlock = grown;
+    m->poolSize = size;
+  }
+  m->pool = static_cast<uint8_t*>(MovableLock(m->poolBlock));
+  if (!m->pool) CloseColourMatcher(m);  // its lists are gone: it can serve no one
+  return grown && m->pool;
+}
+
+// Lists the candidates of a cell and its coarse entry; returns the record's offset + 1, or 0.
+uint32_t ListCell(ColourMatcher* m, int32_t cell) {
+  if (m->poolUsed + kRecordMax > m->poolSize && !GrowPool(m)) return 0;
+  const int32_t lowRed = (cell & 31) << 3;
+  const int32_t lowGreen = (cell >> 5 & 31) << 3;
+  const int32_t lowBlue = (cell >> 10) << 3;
+  int32_t nearest[256];
+  int32_t bound = 0x7FFFFFFF;
+  for (int32_t i = 0; i < m->count; ++i) {
+    int32_t nr, fr, ng, fg, nb, fb;
+    AxisSpan(m->red[i], lowRed, &nr, &fr);
+    AxisSpan(m->green[i], lowGreen, &ng, &fg);
+    AxisSpan(m->blue[i], lowBlue, &nb, &fb);
+    nearest[i] = 3 * nr * nr + 4 * ng * ng + 2 * nb * nb;
+    bound = std::min(bound, 3 * fr * fr + 4 * fg * fg + 2 * fb * fb);
+  }
+  uint8_t chosen[256];
+  int32_t length = 0;
+  int32_t best = 0x7FFFFFFF;
+  int32_t corner = 0;
+  for (int32_t i = 0; i < m->count; ++i) {
+    if (nearest[i] > bound) continue;
+    chosen[length++] = static_cast<uint8_t>(i);
+    const int32_t d = Distance(m, i, lowRed, lowGreen, lowBlue);
+    if (d < best) {
+      best = d;
+      corner = i;
+    }
+  }
+  uint8_t* list = m->pool + m->poolUsed;
+  std::memset(list, 0, 4);
+  list[0] = static_cast<uint8_t>(length - 1);  // at least one entry is always listed
+  for (int32_t k = 0; k < length; ++k) {
+    const int32_t i = chosen[k];
+    list[4 + k * 4] = static_cast<uint8_t>(m->red[i]);
+    list[5 + k * 4] = static_cast<uint8_t>(m->green[i]);
+    list[6 + k * 4] = static_cast<uint8_t>(m->blue[i]);
+    list[7 + k * 4] = static_cast<uint8_t>(i);
+  }
+  m->coarse[cell] = static_cast<uint8_t>(corner);
+  const uint32_t offset = m->poolUsed + 1;
+  m->poolUsed += 4 + 4 * static_cast<uint32_t>(length);
+  m->cellRecord[cell] = offset;
+  return offset;
+}
+
+}  // namespace
+
+ColourMatcher::~ColourMatcher() {
+  CloseColourMatcher(this);
+}
+
+int OpenColourMatcher(ColourMatcher* m, const uint8_t* palette, int32_t count) {
+  CloseColourMatcher(m);
+  m->count = std::clamp(count, 0, 256);
+  for (int32_t i = 0; i < m->count; ++i) {
+    m->red[i] = palette[i * 3];
+    m->green[i] = palette[i * 3 + 1];
+    m->blue[i] = palette[i * 3 + 2];
+  }
+  m->poolUsed = 0;
+  m->poolSize = kInitialPool;
+  std::memset(m->recentColour, 0xFF, sizeof m->recentColour);
+  m->cellBlock = MovableAlloc(kCoarseCells * (sizeof(uint32_t) + 1));
+  m->poolBlock = m->cellBlock ? MovableAlloc(kInitialPool) : nullptr;
+  if (m->poolBlock) {
+    m->cellRecord = static_cast<uint32_t*>(MovableLock(m->cellBlock));
+    m->pool = static_cast<uint8_t*>(MovableLock(m->poolBlock));
+  }
+  if (!m->cellRecord || !m->pool) {
+    CloseColourMatcher(m);
+    return 0;
+  }
+  m->coarse = reinterpret_cast<uint8_t*>(m->cellRecord + kCoarseCells);
+  return 1;
+}
+
+int ColourMatcherFits(const ColourMatcher* m, const uint8_t* palette, int32_t count) {
+  if (!m || !m->cellRecord || m->count != std::clamp(count, 0, 256)) return 0;
+  for (int32_t i = 0; i < m->count; ++i)
+    if (m->red[i] != palette[i * 3] || m->green[i] != palette[i * 3 + 1] ||
+        m->blue[i] != palette[i * 3 + 2])
+      return 0;
+  return 1;
+}
+
+void CloseColourMatcher(ColourMatcher* m) {
+  if (m->cellRecord) MovableUnlock(m->cellBlock);
+  if (m->pool) MovableUnlock(m->poolBlock);
+  MovableFree(m->cellBlock);
+  MovableFree(m->poolBlock);
+  m->cellBlock = m->poolBlock = nullptr;
+  m->cellRecord = nullptr;
+  m->coarse = nullptr;
+  m->pool = nullptr;
+}
+
+uint32_t ListColourCell(ColourMatcher* m, int32_t cell) {
+  return ListCell(m, cell);
+}
+
+int32_t MatchCoarse(ColourMatcher* m, int32_t red, int32_t green, int32_t blue) {
+  if (m->count < 1) return 0;
+  if (!m->cellRecord) return -1;
+  const int32_t cell = CoarseCell(red, green, blue);
+  if (!m->cellRecord[cell] && !ListCell(m, cell)) return -1;
+  return m->coarse[cell];
+}
+
+int32_t MatchExactOrCoarse(ColourMatcher* m, int32_t red, int32_t green, int32_t blue) {
+  const int32_t nearest = MatchNearest(m, red, green, blue);
+  if (nearest < 0 || m->count < 1) return nearest;
+  if (m->red[nearest] == red && m->green[nearest] == green && m->blue[nearest] == blue)
+    return nearest;
+  return m->coarse[CoarseCell(red, green, blue)];
+}

@@ -1,0 +1,512 @@
+// Octree classification over runs of equal pixels, error-threshold reduction and post-order
+// extraction. The floating-point sums run in a fixed order and decide which colours survive, so
+// the order of frames, rows and runs is part of the result. The root's error is deliberately
+// overstated (it adds each child's whole running error), and a pruned root merges into itself.
+#include "imaging/octree_quantiser.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "imaging/dib_view.h"
+#include "shell/packed_dib.h"
+
+struct ColourSlab {
+  ColourNode nodes[kNodesPerSlab];
+  MovableHandle handle;
+  ColourSlab* previous;
+};
+
+namespace {
+
+constexpr int32_t kExactColours = 256;
+
+ColourNode* NewNode(ColourCube* cube, ColourNode* parent, uint8_t id, uint8_t level) {
+  if (cube->freeNodes == 0) {
+    MovableHandle handle = MovableAlloc(sizeof(ColourSlab));
+    ColourSlab* slab = handle ? static_cast<ColourSlab*>(MovableLock(handle)) : nullptr;
+    if (!slab) {
+      MovableFree(handle);
+      return nullptr;
+    }
+    slab->handle = handle;
+    slab->previous = cube->slabs;
+    cube->slabs = slab;
+    cube->nextNode = slab->nodes;
+    cube->freeNodes = kNodesPerSlab;
+  }
+  ColourNode* node = cube->nextNode++;
+  --cube->freeNodes;
+  std::memset(node, 0, sizeof *node);
+  node->id = id;
+  node->level = level;
+  node->parent = parent;
+  ++cube->nodes;
+  return node;
+}
+
+void FreeSlabs(ColourCube* cube) {
+  for (ColourSlab* slab = cube->slabs; slab;) {
+    ColourSlab* previous = slab->previous;
+    MovableHandle handle = slab->handle;
+    MovableUnlock(handle);
+    MovableFree(handle);
+    slab = previous;
+  }
+  cube->slabs = nullptr;
+  cube->freeNodes = 0;
+}
+
+// Adds a node's pixels into its parent and unlinks it; the error stays behind.
+void MergeIntoParent(ColourCube* cube, ColourNode* node) {
+  ColourNode* parent = node->parent;
+  parent->census = static_cast<uint8_t>(parent->census & ~(1u << node->id));
+  parent->uniqueCount += node->uniqueCount;
+  parent->redTotal += node->redTotal;
+  parent->greenTotal += node->greenTotal;
+  parent->blueTotal += node->blueTotal;
+  --cube->nodes;
+}
+
+// Squared distance of a channel value from the centre of its cell at each level. The centres are
+// the ones the walk down the tree computes (127.5, then plus or minus each halved bisector), all
+// exact in a double, so each entry is the very product the walk would form.
+struct LevelDistances {
+  double square[9][256];
+  LevelDistances() {
+    for (int32_t v = 0; v < 256; ++v) {
+      double mid = 127.5, bisect = 128.0;
+      for (int32_t level = 1; level <= 8; ++level) {
+        bisect *= 0.5;
+        mid += (v >> (8 - level) & 1) ? bisect : -bisect;
+        const double d = v - mid;
+        square[level][v] = d * d;
+      }
+    }
+  }
+};
+
+const LevelDistances& Distances() {
+  static const LevelDistances table;
+  return table;
+}
+
+// The nodes a colour passes on its way down, kept from one run to the next: neighbouring pixels
+// mostly share a leaf cell, and then the walk needs neither the census nor the child links.
+struct ColourPath {
+  uint32_t cell = 0xFFFFFFFF;  // the leaf cell, by the top `depth` bits of each channel
+  ColourNode* node[9];
+};
+
+// Classifies one run of `count` equal pixels. The root's error is kept by the caller in
+// `rootError` and stored back when classification ends.
+inline int ClassifyRun(ColourCube* cube, const LevelDistances& dist, ColourPath* path,
+                       double* rootError, int32_t red, int32_t green, int32_t blue, double count) {
+  const int32_t depth = cube->depth;
+  const int32_t low = 8 - depth;
+  const uint32_t cell =
+      static_cast<uint32_t>((red >> low) | (green >> low) << 8 | (blue >> low) << 16);
+  if (cell != path->cell) {
+    ColourNode* node = cube->root;
+    for (int32_t level = 1; level <= depth; ++level) {
+      const int32_t shift = 8 - level;
+      const uint32_t id = (red >> shift & 1) << 2 | (green >> shift & 1) << 1 | (blue >> shift & 1);
+      if (!(node->census & (1u << id))) {
+        node->census = static_cast<uint8_t>(node->census | 1u << id);
+        node->child[id] =
+            NewNode(cube, node, static_cast<uint8_t>(id), static_cast<uint8_t>(level));
+        if (!node->child[id]) {
+          path->cell = 0xFFFFFFFF;
+          return 0;
+        }
+        if (level == depth) ++cube->colours;
+      }
+      node = node->child[id];
+      path->node[level] = node;
+    }
+    path->cell = cell;
+  }
+  for (int32_t level = 1; level <= depth; ++level) {
+    ColourNode* node = path->node[level];
+    node->quantiseError +=
+        count * (dist.square[level][red] + dist.square[level][green] + dist.square[level][blue]);
+    *rootError += node->quantiseError;
+  }
+  ColourNode* leaf = path->node[depth];
+  leaf->uniqueCount += count;
+  leaf->redTotal += count * red;
+  leaf->greenTotal += count * green;
+  leaf->blueTotal += count * blue;
+  return 1;
+}
+
+// The exact colours in order of first appearance, up to 256; past that only a count of pixels.
+struct ExactColours {
+  uint32_t colours[kExactColours];
+  int32_t count;
+  uint32_t slots[1024];  // open addressing over the recorded colours; 0xFFFFFFFF is empty
+  void Clear() {
+    count = 0;
+    std::memset(slots, 0xFF, sizeof slots);
+  }
+  // Counts pixels once the list is full; the count only has to say "many", so it stops short of
+  // overflowing.
+  void CountMore(int64_t pixels) {
+    count = static_cast<int32_t>(std::min<int64_t>(int64_t{count} + pixels, 0x7FFFFFFF));
+  }
+  void Add(uint32_t colour) {
+    uint32_t slot = (colour * 2654435761u) >> 22;
+    while (slots[slot] != 0xFFFFFFFF) {
+      if (slots[slot] == colour) return;
+      slot = (slot + 1) & 1023;
+    }
+    slots[slot] = colour;
+    colours[count++] = colour;
+  }
+  // The pixels of a picture in the order the accessors give them, top row first.
+  void Scan(const DibView& v) {
+    for (int32_t y = v.height - 1; y >= 0; --y) {
+      const uint8_t* p = DibRow(v, y);
+      uint32_t last = 0xFFFFFFFF;
+      for (int32_t x = 0; x < v.width; ++x, p += 3) {
+        if (count >= kExactColours) {
+          // Every further pixel, this one included, just raises the count.
+          CountMore(int64_t{v.width} - x + int64_t{y} * v.width);
+          return;
+        }
+        const uint32_t colour = static_cast<uint32_t>(p[0] << 16 | p[1] << 8 | p[2]);
+        if (colour != last) Add(colour);  // a repeat of the previous pixel is listed already
+        last = colour;
+      }
+    }
+  }
+};
+
+// Records the exact colours of a picture, top row first, then classifies its runs, rows in
+// memory order.
+int ClassifyImage(ColourCube* cube, ExactColours* exact, const DibView& v) {
+  const LevelDistances& dist = Distances();
+  exact->Scan(v);
+  double rootError = cube->root->quantiseError;
+  ColourPath path;
+  int ok = 1;
+  for (int32_t y = 0; y < v.height && ok; ++y) {
+    if (cube->nodes > MaxColourNodes) {
+      PruneLevel(cube, cube->root);
+      --cube->depth;
+      path.cell = 0xFFFFFFFF;  // the leaves it held are merged away
+    }
+    const uint8_t* row = DibRow(v, y);
+    for (int32_t x = 0; x < v.width;) {
+      const uint8_t* p = row + x * 3;
+      int32_t end = x + 1;
+      while (end < v.width && row[end * 3] == p[0] && row[end * 3 + 1] == p[1] &&
+             row[end * 3 + 2] == p[2])
+        ++end;
+      if (!ClassifyRun(cube, dist, &path, &rootError, p[2], p[1], p[0],
+                       static_cast<double>(end - x))) {
+        ok = 0;
+        break;
+      }
+      x = end;
+    }
+  }
+  cube->root->quantiseError = rootError;
+  return ok;
+}
+
+// ReduceTree's rounds, reproduced without walking the whole tree each round. Errors never change
+// while reducing, and every sum that moves between nodes is a whole number, exact in a double, so
+// a node's sums at any moment are its subtree's original sums less those of its live children.
+// A round at threshold T prunes the live nodes with error up to T; it counts the live nodes above
+// T that hold pixels of their own or lose a child to this round; and it takes the next threshold
+// from the errors above T among the nodes live when it began. Rounds therefore only touch the
+// nodes whose error they reach. Returns 1 when done, -1 when the working arrays cannot be had,
+// and 0 when a threshold reaches the root's error (possible only when that error is too large to
+// step below): the tree is then as after the last round, for ReduceRounds to go on.
+struct NodeSums {
+  double unique, red, green, blue;
+};
+
+void ListPostOrder(ColourNode* node, ColourNode** list, int32_t* n) {
+  for (int32_t i = 0; i < 8; ++i)
+    if (node->census & (1u << i)) ListPostOrder(node->child[i], list, n);
+  node->colourNumber = static_cast<uint32_t>(*n);  // scratch: the node's place in the list
+  list[(*n)++] = node;
+}
+
+int ReduceTreeByEvents(ColourCube* cube, int32_t target) {
+  ColourNode* root = cube->root;
+  if (cube->colours <= target) return 1;
+  int32_t total = 0;
+  {
+    // Count the linked nodes first; nodes may exceed the live count after a fall in depth.
+    struct Counter {
+      static int32_t Run(const ColourNode* n) {
+        int32_t c = 1;
+        for (int32_t i = 0; i < 8; ++i)
+          if (n->census & (1u << i)) c += Run(n->child[i]);
+        return c;
+      }
+    };
+    total = Counter::Run(root);
+  }
+  const size_t bytes = static_cast<size_t>(total) *
+                       (sizeof(ColourNode*) + sizeof(NodeSums) + sizeof(int32_t) * 2 + 2);
+  ScopedBlock block(MovableAlloc(bytes));
+  ScopedLock lock(block.handle);
+  if (!lock) return -1;
+  ColourNode** list = reinterpret_cast<ColourNode**>(lock.bytes);
+  NodeSums* sums = reinterpret_cast<NodeSums*>(list + total);
+  int32_t* order = reinterpret_cast<int32_t*>(sums + total);
+  int32_t* stamp = order + total;
+  uint8_t* live = reinterpret_cast<uint8_t*>(stamp + total);
+  uint8_t* holds = live + total;  // the node's present sums are not all its children's
+
+  int32_t n = 0;
+  ListPostOrder(root, list, &n);
+  int32_t holding = 0;
+  for (int32_t i = 0; i < n; ++i) {
+    ColourNode* node = list[i];
+    NodeSums s = {node->uniqueCount, node->redTotal, node->greenTotal, node->blueTotal};
+    for (int32_t c = 0; c < 8; ++c)
+      if (node->census & (1u << c)) {
+        const NodeSums& k = sums[node->child[c]->colourNumber];
+        s.unique += k.unique, s.red += k.red, s.green += k.green, s.blue += k.blue;
+      }
+    sums[i] = s;
+    live[i] = 1;
+    holds[i] = node->uniqueCount > 0;
+    holding += holds[i];
+    order[i] = i;
+    stamp[i] = -1;
+  }
+  std::sort(order, order + n,
+            [&](int32_t a, int32_t b) { return list[a]->quantiseError < list[b]->quantiseError; });
+
+  int32_t first = 0;  // order[first..] are the nodes with error above the last threshold
+  double threshold = 0.0;
+  int32_t colours = cube->colours;
+  int32_t round = 0;
+  bool rootReached = false;
+  while (colours > target) {
+    const double t = threshold;
+    // A threshold at the root's error would prune the root into itself: the plain rounds take
+    // over from here.
+    if (t >= root->quantiseError) {
+      rootReached = true;
+      break;
+    }
+    // The live nodes this round prunes sit at order[first..end).
+    int32_t end = first;
+    while (end < n && list[order[end]]->quantiseError <= t) ++end;
+    int32_t lost = 0, gained = 0;
+    for (int32_t k = first; k < end; ++k) {
+      const int32_t i = order[k];
+      if (!live[i]) continue;
+      lost += holds[i];
+      const int32_t p = static_cast<int32_t>(list[i]->parent->colourNumber);
+      if (p != i && live[p] && !holds[p] && list[p]->quantiseError > t && stamp[p] != round) {
+        stamp[p] = round;
+        ++gained;
+      }
+    }
+    // The next threshold: the smallest error above t among the nodes live now.
+    double next = root->quantiseError - 1.0;
+    int32_t scan = end;
+    while (scan < n && !live[order[scan]]) ++scan;
+    if (scan < n && list[order[scan]]->quantiseError < next)
+      next = list[order[scan]]->quantiseError;
+    colours = holding - lost + gained;
+    // Prune: every live node of each pruned subtree dies; the parent of a pruned node that stays
+    // takes its sums.
+    for (int32_t k = first; k < end; ++k) {
+      const int32_t i = order[k];
+      if (!live[i]) continue;
+      // Kill the live subtree under i, depth first through the census.
+      struct Killer {
+        ColourNode** list;
+        uint8_t* live;
+        uint8_t* holds;
+        int32_t* holding;
+        void Run(int32_t i) {
+          live[i] = 0;
+          *holding -= holds[i];
+          const ColourNode* node = list[i];
+          for (int32_t c = 0; c < 8; ++c)
+            if (node->census & (1u << c)) {
+              const int32_t j = static_cast<int32_t>(node->child[c]->colourNumber);
+              if (live[j]) Run(j);
+            }
+        }
+      } killer{list, live, holds, &holding};
+      killer.Run(i);
+    }
+    for (int32_t k = first; k < end; ++k) {
+      const int32_t i = order[k];
+      const int32_t p = static_cast<int32_t>(list[i]->parent->colourNumber);
+      if (!live[i] && live[p] && !holds[p] && p != i) {
+        // Only a topmost pruned node can have a live parent.
+        holds[p] = 1;
+        ++holding;
+      }
+    }
+    first = scan > end ? scan : end;
+    cube->pruningThreshold = t;
+    cube->nextThreshold = next;
+    ++round;
+    if (colours > target && !(next > t)) break;
+    threshold = next;
+  }
+
+  // Leave the tree as the rounds would: survivors keep their subtree's sums less their live
+  // children's, and link only live children.
+  int32_t nodes = 0;
+  for (int32_t i = 0; i < n; ++i) {
+    if (!live[i]) continue;
+    ++nodes;
+    ColourNode* node = list[i];
+    NodeSums s = sums[i];
+    uint8_t census = 0;
+    for (int32_t c = 0; c < 8; ++c)
+      if (node->census & (1u << c)) {
+        const int32_t j = static_cast<int32_t>(node->child[c]->colourNumber);
+        if (!live[j]) continue;
+        census = static_cast<uint8_t>(census | 1u << c);
+        s.unique -= sums[j].unique, s.red -= sums[j].red, s.green -= sums[j].green,
+            s.blue -= sums[j].blue;
+      }
+    node->census = census;
+    node->uniqueCount = s.unique;
+    node->redTotal = s.red;
+    node->greenTotal = s.green;
+    node->blueTotal = s.blue;
+  }
+  cube->nodes = nodes;
+  cube->colours = colours;
+  cube->nextThreshold = threshold;
+  return rootReached ? 0 : 1;
+}
+
+}  // namespace
+
+void PruneSubtree(ColourCube* cube, ColourNode* node) {
+  for (int32_t i = 0; i < 8; ++i)
+    if (node->census & (1u << i)) PruneSubtree(cube, node->child[i]);
+  MergeIntoParent(cube, node);
+}
+
+void PruneLevel(ColourCube* cube, ColourNode* node) {
+  for (int32_t i = 0; i < 8; ++i)
+    if (node->census & (1u << i)) PruneLevel(cube, node->child[i]);
+  if (node->level == cube->depth) {
+    for (int32_t i = 0; i < 8; ++i)
+      if (node->census & (1u << i)) PruneSubtree(cube, node->child[i]);
+    MergeIntoParent(cube, node);
+  }
+}
+
+void ReduceNode(ColourCube* cube, ColourNode* node) {
+  for (int32_t i = 0; i < 8; ++i)
+    if (node->census & (1u << i)) ReduceNode(cube, node->child[i]);
+  if (cube->pruningThreshold >= node->quantiseError) {
+    for (int32_t i = 0; i < 8; ++i)
+      if (node->census & (1u << i)) PruneSubtree(cube, node->child[i]);
+    MergeIntoParent(cube, node);  // the root merges into itself and doubles its sums
+  } else {
+    if (node->uniqueCount > 0) ++cube->colours;
+    if (node->quantiseError < cube->nextThreshold) cube->nextThreshold = node->quantiseError;
+  }
+}
+
+void ReduceRounds(ColourCube* cube, int32_t target) {
+  while (cube->colours > target) {
+    cube->pruningThreshold = cube->nextThreshold;
+    cube->nextThreshold = cube->root->quantiseError - 1.0;
+    cube->colours = 0;
+    ReduceNode(cube, cube->root);
+    // A round that cannot raise the threshold would repeat itself for ever; no real tree gets
+    // here, but a host must never hang.
+    if (cube->colours > target && !(cube->nextThreshold > cube->pruningThreshold)) break;
+  }
+}
+
+void ReduceTree(ColourCube* cube, int32_t target) {
+  cube->nextThreshold = 0.0;
+  ReduceRounds(cube, target);
+}
+
+void ExtractPalette(ColourCube* cube, ColourNode* node) {
+  for (int32_t i = 0; i < 8; ++i)
+    if (node->census & (1u << i)) ExtractPalette(cube, node->child[i]);
+  if (node->uniqueCount != 0 && cube->colours < 256) {
+    const double half = node->uniqueCount * 0.5;
+    uint8_t* entry = cube->palette + cube->colours * 3;
+    entry[0] =
+        static_cast<uint8_t>(static_cast<int32_t>((half + node->redTotal) / node->uniqueCount));
+    entry[1] =
+        static_cast<uint8_t>(static_cast<int32_t>((half + node->greenTotal) / node->uniqueCount));
+    entry[2] =
+        static_cast<uint8_t>(static_cast<int32_t>((half + node->blueTotal) / node->uniqueCount));
+    node->colourNumber = static_cast<uint32_t>(cube->colours);
+    ++cube->colours;
+  }
+}
+
+int32_t QuantiseFrames(int32_t* request, uint8_t* palette, const MovableHandle* images,
+                       int32_t imageCount) {
+  std::memset(palette, 0, kPaletteBytes);
+  const int32_t asked = *request;
+  const int32_t target = asked <= 0 || asked > 256 ? 256 : asked;
+  int32_t depth = 0;
+  for (int32_t n = target; n != 0; n >>= 2) ++depth;
+  depth = depth > 8 ? 8 : depth < 2 ? 2 : depth;
+
+  ScopedBlock cubeBlock(
+      MovableAlloc(sizeof(ColourCube) + sizeof(ColourOptions) + sizeof(ExactColours)));
+  ScopedLock cubeLock(cubeBlock.handle);
+  if (!cubeLock) return kQuantiseMemoryError;
+  ColourCube* cube = reinterpret_cast<ColourCube*>(cubeLock.bytes);
+  cube->options = reinterpret_cast<ColourOptions*>(cube + 1);
+  cube->options->colourCount = target;
+  cube->options->useWeights = 1;
+  ExactColours* exact = reinterpret_cast<ExactColours*>(cube->options + 1);
+  exact->Clear();
+  cube->depth = depth;
+  cube->palette = palette;
+
+  struct SlabGuard {
+    ColourCube* cube;
+    ~SlabGuard() { FreeSlabs(cube); }
+  } slabGuard{cube};
+  cube->root = NewNode(cube, nullptr, 0, 0);
+  if (!cube->root) return 0;
+  cube->root->parent = cube->root;
+
+  for (int32_t i = 0; i < imageCount; ++i) {
+    ScopedLock lock(images[i]);
+    DibView view;
+    if (!lock || !OpenDibView(lock.bytes, MovableSize(images[i]), &view) || view.bitCount != 24)
+      return 0;
+    if (!ClassifyImage(cube, exact, view)) return 0;
+  }
+
+  if (exact->count > asked) {
+    const int reduced = ReduceTreeByEvents(cube, target);
+    if (reduced < 0) return 0;
+    if (reduced == 0) ReduceRounds(cube, target);
+    std::memset(palette, 0, kPaletteBytes);
+    cube->colours = 0;
+    ExtractPalette(cube, cube->root);
+    *request = cube->colours;
+  } else {
+    // A request over 256 can take this branch with a count over 256, which only says "many":
+    // the list itself never holds more than 256 colours.
+    for (int32_t i = 0; i < std::min(exact->count, kExactColours); ++i) {
+      palette[i * 3] = static_cast<uint8_t>(exact->colours[i]);
+      palette[i * 3 + 1] = static_cast<uint8_t>(exact->colours[i] >> 8);
+      palette[i * 3 + 2] = static_cast<uint8_t>(exact->colours[i] >> 16);
+    }
+    *request = exact->count;
+  }
+  return 1;
+}

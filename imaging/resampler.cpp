@@ -1,0 +1,294 @@
+// Kernels as a table of functions and supports; passes over direct rows. Each channel byte of a
+// pixel is filtered on its own: the sums run over contributions in ascending source order and are
+// rounded half up after clamping, which the callers' pictures depend on to the bit.
+#include "imaging/resampler.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+#include "imaging/dib_view.h"
+#include "imaging/palette.h"
+#include "shell/packed_dib.h"
+
+namespace {
+
+constexpr double kPi = 3.14159265358979323846;
+
+double Blackman(double x) {
+  return 0.42 + 0.5 * std::cos(kPi * x) + 0.08 * std::cos(2.0 * kPi * x);
+}
+
+double Sinc(double x) {
+  if (x == 0.0) return 1.0;
+  return std::sin(kPi * x) / (kPi * x);
+}
+
+// 1 for -0.5 <= x < 0.5.
+double BoxKernel(double x, double) {
+  return x >= -0.5 && x < 0.5 ? 1.0 : 0.0;
+}
+// 1 - |x| inside the support.
+double TriangleKernel(double x, double) {
+  x = std::fabs(x);
+  return x < 1.0 ? 1.0 - x : 0.0;
+}
+// (2|x| - 3)x^2 + 1 inside the support.
+double HermiteKernel(double x, double) {
+  x = std::fabs(x);
+  return x < 1.0 ? (2.0 * x - 3.0) * x * x + 1.0 : 0.0;
+}
+double HanningKernel(double x, double) {
+  return 0.5 + 0.5 * std::cos(kPi * x);
+}
+double HammingKernel(double x, double) {
+  return 0.54 + 0.46 * std::cos(kPi * x);
+}
+double BlackmanKernel(double x, double) {
+  return Blackman(x);
+}
+// sqrt(2/pi) exp(-2x^2).
+double GaussianKernel(double x, double) {
+  return std::sqrt(2.0 / kPi) * std::exp(-2.0 * x * x);
+}
+double QuadraticKernel(double x, double) {
+  x = std::fabs(x);
+  if (x < 0.5) return 0.75 - x * x;
+  if (x < 1.5) return 0.5 * (x - 1.5) * (x - 1.5);
+  return 0.0;
+}
+// The uniform cubic B-spline.
+double CubicKernel(double x, double) {
+  x = std::fabs(x);
+  if (x < 1.0) return (4.0 - 6.0 * x * x + 3.0 * x * x * x) / 6.0;
+  if (x < 2.0) return (2.0 - x) * (2.0 - x) * (2.0 - x) / 6.0;
+  return 0.0;
+}
+double CatmullRomKernel(double x, double) {
+  x = std::fabs(x);
+  if (x < 1.0) return (2.0 - 5.0 * x * x + 3.0 * x * x * x) / 2.0;
+  if (x < 2.0) return (4.0 - 8.0 * x + 5.0 * x * x - x * x * x) / 2.0;
+  return 0.0;
+}
+// Mitchell-Netravali with B = C = 1/3, as polynomials in x on each side of 0.
+double MitchellKernel(double x, double) {
+  const double b = 1.0 / 3.0, c = 1.0 / 3.0;
+  const double p0 = (6.0 - 2.0 * b) / 6.0;
+  const double p2 = (-18.0 + 12.0 * b + 6.0 * c) / 6.0;
+  const double p3 = (12.0 - 9.0 * b - 6.0 * c) / 6.0;
+  const double q0 = (8.0 * b + 24.0 * c) / 6.0;
+  const double q1 = (-12.0 * b - 48.0 * c) / 6.0;
+  const double q2 = (6.0 * b + 30.0 * c) / 6.0;
+  const double q3 = (-1.0 * b - 6.0 * c) / 6.0;
+  if (x < -2.0) return 0.0;
+  if (x < -1.0) return q0 - x * (q1 - x * (q2 - x * q3));
+  if (x < 0.0) return p0 + x * x * (p2 - x * p3);
+  if (x < 1.0) return p0 + x * x * (p2 + x * p3);
+  if (x < 2.0) return q0 + x * (q1 + x * (q2 + x * q3));
+  return 0.0;
+}
+// sinc(x) sinc(x / 3) inside the support.
+double LanczosKernel(double x, double) {
+  if (x < -3.0 || x > 3.0) return 0.0;
+  return Sinc(x) * Sinc(x / 3.0);
+}
+double BlackmanBesselKernel(double x, double support) {
+  if (x == 0.0) return kPi / 4.0 * Blackman(0.0);
+  return Blackman(x / support) * std::cyl_bessel_j(1.0, std::fabs(kPi * x)) / (2.0 * std::fabs(x));
+}
+double BlackmanSincKernel(double x, double support) {
+  return Blackman(x / support) * Sinc(x);
+}
+
+// A picture's rows with the byte width of one pixel.
+struct Plane {
+  DibView view;
+  int32_t bytesPerPixel;
+};
+
+int OpenPlane(void* header, size_t size, Plane* plane) {
+  if (!OpenDibView(header, size, &plane->view)) return 0;
+  plane->bytesPerPixel = plane->view.bitCount / 8;
+  return plane->view.bitCount >= 8;
+}
+
+// Row `y` counted from the top of the picture.
+inline uint8_t* TopRow(const DibView& v, int32_t y) {
+  return DibRow(v, v.height - 1 - y);
+}
+
+inline uint8_t RoundChannel(double sum) {
+  if (sum < 0.0) return 0;
+  if (sum > 255.0) return 255;
+  return static_cast<uint8_t>(static_cast<int32_t>(sum + 0.5));
+}
+
+// The contributions of target line `t`; returns their number, or -1 when they do not fit.
+int32_t Contributions(int32_t t, double factor, double scale, double support, int32_t sourceSize,
+                      const FilterEntry& filter, Contribution* list, int32_t capacity) {
+  const double centre = (t + 0.5) / factor;
+  const int32_t start = static_cast<int32_t>(std::max(centre - support + 0.5, 0.0));
+  const int32_t stop =
+      static_cast<int32_t>(std::min(centre + support + 0.5, static_cast<double>(sourceSize)));
+  const int32_t n = stop - start;
+  if (n > capacity) return -1;
+  const double inverse = 1.0 / scale;
+  double density = 0.0;
+  for (int32_t i = 0; i < n; ++i) {
+    list[i].pixel = start + i;
+    list[i].weight = filter.kernel((start + i - centre + 0.5) * inverse, filter.support);
+    density += list[i].weight;
+  }
+  if (density != 0.0 && density != 1.0) {
+    density = 1.0 / density;
+    for (int32_t i = 0; i < n; ++i) list[i].weight *= density;
+  }
+  return n < 0 ? 0 : n;
+}
+
+// The scale and support of a pass of `factor`; 0 when they are not finite numbers.
+int PassSupport(double factor, const FilterEntry& filter, double blur, double* scale,
+                double* support) {
+  *scale = blur * std::max(1.0 / factor, 1.0);
+  *support = *scale * filter.support;
+  if (*support <= 0.5) {
+    *support = 0.500001;
+    *scale = 1.0;
+  }
+  return std::isfinite(*scale) && std::isfinite(*support);
+}
+
+int OpenPair(void* source, void* target, Plane* s, Plane* t) {
+  // The blocks were sized by their makers; their headers are checked against their own rows.
+  const BitmapInfoHeader* hs = static_cast<const BitmapInfoHeader*>(source);
+  const BitmapInfoHeader* ht = static_cast<const BitmapInfoHeader*>(target);
+  const size_t sizeS = kDibHeaderBytes + DibTableBytes(hs->biBitCount) + size_t{hs->biSizeImage};
+  const size_t sizeT = kDibHeaderBytes + DibTableBytes(ht->biBitCount) + size_t{ht->biSizeImage};
+  return OpenPlane(source, sizeS, s) && OpenPlane(target, sizeT, t) &&
+         s->bytesPerPixel == t->bytesPerPixel;
+}
+
+}  // namespace
+
+const FilterEntry kFilters[kFilterRows] = {
+    {BoxKernel, 0.0},         {BoxKernel, 0.0},      {BoxKernel, 0.5},
+    {TriangleKernel, 1.0},    {HermiteKernel, 1.0},  {HanningKernel, 1.0},
+    {HammingKernel, 1.0},     {BlackmanKernel, 1.0}, {GaussianKernel, 1.25},
+    {QuadraticKernel, 1.5},   {CubicKernel, 2.0},    {CatmullRomKernel, 2.0},
+    {MitchellKernel, 2.0},    {LanczosKernel, 3.0},  {BlackmanBesselKernel, 3.2383000850677490},
+    {BlackmanSincKernel, 4.0}};
+
+int ResampleAcross(void* source, void* target, double factor, const FilterEntry& filter,
+                   double blur, Contribution* contributions, int32_t capacity) {
+  Plane s, t;
+  if (!OpenPair(source, target, &s, &t) || s.view.height != t.view.height) return 0;
+  double scale, support;
+  if (!PassSupport(factor, filter, blur, &scale, &support)) return 0;
+  const int32_t bpp = s.bytesPerPixel;
+  for (int32_t x = 0; x < t.view.width; ++x) {
+    const int32_t n =
+        Contributions(x, factor, scale, support, s.view.width, filter, contributions, capacity);
+    if (n < 0) return 0;
+    for (int32_t y = 0; y < t.view.height; ++y) {
+      const uint8_t* in = DibRow(s.view, y);
+      uint8_t* out = DibRow(t.view, y) + static_cast<size_t>(x) * bpp;
+      for (int32_t k = 0; k < bpp; ++k) {
+        double sum = 0.0;
+        for (int32_t i = 0; i < n; ++i)
+          sum +=
+              contributions[i].weight * in[static_cast<size_t>(contributions[i].pixel) * bpp + k];
+        out[k] = RoundChannel(sum);
+      }
+    }
+  }
+  return 1;
+}
+
+int ResampleDown(void* source, void* target, double factor, const FilterEntry& filter, double blur,
+                 Contribution* contributions, int32_t capacity) {
+  Plane s, t;
+  if (!OpenPair(source, target, &s, &t) || s.view.width != t.view.width) return 0;
+  double scale, support;
+  if (!PassSupport(factor, filter, blur, &scale, &support)) return 0;
+  const size_t rowBytes = static_cast<size_t>(s.view.width) * s.bytesPerPixel;
+  for (int32_t y = 0; y < t.view.height; ++y) {
+    const int32_t n =
+        Contributions(y, factor, scale, support, s.view.height, filter, contributions, capacity);
+    if (n < 0) return 0;
+    uint8_t* out = TopRow(t.view, y);
+    for (size_t b = 0; b < rowBytes; ++b) {
+      double sum = 0.0;
+      for (int32_t i = 0; i < n; ++i)
+        sum += contributions[i].weight * TopRow(s.view, contributions[i].pixel)[b];
+      out[b] = RoundChannel(sum);
+    }
+  }
+  return 1;
+}
+
+MovableHandle ResampleImage(MovableHandle image, int32_t width, int32_t height, int32_t unused,
+                            double blur) {
+  ScopedLock source(image);
+  Plane s;
+  if (!source || !OpenPlane(source.bytes, MovableSize(image), &s) || !std::isfinite(blur))
+    return nullptr;
+  const int32_t sw = s.view.width, sh = s.view.height, depth = s.view.bitCount;
+  uint8_t palette[kPaletteBytes];
+  const bool hasTable = ReadDibPalette(source.bytes, palette) > 0;
+  ScopedBlock target(CreatePackedDib(width, height, hasTable ? palette : nullptr, depth));
+  if (!target.handle) return nullptr;
+  if (width == sw && height == sh && blur == 1.0) {
+    MovableFree(target.Release());
+    return DuplicateHandle(image);
+  }
+  if (width == 0 || height == 0) return target.Release();
+
+  const double fx = std::max(static_cast<double>(width) / sw, 0.0001);
+  const double fy = std::max(static_cast<double>(height) / sh, 0.0001);
+  // Mitchell for enlargement by area, Lanczos for reduction and equal size.
+  const FilterEntry& filter = kFilters[fx * fy > 1.0 ? kFilterMitchell : kFilterLanczos];
+  const double s0 = filter.support;
+  double room =
+      std::max({s0, blur * s0 * std::max(1.0 / fx, 1.0), blur * s0 * std::max(1.0 / fy, 1.0)});
+  room = std::max(room, 0.5);
+  const double slots = 2.0 * room + 3.0;
+  if (!(slots < 0x10000000)) return nullptr;  // a blur beyond reason, or not a number
+  const int32_t capacity = static_cast<int32_t>(slots);
+  ScopedBlock list(MovableAlloc(sizeof(Contribution) * static_cast<size_t>(capacity)));
+  ScopedLock listLock(list.handle);
+  if (!listLock) return nullptr;
+  Contribution* contributions = reinterpret_cast<Contribution*>(listLock.bytes);
+
+  // The cheaper temporary picture decides the order of the passes.
+  const bool downFirst = (int64_t{sh} + height) * width <= (int64_t{sw} + width) * height;
+  ScopedBlock temp(downFirst ? CreatePackedDib(sw, height, hasTable ? palette : nullptr, depth)
+                             : CreatePackedDib(width, sh, hasTable ? palette : nullptr, depth));
+  ScopedLock tempLock(temp.handle);
+  ScopedLock targetLock(target.handle);
+  if (!tempLock || !targetLock) return nullptr;
+  int ok;
+  if (downFirst)
+    ok =
+        ResampleDown(source.bytes, tempLock.bytes, fy, filter, blur, contributions, capacity) &&
+        ResampleAcross(tempLock.bytes, targetLock.bytes, fx, filter, blur, contributions, capacity);
+  else
+    ok = ResampleAcross(source.bytes, tempLock.bytes, fx, filter, blur, contributions, capacity) &&
+         ResampleDown(tempLock.bytes, targetLock.bytes, fy, filter, blur, contributions, capacity);
+  if (!ok) return nullptr;
+  return target.Release();
+}
+
+MovableHandle ResampleByPercent(MovableHandle image, double xPercent, double yPercent) {
+  int32_t sw = 0, sh = 0;
+  {
+    ScopedLock lock(image);
+    if (!lock || MovableSize(image) < kDibHeaderBytes) return nullptr;
+    const BitmapInfoHeader* h = reinterpret_cast<const BitmapInfoHeader*>(lock.bytes);
+    sw = h->biWidth;
+    sh = h->biHeight;
+  }
+  const double w = std::trunc(sw * xPercent / 100.0 + 0.5);
+  const double h = std::trunc(sh * yPercent / 100.0 + 0.5);
+  if (!(w >= 0.0 && w < 0x7FFFFFFF && h >= 0.0 && h < 0x7FFFFFFF)) return nullptr;
+  return ResampleImage(image, static_cast<int32_t>(w), static_cast<int32_t>(h), 0, 1.0);
+}

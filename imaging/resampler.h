@@ -1,0 +1,58 @@
+// The separable two-pass resampler and its table of filter kernels. Pictures of 8, 24 or 32 bits
+// are filtered channel by channel (an 8-bit picture by its index values, as grey); each pass
+// computes one contribution list per target line and reuses it along the line. Results are new
+// Packed DIBs owned by the caller; the source is never changed.
+#pragma once
+
+#include <cstdint>
+
+#include "platform/memory.h"
+
+typedef double (*FilterKernel)(double x, double support);
+
+struct FilterEntry {
+  FilterKernel kernel;
+  double support;
+};
+
+enum FilterRow {
+  kFilterBoxUnused,
+  kFilterPoint,
+  kFilterBox,
+  kFilterTriangle,
+  kFilterHermite,
+  kFilterHanning,
+  kFilterHamming,
+  kFilterBlackman,
+  kFilterGaussian,
+  kFilterQuadratic,
+  kFilterCubic,
+  kFilterCatmullRom,
+  kFilterMitchell,
+  kFilterLanczos,
+  kFilterBlackmanBessel,
+  kFilterBlackmanSinc,
+  kFilterRows
+};
+
+extern const FilterEntry kFilters[kFilterRows];
+
+struct Contribution {
+  double weight;
+  int32_t pixel;
+};
+
+// A new picture of `width` by `height` with the depth and colour table of `image`, or 0. `blur`
+// of 1.0 adds no softening. A same-size call with blur 1.0 gives a byte copy.
+MovableHandle ResampleImage(MovableHandle image, int32_t width, int32_t height, int32_t unused,
+                            double blur);
+// ResampleImage to a percentage of each side, rounded half up; blur 1.0.
+MovableHandle ResampleByPercent(MovableHandle image, double xPercent, double yPercent);
+
+// The two passes, on locked pictures of equal depth: across changes the width (the heights are
+// equal), down changes the height. `contributions` holds room for the widest support. Return 0
+// when the room is too small.
+int ResampleAcross(void* source, void* target, double factor, const FilterEntry& filter,
+                   double blur, Contribution* contributions, int32_t capacity);
+int ResampleDown(void* source, void* target, double factor, const FilterEntry& filter, double blur,
+                 Contribution* contributions, int32_t capacity);

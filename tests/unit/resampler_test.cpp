@@ -1,0 +1,148 @@
+// The kernel table and the resampler: size rules, copies, clamping, the product against the
+// plain reference on every depth, and allocation failures.
+#include "imaging/resampler.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <numbers>
+#include <random>
+#include <vector>
+
+#include "shell/packed_dib.h"
+#include "tests/support/alloc_sweep.h"
+#include "tests/support/imaging_reference.h"
+
+namespace {
+
+struct Owned {
+  MovableHandle h;
+  explicit Owned(MovableHandle handle) : h(handle) {}
+  ~Owned() { MovableFree(h); }
+};
+
+double K(int row, double x) {
+  return kFilters[row].kernel(x, kFilters[row].support);
+}
+
+TEST(FilterTable, KernelsAtTheirKnownPoints) {
+  EXPECT_EQ(K(kFilterBox, -0.5), 1.0);
+  EXPECT_EQ(K(kFilterBox, 0.5), 0.0);
+  EXPECT_EQ(K(kFilterPoint, 0.25), 1.0);
+  EXPECT_EQ(K(kFilterTriangle, 0.25), 0.75);
+  EXPECT_EQ(K(kFilterHermite, 0.5), 0.5);
+  EXPECT_NEAR(K(kFilterHanning, 1.0), 0.0, 1e-15);
+  EXPECT_NEAR(K(kFilterHamming, 1.0), 0.08, 1e-15);
+  EXPECT_NEAR(K(kFilterBlackman, 0.0), 1.0, 1e-15);
+  EXPECT_NEAR(K(kFilterGaussian, 0.0), std::sqrt(2.0 / std::numbers::pi), 1e-15);
+  EXPECT_EQ(K(kFilterQuadratic, 1.0), 0.125);
+  EXPECT_NEAR(K(kFilterCubic, 0.0), 2.0 / 3.0, 1e-15);
+  EXPECT_NEAR(K(kFilterCubic, 1.0), 1.0 / 6.0, 1e-15);
+  EXPECT_EQ(K(kFilterCatmullRom, 0.0), 1.0);
+  EXPECT_NEAR(K(kFilterCatmullRom, 1.0), 0.0, 1e-15);
+  EXPECT_NEAR(K(kFilterMitchell, 0.0), 8.0 / 9.0, 1e-15);
+  EXPECT_NEAR(K(kFilterMitchell, -1.0), 1.0 / 18.0, 1e-15);
+  EXPECT_NEAR(K(kFilterMitchell, 1.5), K(kFilterMitchell, -1.5), 1e-15);
+  EXPECT_EQ(K(kFilterMitchell, 2.0), 0.0);
+  EXPECT_EQ(K(kFilterLanczos, 0.0), 1.0);
+  EXPECT_NEAR(K(kFilterLanczos, 2.0), 0.0, 1e-15);
+  EXPECT_LT(K(kFilterLanczos, 1.5), 0.0);  // the negative lobe that overshoots
+  EXPECT_EQ(K(kFilterLanczos, 3.5), 0.0);
+  EXPECT_NEAR(K(kFilterBlackmanBessel, 0.0), std::numbers::pi / 4.0, 1e-15);
+  EXPECT_NEAR(K(kFilterBlackmanBessel, 1e-9), std::numbers::pi / 4.0, 1e-6);
+  EXPECT_NEAR(K(kFilterBlackmanSinc, 0.0), 1.0, 1e-15);
+}
+
+int32_t Width(MovableHandle h) {
+  ScopedLock lock(h);
+  return reinterpret_cast<const BitmapInfoHeader*>(lock.bytes)->biWidth;
+}
+
+TEST(ResampleImage, SameSizeCopiesAndPercentRoundsHalfUp) {
+  std::mt19937 rng(3);
+  Owned image(MakeRandomImage(rng, 101, 7, 24));
+  Owned copy(ResampleImage(image.h, 101, 7, 0, 1.0));
+  EXPECT_TRUE(SameBlocks(image.h, copy.h));
+  Owned soft(ResampleImage(image.h, 101, 7, 0, 1.5));
+  EXPECT_FALSE(SameBlocks(image.h, soft.h));
+  Owned half(ResampleByPercent(image.h, 50.0, 100.0));
+  EXPECT_EQ(Width(half.h), 51);
+  Owned bits(CreatePackedDib(4, 4, nullptr, 4));
+  EXPECT_EQ(ResampleImage(bits.h, 8, 8, 0, 1.0), nullptr);
+}
+
+TEST(ResampleImage, OnePixelWideEnlargementRepeatsTheColumn) {
+  const uint32_t column[] = {0x102030, 0xC0B0A0, 0x00FF7F};
+  Owned image(MakeImage24(1, 3, column));
+  Owned wide(ResampleImage(image.h, 5, 3, 0, 1.0));
+  ScopedLock lock(wide.h);
+  for (int32_t y = 0; y < 3; ++y)
+    for (int32_t x = 1; x < 5; ++x)
+      EXPECT_EQ(ReadDibPixel(lock.bytes, x, y), ReadDibPixel(lock.bytes, 0, y)) << x << "," << y;
+  const uint32_t one[] = {0x123456};
+  Owned dot(MakeImage24(1, 1, one));
+  Owned block(ResampleImage(dot.h, 4, 6, 0, 1.0));
+  ScopedLock dots(block.h);
+  for (int32_t y = 0; y < 6; ++y)
+    for (int32_t x = 0; x < 4; ++x) EXPECT_EQ(ReadDibPixel(dots.bytes, x, y), 0x123456u);
+}
+
+TEST(ResampleImage, OvershootClampsWithoutWrapping) {
+  // A hard edge in an 8-bit grey picture: the negative lobes push past 0 and 255 on both sides.
+  for (int32_t size : {5, 13}) {
+    Owned edge(CreatePackedDib(8, 1, nullptr, 8));
+    {
+      ScopedLock lock(edge.h);
+      for (int32_t x = 4; x < 8; ++x) WriteDibPixel(lock.bytes, x, 0, 255);
+    }
+    Owned out(ResampleImage(edge.h, size, 1, 0, 1.0));
+    ScopedLock lock(out.h);
+    // A wrapped undershoot would show as a bright pixel on the dark side, and a wrapped overshoot
+    // as a dark one on the bright side; the clamped lobes are exactly 0 and 255.
+    bool sawBlack = false, sawWhite = false;
+    for (int32_t x = 0; x < size; ++x) {
+      const uint32_t v = ReadDibPixel(lock.bytes, x, 0);
+      if (2 * x + 1 < size) {
+        EXPECT_LT(v, 64u) << "size " << size << " x " << x;
+      } else if (2 * x + 1 > size) {
+        EXPECT_GT(v, 191u) << "size " << size << " x " << x;
+      }
+      sawBlack = sawBlack || v == 0;
+      sawWhite = sawWhite || v == 255;
+    }
+    EXPECT_TRUE(sawBlack && sawWhite) << size;
+  }
+}
+
+TEST(ResampleImage, MatchesTheReference) {
+  std::mt19937 rng(11);
+  struct Case {
+    int32_t sw, sh, tw, th;
+    double blur;
+  } cases[] = {{1, 1, 3, 2, 1.0},  {41, 3, 20, 7, 1.0},  {5, 9, 5, 4, 1.0},
+               {2, 2, 1, 1, 1.0},  {3, 5, 41, 2, 1.0},   {17, 17, 17, 17, 1.3},
+               {7, 3, 9, 9, 0.7},  {101, 2, 51, 2, 1.0}, {20000, 1, 1, 1, 1.0},
+               {1, 5, 2, 300, 1.0}};
+  for (int32_t depth : {8, 24, 32})
+    for (const Case& c : cases) {
+      Owned image(MakeRandomImage(rng, c.sw, c.sh, depth));
+      Owned a(ResampleImage(image.h, c.tw, c.th, 0, c.blur));
+      Owned b(RefResampleImage(image.h, c.tw, c.th, c.blur));
+      EXPECT_TRUE(SameBlocks(a.h, b.h))
+          << depth << " bits " << c.sw << "x" << c.sh << " to " << c.tw << "x" << c.th;
+    }
+}
+
+TEST(ResampleImage, AllocationFailuresLeakNothing) {
+  std::mt19937 rng(8);
+  Owned image(MakeRandomImage(rng, 30, 20, 24));
+  for (int32_t w : {30, 45, 12}) {
+    EXPECT_TRUE(SweepAllocationFailures([&] {
+      MovableHandle out = ResampleImage(image.h, w, 20, 0, 1.0);
+      MovableFree(out);
+      return out != nullptr;
+    }));
+  }
+}
+
+}  // namespace
