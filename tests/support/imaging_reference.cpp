@@ -253,12 +253,6 @@ void MakeRandomPalette(std::mt19937& rng, uint8_t* palette, int32_t count) {
   }
 }
 
-bool SameBlocks(MovableHandle a, MovableHandle b) {
-  if (!a || !b || MovableSize(a) != MovableSize(b)) return false;
-  ScopedLock la(a), lb(b);
-  return std::memcmp(la.bytes, lb.bytes, MovableSize(a)) == 0;
-}
-
 MovableHandle MakeImage24(int32_t width, int32_t height, const uint32_t* pixels) {
   MovableHandle image = CreatePackedDib(width, height, nullptr, 24);
   ScopedLock lock(image);

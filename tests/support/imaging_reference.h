@@ -2,6 +2,8 @@
 // no shortcuts. The product versions are compared with these byte for byte.
 #pragma once
 
+#include "tests/support/test_images.h"  // SameBlocks
+
 #include <cstdint>
 #include <random>
 
@@ -21,8 +23,6 @@ MovableHandle RefRemapToPalette(MovableHandle image, const uint8_t* palette, int
 MovableHandle MakeRandomImage(std::mt19937& rng, int32_t width, int32_t height, int32_t depth);
 // A random palette of `count` entries, many of them repeated, the rest zero.
 void MakeRandomPalette(std::mt19937& rng, uint8_t* palette, int32_t count);
-// Whether two blocks have the same size and bytes.
-bool SameBlocks(MovableHandle a, MovableHandle b);
 // A 24-bit picture whose pixels (0x00BBGGRR, top-left first, row by row) are given.
 MovableHandle MakeImage24(int32_t width, int32_t height, const uint32_t* pixels);
 
