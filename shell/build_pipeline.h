@@ -6,6 +6,7 @@
 
 #include <cstdint>
 
+#include "imaging/dither.h"
 #include "platform/dialog.h"
 #include "platform/memory.h"
 #include "shell/effect_table.h"
@@ -32,6 +33,31 @@ struct BuildRun {
   MovableHandle previous;  // the picture as a viewer sees it so far, while supercompressing
   int32_t maxWidth, maxHeight;
 };
+
+// The state of the main dialog's boxes that a run reads.
+struct BuildOptions {
+  int32_t maskBackground;     // keep the key colour exact through remapping
+  int32_t trueColour;         // no palette
+  int32_t customPalette;      // quantise the frames instead of the fixed palette
+  int32_t dither;             // dither rather than remap
+  int32_t superCompress;      // later frames keep only changed pixels
+  int32_t transparent;        // the file gets a transparent colour
+  int32_t alphaTransparency;  // frames with an alpha plane (builds only)
+  int32_t fixedPalette;       // number of the fixed palette
+  int32_t addComment;         // the descriptive comment block goes into the file
+  RemapSettings remap;
+};
+
+// The messages a run ends with.
+extern const char kCreateFileFailedText[];
+extern const char kAddImageFailedText[];
+
+// One whole run for `effect`, from its frames to a closed file of the host: settings, fixed
+// palette, frames, custom palette, supercompression, remapping, handing over and the end. A
+// failure shows its message in the dialog. Returns 1 when the host took the file, else 0; either
+// way every frame is freed.
+int RunBuild(WindowHandle dialog, HostRecord* host, int32_t isTest, const BuildOptions* options,
+             const EffectEntry* effect);
 
 // The depth of a file of `n` colours: 1 up to 2, 2 up to 4, ... 8 up to 256, else 24.
 int32_t PaletteBits(int32_t n);
