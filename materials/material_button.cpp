@@ -5,6 +5,9 @@
 #include <cctype>
 #include <cstring>
 
+#include "imaging/palette.h"
+#include "shell/packed_dib.h"
+
 MovableHandle CreateButtonMaterial(uint32_t creationColour) {
   ScopedBlock block(MovableAlloc(kMaterialSize));
   ScopedLock lock(block.handle);
@@ -28,6 +31,49 @@ void FreeButtonMaterial(MovableHandle material) {
     }
   }
   MovableFree(material);
+}
+
+MovableHandle DuplicateButtonMaterial(MovableHandle material) {
+  ScopedBlock copy(CopyMovableBlock(material));
+  ScopedLock lock(copy.handle);
+  if (!lock || MovableSize(copy.handle) < kMaterialSize) return nullptr;
+  Material* record = reinterpret_cast<Material*>(lock.bytes);
+  record->preview = nullptr;
+  if (record->tileImage) {
+    record->tileImage = DuplicateHandle(record->tileImage);
+    if (!record->tileImage) return nullptr;
+  }
+  return copy.Release();
+}
+
+uint32_t AverageImageColour(MovableHandle image) {
+  ScopedLock lock(image);
+  if (!lock) return 0;
+  const BitmapInfoHeader* h = reinterpret_cast<const BitmapInfoHeader*>(lock.bytes);
+  const uint64_t count = static_cast<uint64_t>(h->biWidth) * static_cast<uint64_t>(h->biHeight);
+  if (h->biWidth <= 0 || h->biHeight <= 0) return 0;
+  uint64_t sums[3] = {};
+  for (int32_t y = 0; y < h->biHeight; ++y)
+    for (int32_t x = 0; x < h->biWidth; ++x) {
+      const uint32_t pixel = ReadDibPixel(lock.bytes, x, y);
+      for (int c = 0; c < 3; ++c) sums[c] += (pixel >> (8 * c)) & 0xFF;
+    }
+  return static_cast<uint32_t>(sums[0] / count | (sums[1] / count) << 8 | (sums[2] / count) << 16);
+}
+
+int RefreshMaterialPreview(Material* material, int32_t width, int32_t height) {
+  MovableHandle preview = MaterialFill(material, width, height);
+  if (!preview) return 0;
+  MovableFree(material->preview);
+  material->preview = preview;
+  material->averageColour = AverageImageColour(preview);
+  return 1;
+}
+
+uint32_t MaterialCaptionColour(uint32_t average) {
+  const uint8_t luminance =
+      LuminanceKey(average & 0xFF, (average >> 8) & 0xFF, (average >> 16) & 0xFF);
+  return luminance <= 0x80 ? 0xFFFFFF : 0x000000;
 }
 
 std::string MaterialDocumentLine(int32_t controlId, MovableHandle material) {

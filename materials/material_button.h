@@ -17,6 +17,18 @@ MovableHandle CreateButtonMaterial(uint32_t creationColour);
 // Frees the record's tile and preview images, then the block. A null handle is accepted.
 void FreeButtonMaterial(MovableHandle material);
 
+// A copy of the record in a new block for an editor or another button: `preview` cleared,
+// `tileImage` duplicated. Null when memory fails.
+MovableHandle DuplicateButtonMaterial(MovableHandle material);
+
+// Makes the button's picture again: `preview` becomes MaterialFill at width by height and
+// `averageColour` the mean of its pixels. A failed fill keeps the old preview and returns 0.
+int RefreshMaterialPreview(Material* material, int32_t width, int32_t height);
+// The mean colour of a 24-bit picture, each channel's sum divided by the pixel count; 0 when empty.
+uint32_t AverageImageColour(MovableHandle image);
+// The caption colour on a preview of mean colour `average`: white on dark, black on light.
+uint32_t MaterialCaptionColour(uint32_t average);
+
 // The document line of the button `controlId` holding `material`, ending in a newline; empty when
 // the block cannot be read.
 std::string MaterialDocumentLine(int32_t controlId, MovableHandle material);

@@ -161,3 +161,49 @@ TEST(CentredCrop, KeepsTheMiddleRowsOrColumnsAndTheTable) {
   EXPECT_EQ(rect[2], 100);
   EXPECT_EQ(rect[3], 100);
 }
+
+TEST(MaterialButton, PreviewAverageCaptionAndDuplicate) {
+  MovableHandle button = CreateButtonMaterial(0x204060);
+  {
+    ScopedLock lock(button);
+    Material* m = reinterpret_cast<Material*>(lock.bytes);
+    ASSERT_EQ(RefreshMaterialPreview(m, 6, 4), 1);
+    EXPECT_EQ(m->averageColour, 0x204060u);
+    EXPECT_EQ(MaterialCaptionColour(m->averageColour), 0xFFFFFFu);
+    m->tileImage = RandomImage(3, 3, 24, 5);
+    // A failed fill keeps the old preview and its average.
+    const MovableHandle before = m->preview;
+    m->kind = kMaterialTile;
+    EXPECT_EQ(RefreshMaterialPreview(m, 6, 4), 0);
+    EXPECT_EQ(m->preview, before);
+    EXPECT_EQ(m->averageColour, 0x204060u);
+  }
+  // Halves of black and of white average to 127 per channel, and white captions stay up to 0x80.
+  ScopedBlock halves(CreatePackedDib(2, 1, nullptr, 24));
+  {
+    ScopedLock p(halves.handle);
+    WriteDibPixel(p.bytes, 1, 0, 0xFFFFFF);
+  }
+  EXPECT_EQ(AverageImageColour(halves.handle), 0x7F7F7Fu);
+  EXPECT_EQ(MaterialCaptionColour(0x818181), 0xFFFFFFu);  // 38 + 75 + 14 = 127
+  EXPECT_EQ(MaterialCaptionColour(0x838383), 0u);         // 39 + 77 + 14 = 130
+
+  MovableHandle copy = DuplicateButtonMaterial(button);
+  {
+    ScopedLock a(button), b(copy);
+    ASSERT_TRUE(b);
+    const Material* original = reinterpret_cast<const Material*>(a.bytes);
+    const Material* twin = reinterpret_cast<const Material*>(b.bytes);
+    EXPECT_EQ(twin->preview, nullptr);
+    EXPECT_NE(twin->tileImage, original->tileImage);
+    EXPECT_TRUE(SameBlocks(twin->tileImage, original->tileImage));
+    EXPECT_EQ(twin->solidColour, 0x204060u);
+  }
+  EXPECT_TRUE(SweepAllocationFailures([&] {
+    MovableHandle twin = DuplicateButtonMaterial(button);
+    FreeButtonMaterial(twin);
+    return twin != nullptr;
+  }));
+  FreeButtonMaterial(copy);
+  FreeButtonMaterial(button);
+}
