@@ -4,33 +4,35 @@
 
 #include <cstring>
 
+#include "controls/page_tables.h"
+
 // Rows in alphabetical order of the names but for Omni, which stands ahead of Machine: the index is
 // stored in settings and documents and must not move. Procedures stay null until an effect is built.
 const EffectEntry EffectTable[kEffectCount] = {
-    {"Arrows", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
-    {"Candy", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
-    {"Confetti", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
-    {"Diagonal Fuse", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
-    {"Heartbeat", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
-    {"Omni", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
-    {"Machine", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
-    {"Neural Network", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
-    {"Quark", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
-    {"Quark Outline", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
-    {"Rattle", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
-    {"Ring", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
-    {"Simple", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
-    {"Snow", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
-    {"Stars", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
-    {"Tracks", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
-    {"Tram Lines", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
-    {"Unplugged TV", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
-    {"Waterside", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
-    {"Wavelet", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
-    {"Zipper", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr},
+    {"Arrows", nullptr, nullptr, nullptr, nullptr, kPageIds<7>.data(), nullptr},
+    {"Candy", nullptr, nullptr, nullptr, nullptr, kPageIds<17>.data(), nullptr},
+    {"Confetti", nullptr, nullptr, nullptr, nullptr, kPageIds<16>.data(), nullptr},
+    {"Diagonal Fuse", nullptr, nullptr, nullptr, nullptr, kPageIds<12>.data(), nullptr},
+    {"Heartbeat", nullptr, nullptr, nullptr, nullptr, kPageIds<10>.data(), nullptr},
+    {"Omni", nullptr, nullptr, nullptr, nullptr, kPageIds<11>.data(), nullptr},
+    {"Machine", nullptr, nullptr, nullptr, nullptr, kPageIds<4>.data(), nullptr},
+    {"Neural Network", nullptr, nullptr, nullptr, nullptr, kPageIds<6>.data(), nullptr},
+    {"Quark", nullptr, nullptr, nullptr, nullptr, kPageIds<5>.data(), nullptr},
+    {"Quark Outline", nullptr, nullptr, nullptr, nullptr, kPageIds<13>.data(), nullptr},
+    {"Rattle", nullptr, nullptr, nullptr, nullptr, kPageIds<18>.data(), nullptr},
+    {"Ring", nullptr, nullptr, nullptr, nullptr, kPageIds<1>.data(), nullptr},
+    {"Simple", nullptr, nullptr, nullptr, nullptr, kPageIds<0>.data(), nullptr},
+    {"Snow", nullptr, nullptr, nullptr, nullptr, kPageIds<2>.data(), nullptr},
+    {"Stars", nullptr, nullptr, nullptr, nullptr, kPageIds<3>.data(), nullptr},
+    {"Tracks", nullptr, nullptr, nullptr, nullptr, kPageIds<15>.data(), nullptr},
+    {"Tram Lines", nullptr, nullptr, nullptr, nullptr, kPageIds<20>.data(), nullptr},
+    {"Unplugged TV", nullptr, nullptr, nullptr, nullptr, kPageIds<19>.data(), nullptr},
+    {"Waterside", nullptr, nullptr, nullptr, nullptr, kPageIds<8>.data(), nullptr},
+    {"Wavelet", nullptr, nullptr, nullptr, nullptr, kPageIds<9>.data(), nullptr},
+    {"Zipper", nullptr, nullptr, nullptr, nullptr, kPageIds<14>.data(), nullptr},
 };
 
-const int32_t EffectStyle[kEffectCount] = {7, 17, 16, 12, 10, 11, 4, 6,  5, 13, 18,
+const int32_t EffectStyle[kEffectCount] = {7, 17, 16, 12, 10, 11, 4,  6, 5, 13, 18,
                                            1, 0,  2,  3,  15, 20, 19, 8, 9, 14};
 
 int32_t EffectRowForBuild(int32_t row) {

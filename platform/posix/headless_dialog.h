@@ -1,6 +1,7 @@
 // The headless dialog model: dialogs and controls as records in memory, for programs and tests that
-// run without a window system. A dialog owns its controls; destroying it frees them all.
-// Controls keep their creation order, which is the order DialogEnumChildren visits them in.
+// run without a window system. A dialog owns its controls; destroying it frees them all, pickers'
+// blocks included. Controls keep their creation order, which is the order DialogEnumChildren
+// visits them in. DialogCreate and DialogAddControl (platform/dialog.h) make fully typed controls.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +10,7 @@
 
 // A new, empty dialog, or null.
 WindowHandle HeadlessDialogCreate();
-// Adds a control with `id`, hidden unless `visible`, and returns it, or null.
+// Adds a control with `id` and no value kind, hidden unless `visible`, and returns it, or null.
 WindowHandle HeadlessDialogAddControl(WindowHandle dialog, int32_t id, int visible);
 // Frees the dialog and all its controls. A null handle is accepted.
 void HeadlessDialogDestroy(WindowHandle dialog);

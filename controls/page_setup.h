@@ -1,0 +1,21 @@
+// Making a dialog's controls from the tables and tying them to their settings: the main dialog's
+// own controls, then the pages of all effects in the order of the effect table's rows. Labels
+// come only with page controls (at id + 1); spin edits get their updown at id + 10000.
+#pragma once
+
+#include <cstdint>
+
+#include "controls/page_tables.h"
+#include "platform/dialog.h"
+
+// Adds the controls of one table to `dialog`. Returns 0 when a control can't be made.
+int AddTableControls(WindowHandle dialog, const PageTable& table, int withLabels);
+// Adds the main dialog's controls and every page's. Returns 0 on failure.
+int AddAllDialogControls(WindowHandle dialog);
+// Sets a table's controls from their settings and binds them, in table order; controls without a
+// setting take the table's initial values (range default, colour, check state).
+void SetUpTableControls(WindowHandle dialog, const PageTable& table);
+// The same for the main dialog and all pages: fills the Effect box with the effect names first.
+void SetUpAllDialogControls(WindowHandle dialog);
+// A dialog holding every control, set from the settings; null on failure. Free with DialogDestroy.
+WindowHandle CreateValueDialog();

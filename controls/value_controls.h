@@ -1,0 +1,72 @@
+// The value controls: how each kind holds its value, reads it clamped, stores it through the
+// setting address in its user data, and writes and takes its line of an effect document. Written
+// once on the dialog port, so the Windows class procedures and the headless model behave alike.
+// Spin edits take their range from the updown partner at id + 10000 ("min,max,default").
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "platform/dialog.h"
+
+constexpr int32_t kUpDownIdOffset = 10000;
+constexpr int32_t kFirstTimedId = 50;  // changes to ids from here on restart the update timer
+constexpr int32_t kBuildButtonId = 1;
+constexpr int32_t kTextFieldId = 52;
+constexpr int32_t kComboSelectionChanged = 8;  // CBN_SELCHANGE
+constexpr size_t kDocumentTextLimit = 1024;    // a text line is cut to this on writing
+constexpr size_t kDocumentLineLimit = 8192;    // a document line is read up to this, terminator in
+
+// Private messages of the dialog and its controls.
+constexpr uint32_t kMessageAfterLoad = 1224;
+constexpr uint32_t kMessagePickerSetUp = 1324;
+constexpr uint32_t kMessagePickerReadBack = 1326;
+constexpr uint32_t kMessageRepaintSample = 1327;
+constexpr uint32_t kMessageWriteLine = 1334;
+constexpr uint32_t kMessageReadLine = 1335;
+
+// The six-letter word that starts a kind's document line, or null for kinds without lines.
+const char* ControlTag(ControlKind kind);
+// Nonzero when the line's first six characters are `tag`, ignoring case.
+int TagMatches(const char* line, const char* tag);
+
+// The text as GetDlgItemInt translates it: leading white space, a minus sign when `isSigned`, and
+// decimal digits up to the first other character. No digits, or a value beyond the type's range,
+// gives 0 with *translated 0.
+uint32_t ParseDlgItemInt(const char* text, int isSigned, int* translated);
+uint32_t GetDialogItemInt(WindowHandle dialog, int32_t id, int* translated, int isSigned);
+void SetDialogItemInt(WindowHandle dialog, int32_t id, uint32_t value, int isSigned);
+
+// The range of a spin edit: min 0 and max 100 unless the updown's text scans as "%d,%d,%d"; a scan
+// that stops early keeps what it read so far.
+struct SpinRange {
+  int32_t min;
+  int32_t max;
+  int32_t initial;
+};
+SpinRange ParseSpinRange(const char* text);
+// The value of spin edit `id`, clamped to its updown's range.
+int32_t ReadDlgValue(WindowHandle dialog, int32_t id);
+
+// Copies a control's value into the setting its user data points to (nothing without one).
+void StoreControlValue(WindowHandle control);
+// Sets a control from the setting at `setting` and ties the two together. Pickers are set up with
+// the value and mirror the setting from then on.
+void BindControl(WindowHandle control, void* setting);
+
+// The document line of a control, as written by message 1334, without the line feed. Returns the
+// length, or 0 for a control with no line (the buffer then holds an empty string).
+size_t FormatControlLine(WindowHandle control, char* line, size_t size);
+// Takes a document line as message 1335 does: the word must be the kind's, then "=" and the value.
+// Sets the control and stores through its user data. Returns 1 when the line was taken.
+int TakeControlLine(WindowHandle control, const char* line);
+
+// A command from control `id`: stores its value as its kind says and restarts the update timer
+// for ids of 50 and above. Ignored while the dialog is hidden.
+void HandleValueCommand(WindowHandle dialog, int32_t id, int32_t notification);
+
+// The colour chooser behind colour buttons: given the current colour, the owner and the swatch
+// table (BuildSwatchTable), returns nonzero with the chosen colour, or 0 when the user cancelled.
+// The host's HostOpChooseColour unless replaced; null puts it back.
+typedef int (*ColourChooser)(WindowHandle owner, uint32_t* colour, const uint8_t* swatches);
+void SetColourChooser(ColourChooser chooser);

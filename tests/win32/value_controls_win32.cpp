@@ -1,0 +1,99 @@
+// The Windows side of the value controls: kinds told by their class procedures, the pickers' and
+// colour buttons' painting read back from the screen, and a document for the native comparison.
+#include <windows.h>
+
+#include <fstream>
+#include <set>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "controls/page_setup.h"
+#include "controls/direction_picker.h"
+#include "controls/value_controls.h"
+#include "documents/effect_document.h"
+#include "documents/settings.h"
+#include "tests/support/value_dialog.h"
+
+namespace {
+
+HWND W(WindowHandle handle) {
+  return reinterpret_cast<HWND>(handle);
+}
+
+// A dialog on the screen, so that what its controls paint can be read back.
+WindowHandle ScreenDialog() {
+  WindowHandle dialog = DialogCreate();
+  SetWindowPos(W(dialog), HWND_TOPMOST, 0, 0, 300, 200, SWP_SHOWWINDOW);
+  return dialog;
+}
+
+COLORREF PixelOf(WindowHandle control, int x, int y) {
+  HDC dc = GetDC(W(control));
+  const COLORREF colour = GetPixel(dc, x, y);
+  ReleaseDC(W(control), dc);
+  return colour;
+}
+
+}  // namespace
+
+TEST(ValueControlsWin32, EachKindHasItsOwnClassProcedure) {
+  WindowHandle dialog = DialogCreate();
+  std::set<LONG_PTR> procedures;
+  const ControlKind kinds[] = {kControlColourButton,  kControlSpinEdit,      kControlSignedSpinEdit,
+                               kControlUpDown,        kControlCheckBox,      kControlTextField,
+                               kControlComboList,     kControlListBoxList,   kControlFontBox,
+                               kControlShadowPicker,  kControlScroll4Picker, kControlScroll2Picker,
+                               kControlScrollHVPicker};
+  int id = 100;
+  for (ControlKind kind : kinds) {
+    WindowHandle control = DialogAddControl(dialog, id++, kind, "");
+    ASSERT_NE(control, nullptr);
+    EXPECT_EQ(DialogControlKind(control), kind);
+    procedures.insert(GetWindowLongPtrA(W(control), GWLP_WNDPROC));
+  }
+  EXPECT_EQ(procedures.size(), sizeof kinds / sizeof kinds[0]);
+  DialogDestroy(dialog);
+}
+
+TEST(ValueControlsWin32, PickerPaintsTheSelectedCellPressed) {
+  WindowHandle dialog = ScreenDialog();
+  WindowHandle picker = DialogAddControl(dialog, 120, kControlShadowPicker, "3");
+  DialogPickerSetUp(picker, 3, nullptr);
+  RedrawWindow(W(dialog), nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
+  EXPECT_EQ(PixelOf(picker, 51, 26), GetSysColor(COLOR_BTNSHADOW));   // cell 3, selected
+  EXPECT_EQ(PixelOf(picker, 50, 25), GetSysColor(COLOR_3DDKSHADOW));  // its frame
+  EXPECT_EQ(PixelOf(picker, 64, 37), RGB(0, 0, 0));                   // its arrow's shaft
+  EXPECT_EQ(PixelOf(picker, 20, 3), GetSysColor(COLOR_BTNFACE));      // cell 0, raised
+  DialogPickerClick(picker, 5, 5);
+  RedrawWindow(W(picker), nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
+  EXPECT_EQ(PixelOf(picker, 51, 26), GetSysColor(COLOR_BTNFACE));
+  EXPECT_EQ(PixelOf(picker, 20, 3), GetSysColor(COLOR_BTNSHADOW));
+  DialogDestroy(dialog);
+}
+
+TEST(ValueControlsWin32, ColourButtonPaintsItsColour) {
+  WindowHandle dialog = ScreenDialog();
+  WindowHandle button = DialogAddControl(dialog, 106, kControlColourButton, "255");
+  RedrawWindow(W(dialog), nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
+  EXPECT_EQ(PixelOf(button, 10, 10), RGB(255, 0, 0));
+  DialogEnableItem(button, 0);
+  RedrawWindow(W(button), nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
+  EXPECT_EQ(PixelOf(button, 10, 10), GetSysColor(COLOR_BTNFACE));
+  DialogDestroy(dialog);
+}
+
+// Writes a changed dialog's document and its state for the native build to load and compare.
+TEST(ValueControlsWin32, WritesADocumentForTheNativeBuild) {
+  ResetSettings();
+  CreateDirectoryA("parity", nullptr);
+  WindowHandle dialog = CreateValueDialog();
+  ASSERT_NE(dialog, nullptr);
+  AddTestFonts(dialog);
+  ChangeEveryControl(dialog, 5);
+  ASSERT_EQ(SaveDocument(dialog, "parity/document.gm5"), 1);
+  std::ofstream state("parity/document-state.txt");
+  for (const std::string& line : DialogState(dialog)) state << line << "\n";
+  DialogDestroy(dialog);
+  ResetSettings();
+}
