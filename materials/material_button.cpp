@@ -33,6 +33,16 @@ void FreeButtonMaterial(MovableHandle material) {
   MovableFree(material);
 }
 
+MovableHandle ButtonMaterialHandle(WindowHandle button) {
+  return button ? static_cast<MovableHandle>(DialogGetUserData(button)) : nullptr;
+}
+
+Material* MaterialForButton(WindowHandle button) {
+  MovableHandle handle = ButtonMaterialHandle(button);
+  if (!handle) return nullptr;
+  return static_cast<Material*>(MovableLock(handle));
+}
+
 MovableHandle DuplicateButtonMaterial(MovableHandle material) {
   ScopedBlock copy(CopyMovableBlock(material));
   ScopedLock lock(copy.handle);

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "materials/material.h"
+#include "platform/dialog.h"
 #include "platform/memory.h"
 
 constexpr const char kMaterialLineKey[] = "MATLBT";
@@ -16,6 +17,12 @@ constexpr uint32_t kMaterialHexDigits = kMaterialSize * 2;
 MovableHandle CreateButtonMaterial(uint32_t creationColour);
 // Frees the record's tile and preview images, then the block. A null handle is accepted.
 void FreeButtonMaterial(MovableHandle material);
+
+// The handle a material button keeps in its user data, or null.
+MovableHandle ButtonMaterialHandle(WindowHandle button);
+// The button's Material, locked, or null when it has none. The caller unlocks
+// ButtonMaterialHandle(button) when finished.
+Material* MaterialForButton(WindowHandle button);
 
 // A copy of the record in a new block for an editor or another button: `preview` cleared,
 // `tileImage` duplicated. Null when memory fails.

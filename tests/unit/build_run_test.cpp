@@ -1,97 +1,15 @@
-// Whole runs of the build pipeline against the in-process host, with a stand-in effect whose
-// frames and key colour each case sets.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstring>
 #include <vector>
 
-#include "host/host_session.h"
 #include "imaging/palette.h"
-#include "shell/build_pipeline.h"
+#include "tests/support/build_scenarios.h"
 #include "shell/messages.h"
 #include "shell/packed_dib.h"
-#include "tests/support/alloc_sweep.h"
 
 namespace {
-
-constexpr uint32_t kWhite = 0xFFFFFF;
-
-struct FakeFrame {
-  int32_t width, height, delay;
-  uint32_t base;  // every pixel; (1, 1) and, with `spread`, many more differ
-  int32_t spread;
-};
-
-std::vector<FakeFrame> fakeFrames;
-int32_t fakeKey = kWhite;
-HostSession* session = nullptr;
-std::vector<int32_t> opcodes;
-
-int FakeBuild(BuildContext* context) {
-  for (size_t i = 0; i < fakeFrames.size(); ++i) {
-    const FakeFrame& f = fakeFrames[i];
-    FrameRecord record{};
-    record.image = CreatePackedDib(f.width, f.height, nullptr, 24);
-    record.delay = f.delay;
-    record.transparentIndex = -1;
-    {
-      ScopedLock p(record.image);
-      if (!p) return 0;
-      for (int y = 0; y < f.height; ++y)
-        for (int x = 0; x < f.width; ++x)
-          WriteDibPixel(p.bytes, x, y, f.spread ? (x * 7919 + y * 104729) & 0xFFFFFF : f.base);
-      WriteDibPixel(p.bytes, 1, 1, 0x0000FF - static_cast<uint32_t>(i) * 0x40);
-    }
-    if (!AppendFrame(context->frames, &record)) {
-      MovableFree(record.image);
-      return 0;
-    }
-  }
-  return 1;
-}
-
-int32_t FakeKeyColour(WindowHandle, int32_t mode) {
-  return mode ? -1 : fakeKey;
-}
-
-const EffectEntry kFakeEffect = {"Fake",        nullptr, nullptr, FakeBuild,
-                                 FakeKeyColour, nullptr, nullptr};
-
-uint64_t RecordingService(void* object, int32_t opcode, uint64_t a, uint64_t b) {
-  opcodes.push_back(opcode);
-  return ServeHostCall(session, object, opcode, a, b);
-}
-
-struct Scenario {
-  HostSession host;
-  HostRecord record{};
-  BuildOptions options{};
-  int32_t isTest = 0;
-
-  Scenario() {
-    fakeFrames = {{6, 4, 10, kWhite, 0}, {6, 4, 20, kWhite, 0}, {6, 4, 30, kWhite, 0}};
-    fakeKey = kWhite;
-    record.service = RecordingService;
-    record.capabilities = kHostIndexed;
-    options.customPalette = 1;
-    options.fixedPalette = 6;
-    options.remap = kDefaultRemapSettings;
-  }
-  int Go() {
-    session = &host;
-    opcodes.clear();
-    const long live = MovableLiveCount();
-    const int ok = RunBuild(nullptr, &record, isTest, &options, &kFakeEffect);
-    EXPECT_EQ(MovableLiveCount(), live) << "every frame is freed";
-    return ok;
-  }
-  const HostFile& File() { return *host.files.at(0); }
-  // The value of pixel (x, y) of frame `i` as the host keeps it.
-  uint32_t Pixel(size_t i, int x, int y) {
-    return ReadDibPixel(File().frames.at(i).dib.data(), x, y);
-  }
-};
 
 std::vector<int32_t> Without(const std::vector<int32_t>& calls, int32_t opcode) {
   std::vector<int32_t> kept;
@@ -245,40 +163,4 @@ TEST(BuildRun, KeyColoursTransparencyAndFullPalettes) {
   ASSERT_EQ(sizes.Go(), 1);
   EXPECT_EQ(sizes.File().record.width, 5);
   EXPECT_EQ(sizes.File().record.height, 6);
-}
-
-TEST(BuildRun, RefusalsAndMemoryFailuresEndWithTheirMessage) {
-  Scenario create;
-  create.host.refused.insert(HostOpCreateFile);
-  EXPECT_EQ(create.Go(), 0);
-  EXPECT_STREQ(LastShownMessage(), kCreateFileFailedText);
-  EXPECT_EQ(opcodes.back(), HostOpCreateFile);
-
-  Scenario add;
-  add.host.refused.insert(HostOpAddImage);
-  EXPECT_EQ(add.Go(), 0);
-  EXPECT_STREQ(LastShownMessage(), kAddImageFailedText);
-  EXPECT_EQ(opcodes.back(), HostOpCloseFile);
-  EXPECT_TRUE(add.File().closed);
-  EXPECT_FALSE(add.File().committed);
-
-  Scenario empty;
-  fakeFrames.clear();
-  EXPECT_EQ(empty.Go(), 0);
-  EXPECT_STREQ(LastShownMessage(), "Memory error");
-
-  for (int dither : {0, 1}) {
-    Scenario sweep;
-    sweep.options.superCompress = 1;
-    sweep.options.dither = dither;
-    EXPECT_TRUE(SweepAllocationFailures([&] {
-      sweep.host.files.clear();
-      sweep.host.openFiles.clear();
-      const int ok = RunBuild(nullptr, &sweep.record, 0, &sweep.options, &kFakeEffect);
-      if (!ok) {
-        EXPECT_STREQ(LastShownMessage(), "Memory error");
-      }
-      return ok;
-    }));
-  }
 }
