@@ -6,8 +6,69 @@
 
 #include <cstring>
 
+#include "controls/value_controls.h"
+#include "documents/settings.h"
+#include "materials/material_button.h"
 #include "text/compositing.h"
 #include "text/text_mask.h"
+
+namespace {
+
+// The main dialog's controls that every frame reads.
+constexpr int32_t kIdAntialias = 51, kIdText = 52, kIdFontName = 53, kIdBold = 54, kIdItalic = 55,
+                  kIdFontSize = 57, kIdPad = 59, kIdCharacterSpace = 61, kIdAlphaTransparency = 62,
+                  kIdAlphaBackground = 63;
+
+int Checked(WindowHandle dialog, int32_t id) {
+  return DialogGetCheck(DialogItem(dialog, id));
+}
+
+}  // namespace
+
+int ReadFrameSettings(WindowHandle dialog, const FramePageIds* ids, int32_t sample,
+                      FrameSettings* settings, char (*text)[2][264]) {
+  std::memset(settings, 0, sizeof(*settings));
+  DialogGetText(DialogItem(dialog, kIdText), (*text)[0], sizeof((*text)[0]));
+  DialogGetText(DialogItem(dialog, kIdFontName), (*text)[1], sizeof((*text)[1]));
+  TextLayoutInput& t = settings->text;
+  t.text = (*text)[0];
+  t.faceName = (*text)[1];
+  t.fontSize = ReadDlgValue(dialog, kIdFontSize);
+  t.bold = Checked(dialog, kIdBold);
+  t.italic = Checked(dialog, kIdItalic);
+  t.antialias = Checked(dialog, kIdAntialias);
+  t.spacePercent = ReadDlgValue(dialog, kIdCharacterSpace);
+  t.padding = ReadDlgValue(dialog, kIdPad);
+  t.softness = ReadDlgValue(dialog, ids->softness);
+  t.outlineEnabled = Checked(dialog, ids->outlineEnable);
+  t.shadowEnabled = Checked(dialog, ids->shadowEnable);
+  t.shadowOffset = ReadDlgValue(dialog, ids->shadowOffset);
+  settings->alphaTransparency = Checked(dialog, kIdAlphaTransparency);
+  settings->alphaBackground = Checked(dialog, kIdAlphaBackground);
+  const int32_t* grey = SettingInteger("AlphaGreyBack");
+  settings->alphaGreyBack = grey ? static_cast<uint32_t>(*grey) : 0x7F7F7F;
+  settings->fillOpacity = ReadDlgValue(dialog, ids->fillOpacity);
+  settings->shadowOpacity = ReadDlgValue(dialog, ids->shadowOpacity);
+  int32_t direction = 0;
+  if (!DialogPickerValue(DialogItem(dialog, ids->shadowDirection), &direction)) direction = 0;
+  settings->shadowDirection = direction;
+  int translated;
+  settings->outlineColour = GetDialogItemInt(dialog, ids->outline, &translated, 0);
+  settings->sample = sample;
+  settings->fill = MaterialForButton(DialogItem(dialog, ids->fill));
+  settings->shadow = MaterialForButton(DialogItem(dialog, ids->shadow));
+  settings->background = MaterialForButton(DialogItem(dialog, ids->background));
+  if (settings->fill && settings->shadow && settings->background) return 1;
+  ReleaseFrameSettings(dialog, ids);
+  return 0;
+}
+
+void ReleaseFrameSettings(WindowHandle dialog, const FramePageIds* ids) {
+  for (int32_t id : {ids->fill, ids->shadow, ids->background}) {
+    MovableHandle handle = ButtonMaterialHandle(DialogItem(dialog, id));
+    if (handle) MovableUnlock(handle);
+  }
+}
 
 int BeginTextFrame(WindowHandle window, const FrameSettings* settings, TextFrame* frame) {
   std::memset(frame, 0, sizeof(*frame));

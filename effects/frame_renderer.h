@@ -26,6 +26,23 @@ struct FrameSettings {
   int32_t sample;  // 1 for the dialog's sample: never an alpha plane
 };
 
+// The ids a page reads for the common steps (the main dialog's ids are the same for every page).
+struct FramePageIds {
+  int32_t fill, shadow, background;  // material buttons
+  int32_t outline;                   // colour button
+  int32_t fillOpacity, shadowOpacity, softness, shadowOffset;
+  int32_t shadowDirection;  // eight-way picker
+  int32_t shadowEnable, outlineEnable;
+};
+
+// The parameter step: reads the main dialog's text, font and alpha boxes and the page's controls
+// into `settings`, the text into `text` (which must stay alive while `settings` is used), and locks
+// the three materials. Returns 1, or 0 when a material button holds no record (nothing then stays
+// locked). ReleaseFrameSettings unlocks the materials.
+int ReadFrameSettings(WindowHandle dialog, const FramePageIds* ids, int32_t sample,
+                      FrameSettings* settings, char (*text)[2][264]);
+void ReleaseFrameSettings(WindowHandle dialog, const FramePageIds* ids);
+
 // One frame in the making. Zero it, or let BeginTextFrame do so.
 struct TextFrame {
   const FrameSettings* settings;

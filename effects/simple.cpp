@@ -5,6 +5,10 @@
 
 #include <algorithm>
 
+#include "controls/value_controls.h"
+#include "documents/settings.h"
+#include "effects/frame_renderer.h"
+#include "materials/material_button.h"
 #include "shell/host_interface.h"
 #include "shell/packed_dib.h"
 
@@ -75,4 +79,67 @@ int RunSimpleFrames(BuildContext* context, const SimpleLoopSettings* settings,
     ReportProgress(context, i, count);
   }
   return 1;
+}
+
+namespace {
+
+// Page 7400.
+constexpr FramePageIds kSimpleIds = {100, 102, 104, 106, 108, 110, 114, 116, 120, 122, 123};
+constexpr int32_t kIdFrames = 112, kIdScroll = 118;
+// The main dialog's.
+constexpr int32_t kIdDelay = 11, kIdAnimated = 22, kIdPause = 23, kIdAlphaTransparency = 62,
+                  kIdAlphaBackground = 63;
+
+// The renderer: the common steps unchanged, read afresh from the dialog for every frame.
+MovableHandle RenderSimpleFrame(void* context, const SimpleFrameParams* params) {
+  BuildContext* c = static_cast<BuildContext*>(context);
+  FrameSettings settings;
+  char text[2][264];
+  if (!ReadFrameSettings(c->dialog, &kSimpleIds, c->sample, &settings, &text)) return nullptr;
+  MovableHandle image = RenderStandardFrame(c->dialog, &settings, params->x, params->y);
+  ReleaseFrameSettings(c->dialog, &kSimpleIds);
+  return image;
+}
+
+}  // namespace
+
+int SimpleEffectPreview(BuildContext* context) {
+  context->flags |= kBuildFlagPreview;
+  SimpleFrameParams params{0, 0};
+  context->params = &params;
+  context->image = RenderSimpleFrame(context, &params);
+  return 1;
+}
+
+int SimpleEffectBuild(BuildContext* context) {
+  WindowHandle dialog = context->dialog;
+  SimpleLoopSettings loop;
+  loop.animated = DialogGetCheck(DialogItem(dialog, kIdAnimated));
+  loop.delay = ReadDlgValue(dialog, kIdDelay);
+  loop.pause = ReadDlgValue(dialog, kIdPause);
+  loop.frames = ReadDlgValue(dialog, kIdFrames);
+  if (!DialogPickerValue(DialogItem(dialog, kIdScroll), &loop.scroll)) loop.scroll = 0;
+  if (RunSimpleFrames(context, &loop, RenderSimpleFrame, context)) return 1;
+  MovableFree(context->image);
+  context->image = nullptr;
+  return 0;
+}
+
+int32_t SimpleEffectKeyColour(WindowHandle dialog, int32_t mode) {
+  if (mode) return -1;
+  if (DialogGetCheck(DialogItem(dialog, kIdAlphaTransparency)) &&
+      DialogGetCheck(DialogItem(dialog, kIdAlphaBackground))) {
+    const int32_t* grey = SettingInteger("AlphaGreyBack");
+    return grey ? *grey : -1;
+  }
+  WindowHandle background = DialogItem(dialog, kSimpleIds.background);
+  if (DialogControlKind(background) == kControlColourButton) {
+    int translated;
+    return static_cast<int32_t>(GetDialogItemInt(dialog, kSimpleIds.background, &translated, 0));
+  }
+  const Material* material = MaterialForButton(background);
+  if (!material) return -1;
+  const int32_t colour = static_cast<int32_t>(material->solidColour);
+  MovableUnlock(ButtonMaterialHandle(background));
+  return colour;
 }

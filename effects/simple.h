@@ -36,3 +36,9 @@ typedef MovableHandle (*SimpleFrameRenderer)(void* renderer, const SimpleFramePa
 // an append fails (frames appended so far stay in the list).
 int RunSimpleFrames(BuildContext* context, const SimpleLoopSettings* settings,
                     SimpleFrameRenderer render, void* renderer);
+
+// The effect table's procedures for Simple: the sample at rest, the build, and the key colour
+// (-1 for a nonzero `mode`; else the grey alpha background, or the Background material's colour).
+int SimpleEffectPreview(BuildContext* context);
+int SimpleEffectBuild(BuildContext* context);
+int32_t SimpleEffectKeyColour(WindowHandle dialog, int32_t mode);
