@@ -10,6 +10,7 @@
 
 #include "imaging/octree_quantiser.h"
 #include "imaging/palette.h"
+#include "documents/settings.h"
 #include "shell/messages.h"
 #include "shell/packed_dib.h"
 
@@ -361,5 +362,43 @@ int RunBuild(WindowHandle dialog, HostRecord* host, int32_t isTest, const BuildO
   if (ok) ok = HandOverStep(&run, options);
   MovableFree(run.previous);
   FreeFrameList(&run.frames);
+  return ok;
+}
+
+namespace {
+
+// The main dialog's boxes.
+constexpr int32_t kIdTrueColour = 10, kIdPalette = 13, kIdCustomPalette = 14, kIdDither = 15,
+                  kIdSupercompress = 19, kIdMaskBackground = 21, kIdTransparent = 35,
+                  kIdEffect = 58, kIdAlphaTransparency = 62;
+
+int32_t SettingOr(const char* key, int32_t fallback) {
+  const int32_t* value = SettingInteger(key);
+  return value ? *value : fallback;
+}
+
+}  // namespace
+
+int BuildFrames(WindowHandle dialog, HostRecord* host, int32_t isTest) {
+  auto checked = [dialog](int32_t id) { return DialogGetCheck(DialogItem(dialog, id)); };
+  BuildOptions options{};
+  options.maskBackground = checked(kIdMaskBackground);
+  options.trueColour = checked(kIdTrueColour);
+  options.customPalette = checked(kIdCustomPalette);
+  options.dither = checked(kIdDither);
+  options.superCompress = checked(kIdSupercompress);
+  options.transparent = checked(kIdTransparent);
+  options.alphaTransparency = checked(kIdAlphaTransparency);
+  options.fixedPalette = DialogGetSelection(DialogItem(dialog, kIdPalette));
+  options.addComment = SettingOr("AddDescriptiveCommentBlock", 1);
+  options.remap.fastRemap = SettingOr("FastRemap", 0);
+  options.remap.ditherBrightness = SettingOr("DitherBrightness", 20);
+  options.remap.ditherContrast = SettingOr("DitherContrast", 20);
+  // The effect's renderer reads the box itself, so a test turns it off for the run.
+  if (isTest) DialogSetCheck(DialogItem(dialog, kIdAlphaTransparency), 0);
+  int32_t row = DialogGetSelection(DialogItem(dialog, kIdEffect));
+  row = std::clamp(row, 0, kEffectCount - 1);
+  const int ok = RunBuild(dialog, host, isTest, &options, &EffectTable[row]);
+  DialogSetCheck(DialogItem(dialog, kIdAlphaTransparency), options.alphaTransparency);
   return ok;
 }

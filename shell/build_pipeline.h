@@ -59,6 +59,10 @@ extern const char kAddImageFailedText[];
 int RunBuild(WindowHandle dialog, HostRecord* host, int32_t isTest, const BuildOptions* options,
              const EffectEntry* effect);
 
+// Build (isTest 0) or Test (1) from the main dialog: reads its boxes and the selected effect row,
+// turns Alpha transparency off for a test and back on afterwards, and runs the build.
+int BuildFrames(WindowHandle dialog, HostRecord* host, int32_t isTest);
+
 // The depth of a file of `n` colours: 1 up to 2, 2 up to 4, ... 8 up to 256, else 24.
 int32_t PaletteBits(int32_t n);
 
