@@ -363,7 +363,8 @@ MovableHandle FountainStrip(const FountainGradient* gradient, int32_t width, int
   if (!gradient) return nullptr;
   ScopedBlock strip(CreatePackedDib(width, height, nullptr, 24));
   if (!strip.handle) return nullptr;
-  const uint32_t count = std::min<uint32_t>(gradient->markerCount, kFountainMarkers);
+  const uint32_t markers = gradient->markerCount;  // a packed field: read it by value
+  const uint32_t count = std::min<uint32_t>(markers, kFountainMarkers);
   int32_t x[kFountainMarkers] = {};
   for (uint32_t i = 0; i < count; ++i)
     x[i] = static_cast<int32_t>((gradient->markers[i] >> 24) / 255.0 * width);
