@@ -5,9 +5,11 @@
 #include <cstring>
 
 #include "controls/page_tables.h"
+#include "effects/simple.h"
 
 // Rows in alphabetical order of the names but for Omni, which stands ahead of Machine: the index is
-// stored in settings and documents and must not move. Procedures stay null until an effect is built.
+// stored in settings and documents and must not move. Procedures stay null until an effect is
+// built.
 const EffectEntry EffectTable[kEffectCount] = {
     {"Arrows", nullptr, nullptr, nullptr, nullptr, kPageIds<7>.data(), nullptr},
     {"Candy", nullptr, nullptr, nullptr, nullptr, kPageIds<17>.data(), nullptr},
@@ -21,7 +23,8 @@ const EffectEntry EffectTable[kEffectCount] = {
     {"Quark Outline", nullptr, nullptr, nullptr, nullptr, kPageIds<13>.data(), nullptr},
     {"Rattle", nullptr, nullptr, nullptr, nullptr, kPageIds<18>.data(), nullptr},
     {"Ring", nullptr, nullptr, nullptr, nullptr, kPageIds<1>.data(), nullptr},
-    {"Simple", nullptr, nullptr, nullptr, nullptr, kPageIds<0>.data(), nullptr},
+    {"Simple", nullptr, SimpleEffectPreview, SimpleEffectBuild, SimpleEffectKeyColour,
+     kPageIds<0>.data(), nullptr},
     {"Snow", nullptr, nullptr, nullptr, nullptr, kPageIds<2>.data(), nullptr},
     {"Stars", nullptr, nullptr, nullptr, nullptr, kPageIds<3>.data(), nullptr},
     {"Tracks", nullptr, nullptr, nullptr, nullptr, kPageIds<15>.data(), nullptr},
@@ -72,7 +75,8 @@ struct PagePass {
 int ShowForPass(WindowHandle child, void* param) {
   const PagePass* pass = static_cast<const PagePass*>(param);
   const int32_t id = DialogItemId(child);
-  if (IsPageControlId(id)) DialogShowItem(child, !pass->hideAll && ListHasControl(pass->controls, id));
+  if (IsPageControlId(id))
+    DialogShowItem(child, !pass->hideAll && ListHasControl(pass->controls, id));
   return 1;
 }
 

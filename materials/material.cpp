@@ -1,0 +1,102 @@
+// The material record's defaults and MaterialFill. A fill allocates the result first, renders the
+// kind's source image, then copies it pixel by pixel so that any source depth becomes 24 bits.
+// Nothing is cached: every call renders anew.
+#include "materials/material.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "shell/packed_dib.h"
+#include "text/image_copy.h"
+
+void InitMaterial(Material* material) {
+  std::memset(material, 0, sizeof(*material));
+  std::memcpy(material->magic, "COBLCMAT", 8);
+  material->size = kMaterialSize;
+  material->version = kMaterialVersion;
+  material->solidColour = 0x808080;
+
+  GradientSpec& g = material->gradient;
+  g.type = kGradientLinear;
+  g.startColour = 0x404040;
+  g.endColour = 0xC0C0C0;
+  g.midpoint = 50;
+  g.twoColour = 1;
+  InitFountainGradient(&material->fountain, 2);
+  material->kind = kMaterialSimple;
+}
+
+namespace {
+
+constexpr size_t kTextureRectOffset = 4;  // after the texture's type
+
+}  // namespace
+
+MovableHandle CentredCrop(MovableHandle square, int32_t width, int32_t height) {
+  int32_t side, depth;
+  uint8_t table[kPaletteBytes] = {};
+  {
+    ScopedLock source(square);
+    if (!source) return nullptr;
+    const BitmapInfoHeader* h = reinterpret_cast<const BitmapInfoHeader*>(source.bytes);
+    side = h->biWidth;
+    depth = h->biBitCount;
+    const uint32_t entries = DibTableBytes(h->biBitCount) / 4;
+    const uint8_t* quads = DibTable(source.bytes);
+    for (uint32_t i = 0; i < entries; ++i) {
+      table[i * 3] = quads[i * 4 + 2];
+      table[i * 3 + 1] = quads[i * 4 + 1];
+      table[i * 3 + 2] = quads[i * 4];
+    }
+  }
+  ScopedBlock crop(CreatePackedDib(width, height, table, depth));
+  if (!crop.handle) return nullptr;
+  const int32_t left = std::max((side - width) / 2, 0);
+  const int32_t top = std::max((side - height) / 2, 0);
+  CopyImageRect(crop.handle, 0, 0, square, left, top, width, height);
+  return crop.Release();
+}
+
+MovableHandle MaterialFill(Material* material, int32_t width, int32_t height) {
+  if (!material) return nullptr;
+  ScopedBlock image(CreatePackedDib(width, height, nullptr, 24));
+  if (!image.handle) return nullptr;
+
+  MovableHandle source = nullptr;
+  switch (material->kind) {
+    case kMaterialSimple: {
+      ScopedLock pixels(image.handle);
+      if (!pixels) return nullptr;
+      for (int32_t y = 0; y < height; ++y)
+        for (int32_t x = 0; x < width; ++x)
+          WriteDibPixel(pixels.bytes, x, y, material->solidColour);
+      return image.Release();
+    }
+    case kMaterialGradient:
+      source = MakeGradientImage(width, height, &material->gradient, &material->fountain);
+      break;
+    case kMaterialTexture: {
+      // Textures are generated square at the larger side and cropped to the centre, so that two
+      // fills of different aspect share their middle.
+      const int32_t side = std::max(width, height);
+      const int32_t rect[4] = {0, 0, side, side};
+      std::memcpy(material->texture + kTextureRectOffset, rect, sizeof(rect));
+      // No texture generator is part of the program yet: every type fails, known or not.
+      return nullptr;
+    }
+    case kMaterialTile:
+      material->tileRect[0] = 0;
+      material->tileRect[1] = 0;
+      material->tileRect[2] = width;
+      material->tileRect[3] = height;
+      return nullptr;
+    default:
+      return image.Release();  // an unknown kind fills black rather than failing
+  }
+  ScopedBlock owner(source);
+  if (!source) return nullptr;
+  ScopedLock sourcePixels(source);
+  if (!sourcePixels) return nullptr;
+  CopyImageRect(image.handle, 0, 0, source, 0, 0, width, height);
+  return image.Release();
+}

@@ -1,0 +1,48 @@
+// The material button's record, shared by every platform: the block a button holds, made from its
+// creation colour, and the button's line in an effect document ("MATLBT<id>=" and the record's
+// 1282 bytes as upper-case hex). A button owns its block and the handles inside it.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "materials/material.h"
+#include "platform/dialog.h"
+#include "platform/memory.h"
+
+constexpr const char kMaterialLineKey[] = "MATLBT";
+constexpr uint32_t kMaterialHexDigits = kMaterialSize * 2;
+
+// A new block holding a default Material whose Simple colour is `creationColour`, or null.
+MovableHandle CreateButtonMaterial(uint32_t creationColour);
+// Frees the record's tile and preview images, then the block. A null handle is accepted.
+void FreeButtonMaterial(MovableHandle material);
+
+// The handle a material button keeps in its user data, or null.
+MovableHandle ButtonMaterialHandle(WindowHandle button);
+// The button's Material, locked, or null when it has none. The caller unlocks
+// ButtonMaterialHandle(button) when finished.
+Material* MaterialForButton(WindowHandle button);
+
+// A copy of the record in a new block for an editor or another button: `preview` cleared,
+// `tileImage` duplicated. Null when memory fails.
+MovableHandle DuplicateButtonMaterial(MovableHandle material);
+
+// Makes the button's picture again: `preview` becomes MaterialFill at width by height and
+// `averageColour` the mean of its pixels. A failed fill keeps the old preview and returns 0.
+int RefreshMaterialPreview(Material* material, int32_t width, int32_t height);
+// The mean colour of a 24-bit picture, each channel's sum divided by the pixel count; 0 when empty.
+uint32_t AverageImageColour(MovableHandle image);
+// The caption colour on a preview of mean colour `average`: white on dark, black on light.
+uint32_t MaterialCaptionColour(uint32_t average);
+
+// The document line of the button `controlId` holding `material`, ending in a newline; empty when
+// the block cannot be read.
+std::string MaterialDocumentLine(int32_t controlId, MovableHandle material);
+
+// Reads a document line into a new block. A line that does not begin with "MATLBT" (any case), or
+// whose text after "=" and blanks holds a character other than a hex digit, fails and leaves
+// `*material` as it was. Short text decodes as far as it goes, the rest of the record zero. The
+// run-time handles in the text belong to the run that wrote it and are cleared. On success the old
+// block and its images are freed and `*material` is the new block. Returns 1 or 0.
+int ReadMaterialDocumentLine(const char* line, MovableHandle* material);

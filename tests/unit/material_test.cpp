@@ -1,0 +1,209 @@
+#include "materials/material.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+
+#include "materials/material_button.h"
+#include "shell/packed_dib.h"
+#include "tests/support/alloc_sweep.h"
+#include "tests/support/test_images.h"
+
+TEST(Material, DefaultsAndTheCreationColour) {
+  ScopedBlock block(CreateButtonMaterial(0x3366CC));
+  ScopedLock lock(block.handle);
+  ASSERT_TRUE(lock);
+  EXPECT_EQ(MovableSize(block.handle), 1282u);
+  const Material* m = reinterpret_cast<const Material*>(lock.bytes);
+  EXPECT_EQ(std::memcmp(m->magic, "COBLCMAT", 8), 0);
+  EXPECT_EQ(m->size, 1282u);
+  EXPECT_EQ(m->version, 0x00040000u);
+  EXPECT_EQ(m->kind, kMaterialSimple);
+  EXPECT_EQ(m->solidColour, 0x3366CCu);
+  EXPECT_EQ(m->gradient.startColour, 0x404040u);
+  EXPECT_EQ(m->gradient.endColour, 0xC0C0C0u);
+  EXPECT_EQ(m->gradient.midpoint, 50);
+  EXPECT_EQ(m->gradient.twoColour, 1);
+  EXPECT_EQ(m->fountain.markerCount, 7u);
+  EXPECT_EQ(m->tilePath[0], 0);
+  EXPECT_EQ(m->preview, nullptr);
+  Material fresh;
+  InitMaterial(&fresh);
+  EXPECT_EQ(fresh.solidColour, 0x808080u);
+}
+
+TEST(MaterialFill, KindsGiveTwentyFourBitImagesOfTheAskedSize) {
+  Material m;
+  InitMaterial(&m);
+  m.solidColour = 0x0A0B0C;
+  {
+    ScopedBlock image(MaterialFill(&m, 5, 3));
+    ScopedLock lock(image.handle);
+    ASSERT_TRUE(lock);
+    const BitmapInfoHeader* h = reinterpret_cast<const BitmapInfoHeader*>(lock.bytes);
+    EXPECT_EQ(h->biSize, 40u);
+    EXPECT_EQ(h->biPlanes, 1);
+    EXPECT_EQ(h->biBitCount, 24);
+    EXPECT_EQ(h->biCompression, 0u);
+    EXPECT_EQ(h->biSizeImage, 16u * 3);
+    EXPECT_EQ(h->biClrUsed, 0u);
+    EXPECT_EQ(MovableSize(image.handle), 40u + 48);
+    for (int y = 0; y < 3; ++y)
+      for (int x = 0; x < 5; ++x) EXPECT_EQ(ReadDibPixel(lock.bytes, x, y), 0x0A0B0Cu);
+  }
+  {
+    ScopedBlock empty(MaterialFill(&m, 0, 0));
+    ScopedLock lock(empty.handle);
+    ASSERT_TRUE(lock);
+    EXPECT_EQ(reinterpret_cast<const BitmapInfoHeader*>(lock.bytes)->biSizeImage, 0u);
+  }
+  m.kind = kMaterialGradient;
+  m.gradient.type = kGradientConical;
+  {
+    ScopedBlock fill(MaterialFill(&m, 16, 10));
+    ScopedBlock direct(MakeGradientImage(16, 10, &m.gradient, &m.fountain));
+    EXPECT_TRUE(SameBlocks(fill.handle, direct.handle));
+  }
+  m.kind = 4;  // unknown: black, not a failure
+  {
+    ScopedBlock black(MaterialFill(&m, 4, 4));
+    ScopedLock lock(black.handle);
+    ASSERT_TRUE(lock);
+    EXPECT_EQ(ReadDibPixel(lock.bytes, 2, 2), 0u);
+  }
+  const long live = MovableLiveCount();
+  m.kind = kMaterialTile;
+  EXPECT_EQ(MaterialFill(&m, 7, 9), nullptr);
+  EXPECT_EQ(m.tileRect[2], 7);
+  EXPECT_EQ(m.tileRect[3], 9);
+  EXPECT_EQ(MovableLiveCount(), live);
+  m.kind = kMaterialGradient;
+  m.gradient.type = kGradientElliptical;
+  m.gradient.twoColour = 0;
+  EXPECT_TRUE(SweepAllocationFailures([&] {
+    MovableHandle image = MaterialFill(&m, 9, 6);
+    MovableFree(image);
+    return image != nullptr;
+  }));
+}
+
+TEST(MaterialDocumentLine, RoundTripsTheRecordAndClearsItsHandles) {
+  MovableHandle written = CreateButtonMaterial(0x112233);
+  {
+    ScopedLock lock(written);
+    Material* m = reinterpret_cast<Material*>(lock.bytes);
+    m->kind = kMaterialGradient;
+    m->tileReserved = 0xDEADBEEF;
+    std::strcpy(m->tilePath, "C:\\tiles\\a.mtx");
+    m->preview = MaterialFill(m, 4, 4);
+    ASSERT_NE(m->preview, nullptr);
+  }
+  const std::string line = MaterialDocumentLine(105, written);
+  ASSERT_EQ(line.size(), std::string("MATLBT105=").size() + 2564 + 1);
+  EXPECT_EQ(line.rfind("MATLBT105=434F424C434D4154", 0), 0u);  // "COBLCMAT" in upper-case hex
+  EXPECT_EQ(line.back(), '\n');
+
+  // A lower-case key with blanks after "=" reads; the handles written are not taken over.
+  std::string lower = "matlbt105=  " + line.substr(10);
+  MovableHandle read = CreateButtonMaterial(0);
+  ASSERT_EQ(ReadMaterialDocumentLine(lower.c_str(), &read), 1);
+  {
+    ScopedLock a(written), b(read);
+    Material* m = reinterpret_cast<Material*>(b.bytes);
+    EXPECT_EQ(m->preview, nullptr);
+    EXPECT_EQ(m->tileReserved, 0xDEADBEEFu);
+    EXPECT_STREQ(m->tilePath, "C:\\tiles\\a.mtx");
+    Material expected;
+    std::memcpy(&expected, a.bytes, sizeof(expected));
+    expected.preview = nullptr;
+    EXPECT_EQ(std::memcmp(&expected, m, sizeof(expected)), 0);
+  }
+
+  // Short text decodes as far as it goes; a bad digit or another key keeps the old record.
+  MovableHandle before = read;
+  EXPECT_EQ(ReadMaterialDocumentLine("MATLBT105=434F4", &read), 1);
+  {
+    ScopedLock b(read);
+    EXPECT_EQ(b.bytes[0], 'C');
+    EXPECT_EQ(b.bytes[1], 'O');
+    EXPECT_EQ(b.bytes[2], 0x40);
+    EXPECT_EQ(b.bytes[1281], 0);
+  }
+  before = read;
+  EXPECT_EQ(ReadMaterialDocumentLine("MATLBT105=43 4F", &read), 0);
+  EXPECT_EQ(ReadMaterialDocumentLine("MATLBX105=434F", &read), 0);
+  EXPECT_EQ(ReadMaterialDocumentLine("MATLBT105", &read), 0);
+  EXPECT_EQ(read, before);
+  EXPECT_TRUE(
+      SweepAllocationFailures([&] { return ReadMaterialDocumentLine(line.c_str(), &read); }));
+  FreeButtonMaterial(written);
+  FreeButtonMaterial(read);
+}
+
+TEST(CentredCrop, KeepsTheMiddleRowsOrColumnsAndTheTable) {
+  ScopedBlock square(RandomImage(100, 100, 8, 3));
+  ScopedBlock wide(CentredCrop(square.handle, 100, 40)), tall(CentredCrop(square.handle, 40, 100));
+  ScopedLock s(square.handle), w(wide.handle), t(tall.handle);
+  ASSERT_TRUE(s && w && t);
+  for (int y = 0; y < 40; ++y)
+    for (int x = 0; x < 100; x += 9) {
+      ASSERT_EQ(ReadDibPixel(w.bytes, x, y), ReadDibPixel(s.bytes, x, y + 30));
+      ASSERT_EQ(ReadDibPixel(t.bytes, y, x), ReadDibPixel(s.bytes, y + 30, x));
+    }
+  EXPECT_EQ(std::memcmp(DibTable(w.bytes), DibTable(s.bytes), 1024), 0);
+  Material m;
+  InitMaterial(&m);
+  m.kind = kMaterialTexture;
+  EXPECT_EQ(MaterialFill(&m, 100, 40), nullptr);
+  int32_t rect[4];
+  std::memcpy(rect, m.texture + 4, sizeof(rect));
+  EXPECT_EQ(rect[2], 100);
+  EXPECT_EQ(rect[3], 100);
+}
+
+TEST(MaterialButton, PreviewAverageCaptionAndDuplicate) {
+  MovableHandle button = CreateButtonMaterial(0x204060);
+  {
+    ScopedLock lock(button);
+    Material* m = reinterpret_cast<Material*>(lock.bytes);
+    ASSERT_EQ(RefreshMaterialPreview(m, 6, 4), 1);
+    EXPECT_EQ(m->averageColour, 0x204060u);
+    EXPECT_EQ(MaterialCaptionColour(m->averageColour), 0xFFFFFFu);
+    m->tileImage = RandomImage(3, 3, 24, 5);
+    // A failed fill keeps the old preview and its average.
+    const MovableHandle before = m->preview;
+    m->kind = kMaterialTile;
+    EXPECT_EQ(RefreshMaterialPreview(m, 6, 4), 0);
+    EXPECT_EQ(m->preview, before);
+    EXPECT_EQ(m->averageColour, 0x204060u);
+  }
+  // Halves of black and of white average to 127 per channel, and white captions stay up to 0x80.
+  ScopedBlock halves(CreatePackedDib(2, 1, nullptr, 24));
+  {
+    ScopedLock p(halves.handle);
+    WriteDibPixel(p.bytes, 1, 0, 0xFFFFFF);
+  }
+  EXPECT_EQ(AverageImageColour(halves.handle), 0x7F7F7Fu);
+  EXPECT_EQ(MaterialCaptionColour(0x818181), 0xFFFFFFu);  // 38 + 75 + 14 = 127
+  EXPECT_EQ(MaterialCaptionColour(0x838383), 0u);         // 39 + 77 + 14 = 130
+
+  MovableHandle copy = DuplicateButtonMaterial(button);
+  {
+    ScopedLock a(button), b(copy);
+    ASSERT_TRUE(b);
+    const Material* original = reinterpret_cast<const Material*>(a.bytes);
+    const Material* twin = reinterpret_cast<const Material*>(b.bytes);
+    EXPECT_EQ(twin->preview, nullptr);
+    EXPECT_NE(twin->tileImage, original->tileImage);
+    EXPECT_TRUE(SameBlocks(twin->tileImage, original->tileImage));
+    EXPECT_EQ(twin->solidColour, 0x204060u);
+  }
+  EXPECT_TRUE(SweepAllocationFailures([&] {
+    MovableHandle twin = DuplicateButtonMaterial(button);
+    FreeButtonMaterial(twin);
+    return twin != nullptr;
+  }));
+  FreeButtonMaterial(copy);
+  FreeButtonMaterial(button);
+}
