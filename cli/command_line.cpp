@@ -20,6 +20,8 @@ const CommandName kCommands[] = {
     {"effects", CommandEffects},
     {"settings", CommandSettings},
     {"save-document", CommandSaveDocument},
+    {"render", CommandRender},
+    {"preview", CommandPreview},
 };
 
 // Switches that set one field to 1, with a --no- form that sets it to 0.
@@ -183,6 +185,9 @@ const char* Gm5Usage() {
          "Renders text animations with the Glyph Motion 5 engine.\n"
          "\n"
          "commands:\n"
+         "  render [DOC.gm5] -o OUT      build the animation: OUT.gif, OUT.webp, OUT.png (first\n"
+         "                               frame) or a folder of numbered PNG frames (OUT/)\n"
+         "  preview [DOC.gm5] -o OUT.png the selected effect's sample picture\n"
          "  effects                      list the effects, one per line: row and name\n"
          "  settings [KEY]               each setting's value and default (or only KEY's)\n"
          "  save-document OUT.gm5        write the state the options give as an effect document\n"
@@ -196,6 +201,8 @@ const char* Gm5Usage() {
          "      --bold, --italic, --true-color, --custom-palette, --dither, --transparent,\n"
          "      --supercompress, --alpha (and each with --no- to turn it off)\n"
          "  -h, --help                   this text\n"
+         "  -o, --output OUT             where render and preview write\n"
+         "  -q, --quiet                  no progress bar\n"
          "      --version                the program's version\n"
          "\n"
          "Exit status: 0 on success, 1 on any failure, with a one-line message on stderr.\n";

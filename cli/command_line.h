@@ -13,6 +13,8 @@ enum Gm5Command : int32_t {
   CommandEffects,
   CommandSettings,
   CommandSaveDocument,
+  CommandRender,
+  CommandPreview,
 };
 
 struct CommandLine {

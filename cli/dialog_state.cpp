@@ -6,8 +6,11 @@
 #include <cstdlib>
 
 #include "controls/page_setup.h"
+#include "controls/page_tables.h"
 #include "controls/value_controls.h"
 #include "documents/effect_document.h"
+#include "documents/settings.h"
+#include "materials/material_button.h"
 #include "host/writers/output_file.h"
 
 namespace {
@@ -55,7 +58,47 @@ void CaptureMessage(WindowHandle, const char* text) {
   if (capturedMessage) *capturedMessage = text ? text : "";
 }
 
+// Calls `visit` for every material button of the main dialog's table and of the pages.
+template <typename Visit>
+void ForEachMaterialButton(Visit visit) {
+  auto table = [&](const PageTable& t) {
+    for (int32_t i = 0; i < t.count; ++i)
+      if (t.controls[i].kind == kControlMaterialButton) visit(t.controls[i]);
+  };
+  table(kMainDialogTable);
+  for (const PageTable& page : kPageTables) table(page);
+}
+
+// Each material button gets a block made from its colour setting, or its table colour when it has
+// none. A button shared by several pages gets one block.
+int GiveButtonMaterials(WindowHandle dialog) {
+  int ok = 1;
+  ForEachMaterialButton([&](const PageControl& c) {
+    WindowHandle button = DialogItem(dialog, c.id);
+    if (!ok || !button || ButtonMaterialHandle(button)) return;
+    const int32_t* setting = c.key ? SettingInteger(c.key) : nullptr;
+    MovableHandle material =
+        CreateButtonMaterial(setting ? static_cast<uint32_t>(*setting) : c.colour);
+    if (material)
+      DialogSetUserData(button, material);
+    else
+      ok = 0;
+  });
+  return ok;
+}
+
 }  // namespace
+
+void DestroyRunDialog(WindowHandle dialog) {
+  if (!dialog) return;
+  ForEachMaterialButton([&](const PageControl& c) {
+    WindowHandle button = DialogItem(dialog, c.id);
+    if (!button) return;
+    FreeButtonMaterial(ButtonMaterialHandle(button));
+    DialogSetUserData(button, nullptr);
+  });
+  DialogDestroy(dialog);
+}
 
 int ApplyControlText(WindowHandle dialog, int32_t id, const std::string& value,
                      std::string* error) {
@@ -101,14 +144,29 @@ int ApplyControlText(WindowHandle dialog, int32_t id, const std::string& value,
   return 1;
 }
 
-WindowHandle CreateRunDialog(const CommandLine& line, std::string* error) {
+WindowHandle CreateRunDialog(const CommandLine& line, const std::string& document,
+                             std::string* error) {
   WindowHandle dialog = CreateValueDialog();
+  if (dialog && !GiveButtonMaterials(dialog)) dialog = (DestroyRunDialog(dialog), nullptr);
   if (!dialog) {
     *error = "out of memory";
     return nullptr;
   }
   int ok = 1;
-  if (!line.effect.empty()) {
+  if (!document.empty()) {
+    // A document that cannot be read changes nothing and says why through the shower.
+    std::string message;
+    capturedMessage = &message;
+    SetDocumentMessageShower(CaptureMessage);
+    LoadDocument(dialog, document.c_str());
+    SetDocumentMessageShower(nullptr);
+    capturedMessage = nullptr;
+    if (!message.empty()) {
+      *error = "cannot read " + document + ": " + message;
+      ok = 0;
+    }
+  }
+  if (ok && !line.effect.empty()) {
     int32_t row = FindEffectRow(line.effect);
     if (row < 0) {
       *error = "unknown effect: " + line.effect + " (see gm5 effects)";
@@ -126,7 +184,7 @@ WindowHandle CreateRunDialog(const CommandLine& line, std::string* error) {
   for (const auto& control : line.controls)
     if (ok) ok = ApplyControlText(dialog, control.first, control.second, error);
   if (!ok) {
-    DialogDestroy(dialog);
+    DestroyRunDialog(dialog);
     return nullptr;
   }
   return dialog;

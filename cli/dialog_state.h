@@ -14,11 +14,15 @@
 // bad value.
 int ApplyControlText(WindowHandle dialog, int32_t id, const std::string& value, std::string* error);
 
-// A dialog set from the current settings, then from the options (--effect, --text, --font,
-// --size, --bold, --italic, --true-color, --custom-palette, --dither, --transparent,
-// --supercompress, --alpha) and every --control in order. Null with `error` on failure; free with
-// DialogDestroy.
-WindowHandle CreateRunDialog(const CommandLine& line, std::string* error);
+// A dialog set from the current settings, then from the effect document at `document` unless it
+// is empty, then from the options (--effect, --text, --font, --size, --bold, --italic,
+// --true-color, --custom-palette, --dither, --transparent, --supercompress, --alpha) and every
+// --control in order; every material button holds a block made from its colour. Null with
+// `error` on failure (an unreadable or damaged document among them); free with DestroyRunDialog.
+WindowHandle CreateRunDialog(const CommandLine& line, const std::string& document,
+                             std::string* error);
+// Frees the material buttons' blocks, then the dialog. A null dialog is accepted.
+void DestroyRunDialog(WindowHandle dialog);
 
 // Writes the dialog's state as an effect document at `path`, whole or not at all. Returns 0 with
 // `error` on failure.

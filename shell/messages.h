@@ -43,6 +43,9 @@ void CentreWindow(WindowHandle window);
 // The text of the last box shown or asked, "" before the first; for programs without a screen and
 // for their tests.
 const char* LastShownMessage();
+// Without a screen, shown texts are also written to stderr unless turned off here; a program that
+// reports failures in its own words turns it off. Not on Windows, where the boxes are shown.
+void EchoShownMessages(int on);
 
 // The portable half, shared by both platforms: the row of the list for `id`, or null; and the
 // record of the last text shown.

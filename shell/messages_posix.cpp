@@ -8,7 +8,8 @@
 
 namespace {
 char messageBuffer[1024];
-}
+int echo = 1;
+}  // namespace
 
 const char* LoadMessage(int32_t id) {
   const char* text = FindMessageText(id);
@@ -19,14 +20,18 @@ const char* LoadMessage(int32_t id) {
 
 int32_t ShowMessage(WindowHandle window, const char* text) {
   RecordShownMessage(text);
-  fprintf(stderr, "%s\n", LastShownMessage());
+  if (echo) fprintf(stderr, "%s\n", LastShownMessage());
   return kAnswerOk;
 }
 
 int32_t AskYesNo(WindowHandle window, const char* text) {
   RecordShownMessage(text);
-  fprintf(stderr, "%s\n", LastShownMessage());
+  if (echo) fprintf(stderr, "%s\n", LastShownMessage());
   return kAnswerCancel;
+}
+
+void EchoShownMessages(int on) {
+  echo = on;
 }
 
 // Headless windows have no place on a screen.
