@@ -12,21 +12,9 @@
 #include "documents/settings.h"
 #include "materials/material_button.h"
 #include "host/writers/output_file.h"
+#include "shell/main_dialog_ids.h"
 
 namespace {
-
-// Control ids of the main dialog that options stand for.
-constexpr int32_t kTrueColourId = 10;
-constexpr int32_t kCustomPaletteId = 14;
-constexpr int32_t kDitherId = 15;
-constexpr int32_t kSupercompressId = 19;
-constexpr int32_t kTransparentId = 35;
-constexpr int32_t kFontNameId = 53;
-constexpr int32_t kBoldId = 54;
-constexpr int32_t kItalicId = 55;
-constexpr int32_t kFontSizeId = 57;
-constexpr int32_t kEffectId = 58;
-constexpr int32_t kAlphaId = 62;
 
 struct SwitchControl {
   int32_t CommandLine::*field;
@@ -34,14 +22,14 @@ struct SwitchControl {
 };
 
 const SwitchControl kSwitchControls[] = {
-    {&CommandLine::bold, kBoldId},
-    {&CommandLine::italic, kItalicId},
-    {&CommandLine::trueColour, kTrueColourId},
-    {&CommandLine::customPalette, kCustomPaletteId},
-    {&CommandLine::dither, kDitherId},
-    {&CommandLine::transparent, kTransparentId},
-    {&CommandLine::supercompress, kSupercompressId},
-    {&CommandLine::alpha, kAlphaId},
+    {&CommandLine::bold, kIdBold},
+    {&CommandLine::italic, kIdItalic},
+    {&CommandLine::trueColour, kIdTrueColour},
+    {&CommandLine::customPalette, kIdCustomPalette},
+    {&CommandLine::dither, kIdDither},
+    {&CommandLine::transparent, kIdTransparent},
+    {&CommandLine::supercompress, kIdSupercompress},
+    {&CommandLine::alpha, kIdAlphaTransparency},
 };
 
 int ParseWhole(const std::string& text, long long* value) {
@@ -172,12 +160,12 @@ WindowHandle CreateRunDialog(const CommandLine& line, const std::string& documen
       *error = "unknown effect: " + line.effect + " (see gm5 effects)";
       ok = 0;
     } else {
-      ok = ApplyControlText(dialog, kEffectId, std::to_string(row), error);
+      ok = ApplyControlText(dialog, kIdEffect, std::to_string(row), error);
     }
   }
   if (ok && line.hasText) ok = ApplyControlText(dialog, kTextFieldId, line.text, error);
-  if (ok && !line.font.empty()) ok = ApplyControlText(dialog, kFontNameId, line.font, error);
-  if (ok && line.size) ok = ApplyControlText(dialog, kFontSizeId, std::to_string(line.size), error);
+  if (ok && !line.font.empty()) ok = ApplyControlText(dialog, kIdFontName, line.font, error);
+  if (ok && line.size) ok = ApplyControlText(dialog, kIdFontSize, std::to_string(line.size), error);
   for (const SwitchControl& s : kSwitchControls)
     if (ok && line.*s.field != -1)
       ok = ApplyControlText(dialog, s.id, std::to_string(line.*s.field), error);

@@ -14,15 +14,13 @@
 #include "host/writers/animation_output.h"
 #include "shell/build_pipeline.h"
 #include "shell/effect_table.h"
+#include "shell/main_dialog_ids.h"
 #include "shell/messages.h"
 #include "shell/packed_dib.h"
 #include "text/drawing_layer.h"
 
 namespace {
 
-constexpr int32_t kTrueColourId = 10;
-constexpr int32_t kEffectId = 58;
-constexpr int32_t kAlphaId = 62;
 
 // Owns, for the length of one command, the drawing layer's start-up, the run dialog and the
 // message echo being off.
@@ -83,12 +81,12 @@ int RenderAnimation(const CommandLine& line, std::string* error, HostFile* built
                       (line.alpha == 1 ? "--alpha" : "--true-color") + " build: " + line.output +
                       " (use .webp)",
              0;
-    DialogSetCheck(DialogItem(run.dialog, kTrueColourId), 0);
-    DialogSetCheck(DialogItem(run.dialog, kAlphaId), 0);
+    DialogSetCheck(DialogItem(run.dialog, kIdTrueColour), 0);
+    DialogSetCheck(DialogItem(run.dialog, kIdAlphaTransparency), 0);
   }
   // True colour and alpha builds need a host that takes frames of 24 and 32 bits.
-  const int32_t trueColour = DialogGetCheck(DialogItem(run.dialog, kTrueColourId)) ||
-                             DialogGetCheck(DialogItem(run.dialog, kAlphaId));
+  const int32_t trueColour = DialogGetCheck(DialogItem(run.dialog, kIdTrueColour)) ||
+                             DialogGetCheck(DialogItem(run.dialog, kIdAlphaTransparency));
   ProgressBar bar;
   BeginProgress(&bar, stderr, line.quiet);
   InProcessHost host;
@@ -111,7 +109,7 @@ int RenderPreview(const CommandLine& line, std::string* error) {
   context.dialog = run.dialog;
   context.sample = 1;
   RecordShownMessage("");
-  const int32_t row = DialogGetSelection(DialogItem(run.dialog, kEffectId));
+  const int32_t row = DialogGetSelection(DialogItem(run.dialog, kIdEffect));
   if (!RunEffectPreview(row, &context)) return *error = EngineFailure("the preview failed"), 0;
   std::vector<uint8_t> rgba;
   int32_t width = 0, height = 0;

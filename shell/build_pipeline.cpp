@@ -11,6 +11,7 @@
 #include "imaging/octree_quantiser.h"
 #include "imaging/palette.h"
 #include "documents/settings.h"
+#include "shell/main_dialog_ids.h"
 #include "shell/messages.h"
 #include "shell/packed_dib.h"
 
@@ -366,11 +367,6 @@ int RunBuild(WindowHandle dialog, HostRecord* host, int32_t isTest, const BuildO
 }
 
 namespace {
-
-// The main dialog's boxes.
-constexpr int32_t kIdTrueColour = 10, kIdPalette = 13, kIdCustomPalette = 14, kIdDither = 15,
-                  kIdSupercompress = 19, kIdMaskBackground = 21, kIdTransparent = 35,
-                  kIdEffect = 58, kIdAlphaTransparency = 62;
 
 int32_t SettingOr(const char* key, int32_t fallback) {
   const int32_t* value = SettingInteger(key);
