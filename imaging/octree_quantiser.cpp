@@ -486,9 +486,9 @@ void ExtractPalette(ColourCube* cube, ColourNode* node) {
   }
 }
 
-int32_t QuantiseFrames(int32_t* request, uint8_t* palette, const MovableHandle* images,
-                       int32_t imageCount) {
+int32_t QuantiseFrames(int32_t* request, uint8_t* palette, const FrameList* frames) {
   std::memset(palette, 0, kPaletteBytes);
+  if (!frames || frames->count < 0) return 0;
   const int32_t asked = *request;
   const int32_t target = asked <= 0 || asked > 256 ? 256 : asked;
   int32_t depth = 0;
@@ -516,12 +516,21 @@ int32_t QuantiseFrames(int32_t* request, uint8_t* palette, const MovableHandle* 
   if (!cube->root) return 0;
   cube->root->parent = cube->root;
 
-  for (int32_t i = 0; i < imageCount; ++i) {
-    ScopedLock lock(images[i]);
-    DibView view;
-    if (!lock || !OpenDibView(lock.bytes, MovableSize(images[i]), &view) || view.bitCount != 24)
+  if (frames->count > 0) {
+    ScopedLock records(frames->records);
+    if (!records ||
+        MovableSize(frames->records) / sizeof(FrameRecord) < static_cast<size_t>(frames->count))
       return 0;
-    if (!ClassifyImage(cube, exact, view)) return 0;
+    for (int32_t i = 0; i < frames->count; ++i) {
+      FrameRecord record;
+      std::memcpy(&record, records.bytes + static_cast<size_t>(i) * sizeof record, sizeof record);
+      ScopedLock lock(record.image);
+      DibView view;
+      if (!lock || !OpenDibView(lock.bytes, MovableSize(record.image), &view) ||
+          view.bitCount != 24)
+        return 0;
+      if (!ClassifyImage(cube, exact, view)) return 0;
+    }
   }
 
   if (exact->count > asked) {
