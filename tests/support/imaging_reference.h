@@ -27,6 +27,15 @@ void MakeRandomPalette(std::mt19937& rng, uint8_t* palette, int32_t count);
 // A 24-bit picture whose pixels (0x00BBGGRR, top-left first, row by row) are given.
 MovableHandle MakeImage24(int32_t width, int32_t height, const uint32_t* pixels);
 
+// A picture freed when it goes out of scope.
+struct Owned {
+  MovableHandle h;
+  explicit Owned(MovableHandle handle) : h(handle) {}
+  ~Owned() { MovableFree(h); }
+  Owned(const Owned&) = delete;
+  Owned& operator=(const Owned&) = delete;
+};
+
 // A FrameList whose records hold pictures that stay the caller's: it frees only its records.
 struct FrameListView {
   FrameList list{};
