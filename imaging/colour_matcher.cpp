@@ -109,8 +109,9 @@ int OpenColourMatcher(ColourMatcher* m, const uint8_t* palette, int32_t count) {
   }
   m->poolUsed = 0;
   m->poolSize = kInitialPool;
-  std::memset(m->recentColour, 0xFF, sizeof m->recentColour);
-  m->cellBlock = MovableAlloc(kCoarseCells * (sizeof(uint32_t) + 1));
+  // Cell records, recent colours, recent indices, then the coarse table.
+  m->cellBlock =
+      MovableAlloc(kCoarseCells * (sizeof(uint32_t) + 1) + kRecentColours * (sizeof(uint32_t) + 1));
   m->poolBlock = m->cellBlock ? MovableAlloc(kInitialPool) : nullptr;
   if (m->poolBlock) {
     m->cellRecord = static_cast<uint32_t*>(MovableLock(m->cellBlock));
@@ -120,7 +121,10 @@ int OpenColourMatcher(ColourMatcher* m, const uint8_t* palette, int32_t count) {
     CloseColourMatcher(m);
     return 0;
   }
-  m->coarse = reinterpret_cast<uint8_t*>(m->cellRecord + kCoarseCells);
+  m->recentColour = m->cellRecord + kCoarseCells;
+  std::memset(m->recentColour, 0xFF, kRecentColours * sizeof(uint32_t));
+  m->recentIndex = reinterpret_cast<uint8_t*>(m->recentColour + kRecentColours);
+  m->coarse = m->recentIndex + kRecentColours;
   return 1;
 }
 
@@ -141,6 +145,8 @@ void CloseColourMatcher(ColourMatcher* m) {
   m->cellBlock = m->poolBlock = nullptr;
   m->cellRecord = nullptr;
   m->coarse = nullptr;
+  m->recentColour = nullptr;
+  m->recentIndex = nullptr;
   m->pool = nullptr;
 }
 

@@ -12,6 +12,7 @@
 #include "platform/memory.h"
 
 constexpr int32_t kCoarseCells = 32768;
+constexpr int32_t kRecentColours = 16384;
 
 struct ColourMatcher {
   int32_t count = 0;  // entries searched, 0 to 256
@@ -26,10 +27,10 @@ struct ColourMatcher {
   uint8_t* pool = nullptr;
   uint32_t poolUsed = 0;  // bytes
   uint32_t poolSize = 0;
-  // Recent answers by colour, small enough for the first-level cache: rendered frames repeat a
+  // Recent answers by colour, kRecentColours of them in the cell block: rendered frames repeat a
   // few colours (backgrounds, text, the dither's small steps around them) again and again.
-  uint32_t recentColour[4096];  // 0x00BBGGRR, or 0xFFFFFFFF for an empty slot
-  uint8_t recentIndex[4096];
+  uint32_t* recentColour = nullptr;  // 0x00BBGGRR, or 0xFFFFFFFF for an empty slot
+  uint8_t* recentIndex = nullptr;
   ColourMatcher() = default;
   ColourMatcher(const ColourMatcher&) = delete;
   ColourMatcher& operator=(const ColourMatcher&) = delete;
@@ -60,7 +61,7 @@ inline int32_t MatchNearest(ColourMatcher* m, int32_t red, int32_t green, int32_
   if (m->count < 1) return 0;
   if (!m->cellRecord) return -1;
   const uint32_t colour = static_cast<uint32_t>(red | green << 8 | blue << 16);
-  const uint32_t slot = (colour * 0x9E3779B1u) >> 20;
+  const uint32_t slot = (colour * 0x9E3779B1u) >> 18;  // 14 bits: kRecentColours
   if (m->recentColour[slot] == colour) return m->recentIndex[slot];
   const int32_t cell = CoarseCell(red, green, blue);
   uint32_t offset = m->cellRecord[cell];
