@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr uint32_t kRecordMax = 4 + 4 * 256;
+constexpr uint32_t kRecordMax = 4 + 32 * 32;
 constexpr uint32_t kInitialPool = 65536;
 
 inline int32_t Distance(const ColourMatcher* m, int32_t i, int32_t red, int32_t green,
@@ -72,19 +72,23 @@ uint32_t ListCell(ColourMatcher* m, int32_t cell) {
       corner = i;
     }
   }
+  // At least one entry is always listed. A short last block repeats the last candidate, which
+  // changes no smallest key.
+  const int32_t blocks = (length + 7) / 8;
   uint8_t* list = m->pool + m->poolUsed;
   std::memset(list, 0, 4);
-  list[0] = static_cast<uint8_t>(length - 1);  // at least one entry is always listed
-  for (int32_t k = 0; k < length; ++k) {
-    const int32_t i = chosen[k];
-    list[4 + k * 4] = static_cast<uint8_t>(m->red[i]);
-    list[5 + k * 4] = static_cast<uint8_t>(m->green[i]);
-    list[6 + k * 4] = static_cast<uint8_t>(m->blue[i]);
-    list[7 + k * 4] = static_cast<uint8_t>(i);
+  list[0] = static_cast<uint8_t>(blocks);
+  for (int32_t k = 0; k < blocks * 8; ++k) {
+    const int32_t i = chosen[std::min(k, length - 1)];
+    uint8_t* block = list + 4 + (k / 8) * 32 + k % 8;
+    block[0] = static_cast<uint8_t>(m->red[i]);
+    block[8] = static_cast<uint8_t>(m->green[i]);
+    block[16] = static_cast<uint8_t>(m->blue[i]);
+    block[24] = static_cast<uint8_t>(i);
   }
   m->coarse[cell] = static_cast<uint8_t>(corner);
   const uint32_t offset = m->poolUsed + 1;
-  m->poolUsed += 4 + 4 * static_cast<uint32_t>(length);
+  m->poolUsed += 4 + 32 * static_cast<uint32_t>(blocks);
   m->cellRecord[cell] = offset;
   return offset;
 }
@@ -105,8 +109,9 @@ int OpenColourMatcher(ColourMatcher* m, const uint8_t* palette, int32_t count) {
   }
   m->poolUsed = 0;
   m->poolSize = kInitialPool;
-  std::memset(m->recentColour, 0xFF, sizeof m->recentColour);
-  m->cellBlock = MovableAlloc(kCoarseCells * (sizeof(uint32_t) + 1));
+  // Cell records, recent colours, recent indices, then the coarse table.
+  m->cellBlock =
+      MovableAlloc(kCoarseCells * (sizeof(uint32_t) + 1) + kRecentColours * (sizeof(uint32_t) + 1));
   m->poolBlock = m->cellBlock ? MovableAlloc(kInitialPool) : nullptr;
   if (m->poolBlock) {
     m->cellRecord = static_cast<uint32_t*>(MovableLock(m->cellBlock));
@@ -116,7 +121,10 @@ int OpenColourMatcher(ColourMatcher* m, const uint8_t* palette, int32_t count) {
     CloseColourMatcher(m);
     return 0;
   }
-  m->coarse = reinterpret_cast<uint8_t*>(m->cellRecord + kCoarseCells);
+  m->recentColour = m->cellRecord + kCoarseCells;
+  std::memset(m->recentColour, 0xFF, kRecentColours * sizeof(uint32_t));
+  m->recentIndex = reinterpret_cast<uint8_t*>(m->recentColour + kRecentColours);
+  m->coarse = m->recentIndex + kRecentColours;
   return 1;
 }
 
@@ -137,6 +145,8 @@ void CloseColourMatcher(ColourMatcher* m) {
   m->cellBlock = m->poolBlock = nullptr;
   m->cellRecord = nullptr;
   m->coarse = nullptr;
+  m->recentColour = nullptr;
+  m->recentIndex = nullptr;
   m->pool = nullptr;
 }
 

@@ -28,11 +28,6 @@ inline uint8_t ClampByte(int32_t v) {
   return static_cast<uint8_t>(v < 0 ? 0 : v > 255 ? 255 : v);
 }
 
-// Adds to a 16-bit error value, wrapping as the stored width does.
-inline void AddError(int16_t* slot, int32_t value) {
-  *slot = static_cast<int16_t>(*slot + value);
-}
-
 // Red, green, blue of every entry of a picture's colour table.
 void TableTriples(const DibView& v, uint8_t* triples) {
   const int32_t entries = 1 << v.bitCount;

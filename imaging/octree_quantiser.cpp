@@ -5,6 +5,7 @@
 #include "imaging/octree_quantiser.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 
 #include "imaging/dib_view.h"
@@ -90,54 +91,95 @@ const LevelDistances& Distances() {
   return table;
 }
 
-// The nodes a colour passes on its way down, kept from one run to the next: neighbouring pixels
-// mostly share a leaf cell, and then the walk needs neither the census nor the child links.
+// The nodes a colour passes on its way down, kept from one run to the next. Neighbouring pixels
+// mostly share their upper cells, so a new colour walks down only from the first level at which
+// its bits differ from the previous colour's.
 struct ColourPath {
-  uint32_t cell = 0xFFFFFFFF;  // the leaf cell, by the top `depth` bits of each channel
-  ColourNode* node[9];
+  int32_t red = -1, green = -1, blue = -1;  // the previous colour; -1 forces a walk from the root
+  ColourNode* node[9];                      // node[0] is the root
 };
 
-// Classifies one run of `count` equal pixels. The root's error is kept by the caller in
-// `rootError` and stored back when classification ends.
-inline int ClassifyRun(ColourCube* cube, const LevelDistances& dist, ColourPath* path,
-                       double* rootError, int32_t red, int32_t green, int32_t blue, double count) {
-  const int32_t depth = cube->depth;
-  const int32_t low = 8 - depth;
-  const uint32_t cell =
-      static_cast<uint32_t>((red >> low) | (green >> low) << 8 | (blue >> low) << 16);
-  if (cell != path->cell) {
-    ColourNode* node = cube->root;
-    for (int32_t level = 1; level <= depth; ++level) {
-      const int32_t shift = 8 - level;
-      const uint32_t id = (red >> shift & 1) << 2 | (green >> shift & 1) << 1 | (blue >> shift & 1);
-      if (!(node->census & (1u << id))) {
-        node->census = static_cast<uint8_t>(node->census | 1u << id);
-        node->child[id] =
-            NewNode(cube, node, static_cast<uint8_t>(id), static_cast<uint8_t>(level));
-        if (!node->child[id]) {
-          path->cell = 0xFFFFFFFF;
-          return 0;
-        }
-        if (level == depth) ++cube->colours;
-      }
-      node = node->child[id];
-      path->node[level] = node;
-    }
-    path->cell = cell;
-  }
-  for (int32_t level = 1; level <= depth; ++level) {
-    ColourNode* node = path->node[level];
-    node->quantiseError +=
-        count * (dist.square[level][red] + dist.square[level][green] + dist.square[level][blue]);
-    *rootError += node->quantiseError;
-  }
-  ColourNode* leaf = path->node[depth];
-  leaf->uniqueCount += count;
-  leaf->redTotal += count * red;
-  leaf->greenTotal += count * green;
-  leaf->blueTotal += count * blue;
-  return 1;
+// The first level whose cell differs between two colours: level l looks at bit 8 - l.
+inline int32_t FirstDifferingLevel(uint32_t difference) {
+  const int32_t level = 9 - static_cast<int32_t>(std::bit_width(difference));
+  return level < 1 ? 1 : level;
 }
+
+// Classifies the runs of one row into a tree of depth `Depth`. The root's error is kept by the
+// caller in `rootError` and stored back when classification ends; it is one long chain of
+// rounded additions, so it stays in a register and its additions stay in level order.
+template <int32_t Depth>
+int ClassifyRow(ColourCube* cube, const LevelDistances& dist, ColourPath* path, double* rootError,
+                const uint8_t* row, int32_t width) {
+  // Locals, so that the stores into the nodes cannot make the compiler reload them.
+  double root = *rootError;
+  ColourNode* nodes[Depth + 1];
+  for (int32_t level = 0; level <= Depth; ++level) nodes[level] = path->node[level];
+  int32_t lastRed = path->red, lastGreen = path->green, lastBlue = path->blue;
+  int ok = 1;
+  for (int32_t x = 0; x < width;) {
+    const uint8_t* p = row + x * 3;
+    int32_t end = x + 1;
+    while (end < width && row[end * 3] == p[0] && row[end * 3 + 1] == p[1] &&
+           row[end * 3 + 2] == p[2])
+      ++end;
+    const double count = static_cast<double>(end - x);
+    x = end;
+    const int32_t red = p[2], green = p[1], blue = p[0];
+    const uint32_t difference =
+        static_cast<uint32_t>((red ^ lastRed) | (green ^ lastGreen) | (blue ^ lastBlue));
+    if (difference >> (8 - Depth)) {
+      int32_t level = FirstDifferingLevel(difference);
+      ColourNode* node = nodes[level - 1];
+      for (; level <= Depth; ++level) {
+        const int32_t shift = 8 - level;
+        const uint32_t id =
+            (red >> shift & 1) << 2 | (green >> shift & 1) << 1 | (blue >> shift & 1);
+        if (!(node->census & (1u << id))) {
+          node->census = static_cast<uint8_t>(node->census | 1u << id);
+          node->child[id] =
+              NewNode(cube, node, static_cast<uint8_t>(id), static_cast<uint8_t>(level));
+          if (!node->child[id]) {
+            ok = 0;
+            break;
+          }
+          if (level == Depth) ++cube->colours;
+        }
+        node = node->child[id];
+        nodes[level] = node;
+      }
+      if (!ok) {
+        lastRed = lastGreen = lastBlue = -1;
+        break;
+      }
+      lastRed = red, lastGreen = green, lastBlue = blue;
+    }
+    const double* square = dist.square[0];
+    for (int32_t level = 1; level <= Depth; ++level) {
+      square += 256;
+      ColourNode* node = nodes[level];
+      node->quantiseError += count * (square[red] + square[green] + square[blue]);
+      root += node->quantiseError;
+    }
+    ColourNode* leaf = nodes[Depth];
+    leaf->uniqueCount += count;
+    leaf->redTotal += count * red;
+    leaf->greenTotal += count * green;
+    leaf->blueTotal += count * blue;
+  }
+  for (int32_t level = 0; level <= Depth; ++level) path->node[level] = nodes[level];
+  path->red = lastRed, path->green = lastGreen, path->blue = lastBlue;
+  *rootError = root;
+  return ok;
+}
+
+using RowClassifier = int (*)(ColourCube*, const LevelDistances&, ColourPath*, double*,
+                              const uint8_t*, int32_t);
+// By depth. A tree deep enough to outgrow MaxColourNodes is always deeper than 2, so the depth
+// never falls below 1.
+constexpr RowClassifier kRowClassifiers[9] = {nullptr,        ClassifyRow<1>, ClassifyRow<2>,
+                                              ClassifyRow<3>, ClassifyRow<4>, ClassifyRow<5>,
+                                              ClassifyRow<6>, ClassifyRow<7>, ClassifyRow<8>};
 
 // The exact colours in order of first appearance, up to 256; past that only a count of pixels.
 struct ExactColours {
@@ -164,6 +206,10 @@ struct ExactColours {
   }
   // The pixels of a picture in the order the accessors give them, top row first.
   void Scan(const DibView& v) {
+    if (count >= kExactColours) {
+      CountMore(int64_t{v.width} * v.height);
+      return;
+    }
     for (int32_t y = v.height - 1; y >= 0; --y) {
       const uint8_t* p = DibRow(v, y);
       uint32_t last = 0xFFFFFFFF;
@@ -188,27 +234,15 @@ int ClassifyImage(ColourCube* cube, ExactColours* exact, const DibView& v) {
   exact->Scan(v);
   double rootError = cube->root->quantiseError;
   ColourPath path;
+  path.node[0] = cube->root;
   int ok = 1;
   for (int32_t y = 0; y < v.height && ok; ++y) {
     if (cube->nodes > MaxColourNodes) {
       PruneLevel(cube, cube->root);
       --cube->depth;
-      path.cell = 0xFFFFFFFF;  // the leaves it held are merged away
+      path.red = path.green = path.blue = -1;  // the leaves it held are merged away
     }
-    const uint8_t* row = DibRow(v, y);
-    for (int32_t x = 0; x < v.width;) {
-      const uint8_t* p = row + x * 3;
-      int32_t end = x + 1;
-      while (end < v.width && row[end * 3] == p[0] && row[end * 3 + 1] == p[1] &&
-             row[end * 3 + 2] == p[2])
-        ++end;
-      if (!ClassifyRun(cube, dist, &path, &rootError, p[2], p[1], p[0],
-                       static_cast<double>(end - x))) {
-        ok = 0;
-        break;
-      }
-      x = end;
-    }
+    ok = kRowClassifiers[cube->depth](cube, dist, &path, &rootError, DibRow(v, y), v.width);
   }
   cube->root->quantiseError = rootError;
   return ok;
@@ -452,9 +486,9 @@ void ExtractPalette(ColourCube* cube, ColourNode* node) {
   }
 }
 
-int32_t QuantiseFrames(int32_t* request, uint8_t* palette, const MovableHandle* images,
-                       int32_t imageCount) {
+int32_t QuantiseFrames(int32_t* request, uint8_t* palette, const FrameList* frames) {
   std::memset(palette, 0, kPaletteBytes);
+  if (!frames || frames->count < 0) return 0;
   const int32_t asked = *request;
   const int32_t target = asked <= 0 || asked > 256 ? 256 : asked;
   int32_t depth = 0;
@@ -482,12 +516,21 @@ int32_t QuantiseFrames(int32_t* request, uint8_t* palette, const MovableHandle* 
   if (!cube->root) return 0;
   cube->root->parent = cube->root;
 
-  for (int32_t i = 0; i < imageCount; ++i) {
-    ScopedLock lock(images[i]);
-    DibView view;
-    if (!lock || !OpenDibView(lock.bytes, MovableSize(images[i]), &view) || view.bitCount != 24)
+  if (frames->count > 0) {
+    ScopedLock records(frames->records);
+    if (!records ||
+        MovableSize(frames->records) / sizeof(FrameRecord) < static_cast<size_t>(frames->count))
       return 0;
-    if (!ClassifyImage(cube, exact, view)) return 0;
+    for (int32_t i = 0; i < frames->count; ++i) {
+      FrameRecord record;
+      std::memcpy(&record, records.bytes + static_cast<size_t>(i) * sizeof record, sizeof record);
+      ScopedLock lock(record.image);
+      DibView view;
+      if (!lock || !OpenDibView(lock.bytes, MovableSize(record.image), &view) ||
+          view.bitCount != 24)
+        return 0;
+      if (!ClassifyImage(cube, exact, view)) return 0;
+    }
   }
 
   if (exact->count > asked) {

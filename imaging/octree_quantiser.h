@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "platform/memory.h"
+#include "shell/effect_table.h"
 
 constexpr int32_t MaxColourNodes = 266817;
 constexpr int32_t kNodesPerSlab = 1536;
@@ -47,13 +48,13 @@ struct ColourCube {
   ColourOptions* options;
 };
 
-// Quantises `imageCount` 24-bit pictures into `palette` (768 bytes, cleared first). `*request` is
-// the wanted count (0 or over 256 mean 256) and receives the number of colours found; a request
-// over 256 can receive a count over 256, meaning "many", with 256 colours in the palette. Returns
-// 1, 0 when a picture cannot be read or a node cannot be made, or kQuantiseMemoryError when the
-// working record cannot be made. On failure the palette must not be used.
-int32_t QuantiseFrames(int32_t* request, uint8_t* palette, const MovableHandle* images,
-                       int32_t imageCount);
+// Quantises the images of every record of `frames` (24-bit pictures), in list order, into
+// `palette` (768 bytes, cleared first). `*request` is the wanted count (0 or over 256 mean 256)
+// and receives the number of colours found; a request over 256 can receive a count over 256,
+// meaning "many", with 256 colours in the palette. Returns 1, 0 when the list or a picture cannot
+// be read or a node cannot be made, or kQuantiseMemoryError when the working record cannot be
+// made. On failure the palette must not be used.
+int32_t QuantiseFrames(int32_t* request, uint8_t* palette, const FrameList* frames);
 
 // The tree operations, on a cube being reduced.
 void PruneSubtree(ColourCube* cube, ColourNode* node);

@@ -6,8 +6,6 @@
 #include <algorithm>
 #include <cstring>
 
-#include <vector>
-
 #include "imaging/octree_quantiser.h"
 #include "imaging/palette.h"
 #include "documents/settings.h"
@@ -202,13 +200,7 @@ int FramesStep(BuildRun* run, const EffectEntry* effect) {
 int CustomPaletteStep(BuildRun* run) {
   int32_t request = run->superCompress || run->keepKey ? 255 : 256;
   Caption(run, kCaptionQuantizing);
-  std::vector<MovableHandle> images(static_cast<size_t>(run->frames.count));
-  for (int32_t i = 0; i < run->frames.count; ++i) {
-    FrameRecord record;
-    if (!ReadFrameRecord(&run->frames, i, &record)) return 0;
-    images[static_cast<size_t>(i)] = record.image;
-  }
-  if (QuantiseFrames(&request, run->palette, images.data(), run->frames.count) != 1) return 0;
+  if (QuantiseFrames(&request, run->palette, &run->frames) != 1) return 0;
   int32_t c = request;
   if (!run->keepKey) {
     if (c < 254) {

@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -19,6 +20,7 @@
 #include "imaging/dither.h"
 #include "imaging/octree_quantiser.h"
 #include "shell/packed_dib.h"
+#include "tests/support/imaging_reference.h"
 
 namespace {
 
@@ -73,8 +75,10 @@ std::vector<float> TextMask(float radius, float cell) {
 
 struct FrameSet {
   std::vector<MovableHandle> frames;
-  std::string folder;  // the frames as binary PPM files, for the peers
+  std::unique_ptr<FrameListView> list;  // the same pictures as a FrameList
+  std::string folder;                   // the frames as binary PPM files, for the peers
   ~FrameSet() {
+    list.reset();
     for (MovableHandle h : frames) MovableFree(h);
     if (!folder.empty()) std::system(("rm -rf '" + folder + "'").c_str());
   }
@@ -133,7 +137,10 @@ void DrawFrames(FrameSet* set, bool plasma) {
 FrameSet& Frames(bool plasma) {
   static FrameSet sets[2];
   FrameSet& set = sets[plasma];
-  if (set.frames.empty()) DrawFrames(&set, plasma);
+  if (set.frames.empty()) {
+    DrawFrames(&set, plasma);
+    set.list = std::make_unique<FrameListView>(set.frames.data(), kFrames);
+  }
   return set;
 }
 
@@ -144,7 +151,7 @@ void Rate(benchmark::State& state) {
 
 int32_t Quantise(FrameSet& set, uint8_t* palette) {
   int32_t request = 256;
-  QuantiseFrames(&request, palette, set.frames.data(), kFrames);
+  QuantiseFrames(&request, palette, &set.list->list);
   return request;
 }
 

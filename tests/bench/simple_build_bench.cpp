@@ -11,6 +11,7 @@
 #include "imaging/octree_quantiser.h"
 #include "shell/build_pipeline.h"
 #include "shell/packed_dib.h"
+#include "tests/support/imaging_reference.h"
 
 namespace {
 
@@ -110,11 +111,11 @@ BENCHMARK(BM_SimpleRenderFrame)->Unit(benchmark::kMillisecond);
 
 void BM_SimpleQuantise64(benchmark::State& state) {
   std::vector<MovableHandle>& frames = Frames();
+  FrameListView list(frames.data(), static_cast<int32_t>(frames.size()));
   uint8_t palette[768];
   for (auto _ : state) {
     int32_t request = 255;
-    benchmark::DoNotOptimize(
-        QuantiseFrames(&request, palette, frames.data(), static_cast<int32_t>(frames.size())));
+    benchmark::DoNotOptimize(QuantiseFrames(&request, palette, &list.list));
   }
 }
 BENCHMARK(BM_SimpleQuantise64)->Unit(benchmark::kMillisecond);
@@ -123,7 +124,8 @@ void BM_SimpleDitherFrame(benchmark::State& state) {
   std::vector<MovableHandle>& frames = Frames();
   uint8_t palette[768];
   int32_t request = 255;
-  QuantiseFrames(&request, palette, frames.data(), static_cast<int32_t>(frames.size()));
+  FrameListView list(frames.data(), static_cast<int32_t>(frames.size()));
+  QuantiseFrames(&request, palette, &list.list);
   size_t i = 0;
   for (auto _ : state) {
     MovableHandle image = DitherToPalette(frames[i++ % frames.size()], palette, 8, request);

@@ -65,10 +65,17 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   MovableFree(ReplaceKeyColour(remapped, b, in.Int(0, 255) * 0x10101u, in.Int(-1, 300)));
   MovableFree(remapped);
 
-  MovableHandle frames[2] = {a, b};
+  FrameList frames{};
+  const int32_t frameCount = in.Int(0, 2);
+  for (int32_t i = 0; i < frameCount; ++i) {
+    FrameRecord record{};
+    record.image = i ? b : a;
+    AppendFrame(&frames, &record);
+  }
   int32_t request = in.Int(-2, 300);
   uint8_t quantised[768];
-  QuantiseFrames(&request, quantised, frames, in.Int(0, 2));
+  QuantiseFrames(&request, quantised, &frames);
+  MovableFree(frames.records);  // the pictures are freed below
 
   MovableFree(ResampleImage(a, in.Int(0, 40), in.Int(0, 40), 0, 0.25 + in.Int(0, 8) * 0.25));
   MovableFree(a);

@@ -260,3 +260,12 @@ MovableHandle MakeImage24(int32_t width, int32_t height, const uint32_t* pixels)
     for (int32_t x = 0; x < width; ++x) WriteDibPixel(lock.bytes, x, y, pixels[y * width + x]);
   return image;
 }
+
+FrameListView::FrameListView(const MovableHandle* images, int32_t count) {
+  for (int32_t i = 0; i < count; ++i) {
+    FrameRecord record{};
+    record.image = images[i];
+    record.transparentIndex = -1;
+    AppendFrame(&list, &record);
+  }
+}

