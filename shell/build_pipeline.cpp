@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "imaging/colour_matcher.h"
+#include "imaging/dither.h"
 #include "imaging/octree_quantiser.h"
 #include "imaging/palette.h"
 #include "documents/settings.h"
@@ -239,6 +241,10 @@ int KeepKeyPixels(MovableHandle* image, MovableHandle unreduced, const BuildRun*
 int RemapStep(BuildRun* run, const BuildOptions* options) {
   Caption(run, kCaptionRemapping);
   const int32_t count = run->frames.count;
+  // One matcher serves every frame: the colour lists it builds for the palette are the costly
+  // part of a frame's reduction, and frames of an animation meet the same colours.
+  ColourMatcher matcher;
+  if (!run->trueColour && !OpenColourMatcher(&matcher, run->palette, run->colours)) return 0;
   for (int32_t i = 0; i < count; ++i) {
     Progress(run, i, count);
     FrameRecord record;
@@ -246,8 +252,10 @@ int RemapStep(BuildRun* run, const BuildOptions* options) {
     if (!run->trueColour) {
       MovableHandle reduced =
           options->dither
-              ? DitherToPalette(record.image, run->palette, run->bits, run->colours, options->remap)
-              : RemapToPalette(record.image, run->palette, run->bits, run->colours, options->remap);
+              ? DitherToPalette(record.image, run->palette, run->bits, run->colours, options->remap,
+                                &matcher)
+              : RemapToPalette(record.image, run->palette, run->bits, run->colours, options->remap,
+                               &matcher);
       if (!reduced) return 0;
       int kept = 1;
       if (run->superCompress) {
