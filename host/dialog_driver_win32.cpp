@@ -152,22 +152,30 @@ bool SaveScreenshot(HWND window, const std::string& path) {
   return ok;
 }
 
-// The common file dialog of this thread: a visible dialog with a file name field, whose text is
-// then set. Explorer-style dialogs hold the field in a combo box (1148), older ones as an edit.
+// The common file dialog of this thread: a visible dialog with a file name field. Explorer-style
+// dialogs hold the field as 1148 (a combo box with an edit, or an edit), older ones as 1152.
+struct FileFieldSearch {
+  HWND dialog = nullptr;
+  HWND field = nullptr;
+};
+
+BOOL CALLBACK FindFileField(HWND window, LPARAM param) {
+  FileFieldSearch* search = reinterpret_cast<FileFieldSearch*>(param);
+  if (!IsWindowVisible(window)) return TRUE;
+  HWND combo = GetDlgItem(window, 1148);
+  HWND field = combo ? FindWindowExA(combo, nullptr, "Edit", nullptr) : nullptr;
+  if (!field) field = combo ? combo : GetDlgItem(window, 1152);
+  if (!field) return TRUE;
+  search->dialog = window;
+  search->field = field;
+  return FALSE;
+}
+
 HWND FindFileNameField(HWND* fileDialog) {
-  HWND dialog = GetForegroundWindow();
-  HWND candidates[2] = {dialog, GetActiveWindow()};
-  for (HWND candidate : candidates) {
-    if (!candidate || GetDlgItem(candidate, IDC_MESSAGE_TEXT)) continue;
-    HWND combo = GetDlgItem(candidate, 1148);
-    HWND field = combo ? FindWindowExA(combo, nullptr, "Edit", nullptr) : nullptr;
-    if (!field) field = GetDlgItem(candidate, 1152);
-    if (field) {
-      *fileDialog = candidate;
-      return field;
-    }
-  }
-  return nullptr;
+  FileFieldSearch search;
+  EnumThreadWindows(GetCurrentThreadId(), FindFileField, reinterpret_cast<LPARAM>(&search));
+  *fileDialog = search.dialog;
+  return search.field;
 }
 
 void PostCommand(HWND dialog, int id, int notification) {

@@ -2,6 +2,7 @@
 // data in stored (uncompressed) deflate blocks. Plain and exact rather than small.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 

@@ -114,3 +114,28 @@ TEST(MainDialog, ChangesRepaintTheSampleOnceAndBoxesInterlock) {
   EXPECT_EQ(run.Value("read-enabled id=1 ", "enabled"), "0");
   EXPECT_EQ(run.Count("read-enabled id=1 enabled=1"), 1);
 }
+
+TEST(MainDialog, OpenAndSaveRoundTripThroughTheFileDialogs) {
+  if (!DisplayAvailable()) GTEST_SKIP() << "no display";
+  ForgetConfiguration();
+  const std::string path = TempFolder() + "gm5_round_trip.gm5";
+  DeleteFileA(path.c_str());
+  // Save on an untitled document asks for a name; once named, Save writes without asking.
+  HostRun run =
+      RunHost("--capabilities 3",
+              "dialog-size 700 500\n" + Reads({"wait-dialog", "set-text 52 First", "click 38"}) +
+                  "file-dialog " + path + "\n" +
+                  Reads({"sleep 500", "set-text 52 Second", "click 38", "sleep 300",
+                         "set-text 52 Changed", "click 37"}) +
+                  "file-dialog " + path + "\n" + Reads({"sleep 800", "read-text 52", "click 2"}));
+  ASSERT_EQ(run.exitCode, 0u);
+  EXPECT_EQ(run.Count("file-dialog"), 2);
+  // Each file dialog takes the size the host keeps for them.
+  EXPECT_EQ(run.Line("file-dialog"), "file-dialog title=Save%20As width=700 height=500");
+  EXPECT_EQ(run.Line("file-dialog title=Open"), "file-dialog title=Open width=700 height=500");
+  EXPECT_EQ(run.Value("read-text id=52 ", "text"), "Second");
+  EXPECT_EQ(run.Count("box"), 0);
+  DeleteFileA(path.c_str());
+  DeleteFileA((path + ".bak").c_str());
+  ForgetConfiguration();
+}
