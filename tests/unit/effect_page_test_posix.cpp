@@ -1,8 +1,20 @@
-// ShowEffectPage on the headless dialog model.
+// Effect pages on the headless dialog model: the page layout and its resource script, EffectInit
+// for every row, and ShowEffectPage.
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <set>
+#include <sstream>
+#include <string>
+
+#include "controls/direction_picker.h"
+#include "controls/page_layout.h"
+#include "documents/settings.h"
 #include "platform/posix/headless_dialog.h"
+#include "shell/effect_pages.h"
 #include "shell/effect_table.h"
+#include "tests/support/alloc_sweep.h"
+#include "tests/support/effect_page_checks.h"
 
 TEST(EffectPage, ShowsTheListedControlsAndLeavesMainControlsAlone) {
   WindowHandle dialog = HeadlessDialogCreate();
@@ -23,4 +35,71 @@ TEST(EffectPage, ShowsTheListedControlsAndLeavesMainControlsAlone) {
   EXPECT_EQ(DialogItemVisible(DialogItem(dialog, 100)), 0);
   EXPECT_EQ(DialogItemVisible(DialogItem(dialog, 10100)), 0);
   HeadlessDialogDestroy(dialog);
+}
+
+// The committed resource script is the one the page tables give today: a table changed without
+// running gm5_page_rc fails here.
+TEST(EffectPage, CommittedResourceScriptFollowsTheTables) {
+  std::string path = __FILE__;
+  path.resize(path.size() - std::string("tests/unit/effect_page_test_posix.cpp").size());
+  std::ifstream file(path + "resources/effect_pages.rc", std::ios::binary);
+  ASSERT_TRUE(file) << path;
+  std::stringstream committed;
+  committed << file.rdbuf();
+  std::string fresh;
+  ASSERT_EQ(FormatPageResources(&fresh), 1);
+  EXPECT_EQ(committed.str(), fresh) << "run build/native/bin/gm5_page_rc resources/effect_pages.rc";
+}
+
+// Each page holds exactly its row's ids, inside the page area, with no two windows overlapping.
+TEST(EffectPage, LayoutPlacesEveryIdOnceInsideTheAreaWithoutOverlap) {
+  PagePlacement placed[kPageMaxPlacements];
+  for (int32_t row = 0; row < kEffectCount; ++row) {
+    const int32_t n = LayoutPage(kPageTables[EffectStyle[row]], placed, kPageMaxPlacements);
+    ASSERT_GT(n, 0) << "row " << row;
+    std::set<int32_t> ids, listed;
+    for (const int32_t* id = EffectTable[row].controls; *id; ++id) listed.insert(*id);
+    for (int32_t i = 0; i < n; ++i) {
+      const PagePlacement& a = placed[i];
+      EXPECT_TRUE(ids.insert(a.id).second) << a.id;
+      EXPECT_TRUE(a.x >= kPageAreaLeft && a.y >= kPageAreaTop && a.cx > 0 && a.cy > 0 &&
+                  a.x + a.cx <= kPageAreaRight && a.y + a.cy <= kPageAreaBottom)
+          << a.id;
+      if (FindPickerShape(a.kind)) {
+        EXPECT_TRUE(a.cx == 50 && a.cy == 46) << a.id;
+      }
+      for (int32_t j = 0; j < i; ++j) {
+        const PagePlacement& b = placed[j];
+        EXPECT_FALSE(a.x < b.x + b.cx && b.x < a.x + a.cx && a.y < b.y + b.cy && b.y < a.y + a.cy)
+            << a.id << " overlaps " << b.id;
+      }
+    }
+    EXPECT_EQ(ids, listed) << "row " << row;
+  }
+}
+
+TEST(EffectPage, InitMakesEveryPageHiddenWithItsSettings) {
+  MovePageSettingsFromDefaults();
+  WindowHandle dialog = DialogCreate();
+  ASSERT_EQ(InitEffectPages(dialog), 1);
+  EXPECT_TRUE(PageTwinsMatchTables(dialog));
+  EXPECT_TRUE(EachRowShowsOnlyItsPage(dialog));
+  DialogDestroy(dialog);
+  ResetSettings();
+}
+
+TEST(EffectPage, InitFailsWithoutItsPageOrMemory) {
+  WindowHandle dialog = DialogCreate();
+  EXPECT_EQ(DialogClonePage(dialog, kEffectPageBase + kEffectCount), 0);
+  EXPECT_EQ(InitEffectPage(dialog, kEffectCount), 0);
+  EXPECT_EQ(DialogClonePage(nullptr, kEffectPageBase), 0);
+  DialogDestroy(dialog);
+  // Simple has material buttons and pickers, Arrows five colour buttons and its cross of checks.
+  for (int32_t style : {0, 7})
+    EXPECT_TRUE(SweepAllocationFailures([style] {
+      WindowHandle page = DialogCreate();
+      const int made = InitEffectPage(page, style);
+      DialogDestroy(page);
+      return made;
+    })) << style;
 }

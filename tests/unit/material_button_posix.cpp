@@ -13,6 +13,5 @@ TEST(MaterialButton, EffectsFindTheRecordThroughTheButton) {
   EXPECT_EQ(MovableUnlock(ButtonMaterialHandle(fill)), 0) << "one lock, released by the caller";
   EXPECT_EQ(MaterialForButton(empty), nullptr);
   EXPECT_EQ(MaterialForButton(nullptr), nullptr);
-  FreeButtonMaterial(ButtonMaterialHandle(fill));
   DialogDestroy(dialog);
 }

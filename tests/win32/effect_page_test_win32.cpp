@@ -1,10 +1,193 @@
-// ShowEffectPage on real child windows: the dialog port enumerates HWNDs and shows or hides them.
+// Effect pages on real windows: the page dialog resources against their tables, EffectInit's
+// twins in a dialog, and ShowEffectPage over child windows.
 #include <windows.h>
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+#include <set>
+#include <vector>
+
+#include "controls/direction_picker.h"
+#include "controls/page_layout.h"
+#include "controls/value_controls.h"
+#include "documents/settings.h"
+#include "materials/material_button.h"
 #include "platform/surface.h"
+#include "shell/effect_pages.h"
 #include "shell/effect_table.h"
+#include "tests/support/effect_page_checks.h"
+#include "tests/win32/win32_test_support.h"
+
+namespace {
+
+constexpr UINT kCreateMaterial = 0x590;
+
+// Stand-ins for the window classes of the material, fountain and animation controls, for a
+// program that has none of its own: a material button answers 0x590 with a record of that colour
+// and frees it when destroyed, as the real one does.
+LRESULT CALLBACK StandInProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == kCreateMaterial && !GetWindowLongPtrA(window, GWLP_USERDATA)) {
+    SetWindowLongPtrA(
+        window, GWLP_USERDATA,
+        reinterpret_cast<LONG_PTR>(CreateButtonMaterial(static_cast<uint32_t>(lParam))));
+    return 0;
+  }
+  if (message == WM_NCDESTROY)
+    FreeButtonMaterial(reinterpret_cast<MovableHandle>(GetWindowLongPtrA(window, GWLP_USERDATA)));
+  return DefWindowProcA(window, message, wParam, lParam);
+}
+
+void RegisterStandIns() {
+  for (const char* name : {"MATLBT", "FOUNTB", "ANMCTL"}) {
+    WNDCLASSA c = {};
+    if (GetClassInfoA(GetModuleHandleA(nullptr), name, &c)) continue;
+    c.lpfnWndProc = StandInProc;
+    c.hInstance = GetModuleHandleA(nullptr);
+    c.lpszClassName = name;
+    RegisterClassA(&c);
+  }
+}
+
+INT_PTR CALLBACK QuietPageProc(HWND, UINT, WPARAM, LPARAM) {
+  return FALSE;
+}
+
+// The kind a page id stands for in the page table: a control, its label or its updown.
+ControlKind KindOfPageId(const PageTable& page, int32_t id) {
+  for (int32_t i = 0; i < page.count; ++i) {
+    const PageControl& c = page.controls[i];
+    if (c.id == id) return c.kind;
+    if (HasLabel(c) && c.id + 1 == id) return kControlLabel;
+    if (HasUpDown(c) && c.id + kUpDownIdOffset == id) return kControlUpDown;
+  }
+  return kControlKindCount;
+}
+
+// What each kind looks like in a resource: its class and the style bits that make it that kind.
+struct KindLook {
+  ControlKind kind;
+  const char* windowClass;
+  DWORD mask, bits;
+};
+constexpr KindLook kLooks[] = {
+    {kControlLabel, "Static", 0x1F, SS_LEFT},
+    {kControlColourButton, "Button", 0x0F, BS_OWNERDRAW},
+    {kControlShadowPicker, "Button", 0x0F, BS_OWNERDRAW},
+    {kControlScroll4Picker, "Button", 0x0F, BS_OWNERDRAW},
+    {kControlScroll2Picker, "Button", 0x0F, BS_OWNERDRAW},
+    {kControlCheckBox, "Button", 0x0F, BS_AUTOCHECKBOX},
+    {kControlSpinEdit, "Edit", ES_NUMBER | ES_MULTILINE, ES_NUMBER},
+    {kControlUpDown, "msctls_updown32", UDS_AUTOBUDDY | UDS_SETBUDDYINT | UDS_ALIGNRIGHT,
+     UDS_AUTOBUDDY | UDS_SETBUDDYINT},
+    {kControlComboList, "ComboBox", 0x03, CBS_DROPDOWNLIST},
+    {kControlMaterialButton, "MATLBT", 0, 0},
+    {kControlFountainButton, "FOUNTB", 0, 0},
+    {kControlAnimationPicker, "ANMCTL", 0, 0},
+};
+
+RECT ClientRect(HWND child) {
+  RECT r;
+  GetWindowRect(child, &r);
+  MapWindowPoints(nullptr, GetParent(child), reinterpret_cast<POINT*>(&r), 2);
+  return r;
+}
+
+struct PageChildren {
+  std::vector<HWND> windows;
+};
+
+BOOL CALLBACK CollectChild(HWND child, LPARAM param) {
+  reinterpret_cast<PageChildren*>(param)->windows.push_back(child);
+  return TRUE;
+}
+
+}  // namespace
+
+// Each page resource holds exactly its row's ids, each with the class and style of its kind, all
+// inside the page area and none overlapping another. The plug-in carries the same dialogs.
+TEST(EffectPage, ResourcesMatchTheirTables) {
+  ASSERT_TRUE(DisplayAvailable()) << "run under xvfb-run";
+  RegisterStandIns();
+  HMODULE plugin = LoadLibraryExA(GM5_PLUGIN_PATH, nullptr, LOAD_LIBRARY_AS_DATAFILE);
+  ASSERT_NE(plugin, nullptr);
+  for (int32_t row = 0; row < kEffectCount; ++row) {
+    const PageTable& page = kPageTables[EffectStyle[row]];
+    const int32_t resource = EffectPageId(row);
+    EXPECT_NE(FindResourceA(plugin, MAKEINTRESOURCEA(resource), MAKEINTRESOURCEA(5)), nullptr)
+        << resource;
+    HWND dialog = CreateDialogParamA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(resource), nullptr,
+                                     QuietPageProc, 0);
+    ASSERT_NE(dialog, nullptr) << resource;
+    RECT area = {kPageAreaLeft, kPageAreaTop, kPageAreaRight, kPageAreaBottom};
+    MapDialogRect(dialog, &area);
+    PageChildren children;
+    EnumChildWindows(dialog, CollectChild, reinterpret_cast<LPARAM>(&children));
+    std::set<int32_t> ids, listed;
+    for (const int32_t* id = EffectTable[row].controls; *id; ++id) listed.insert(*id);
+    for (size_t i = 0; i < children.windows.size(); ++i) {
+      HWND child = children.windows[i];
+      const int32_t id = GetDlgCtrlID(child);
+      ids.insert(id);
+      const ControlKind kind = KindOfPageId(page, id);
+      char windowClass[64];
+      GetClassNameA(child, windowClass, sizeof windowClass);
+      const DWORD style = static_cast<DWORD>(GetWindowLongA(child, GWL_STYLE));
+      const KindLook* look = nullptr;
+      for (const KindLook& l : kLooks)
+        if (l.kind == kind) look = &l;
+      ASSERT_NE(look, nullptr) << "page " << resource << " id " << id;
+      EXPECT_EQ(lstrcmpiA(windowClass, look->windowClass), 0) << id << " " << windowClass;
+      EXPECT_EQ(style & look->mask, look->bits) << id;
+      EXPECT_TRUE((style & WS_CHILD) && (style & WS_VISIBLE)) << id;
+      const RECT r = ClientRect(child);
+      EXPECT_TRUE(r.left >= area.left && r.top >= area.top && r.right <= area.right &&
+                  r.bottom <= area.bottom)
+          << "page " << resource << " id " << id << " outside the page area";
+      if (FindPickerShape(kind)) EXPECT_GE(r.right - r.left, 75) << id;
+      for (size_t j = 0; j < i; ++j) {
+        RECT both;
+        const RECT other = ClientRect(children.windows[j]);
+        EXPECT_FALSE(IntersectRect(&both, &r, &other))
+            << "page " << resource << ": " << id << " overlaps "
+            << GetDlgCtrlID(children.windows[j]);
+      }
+    }
+    EXPECT_EQ(ids, listed) << resource;
+    DestroyWindow(dialog);
+  }
+  FreeLibrary(plugin);
+}
+
+// EffectInit for every row makes hidden twins at the page's places in the dialog, kinds and values
+// from the tables and settings; ShowEffectPage then shows one page at a time.
+TEST(EffectPage, InitClonesEveryPageIntoTheDialog) {
+  ASSERT_TRUE(DisplayAvailable()) << "run under xvfb-run";
+  RegisterStandIns();
+  MovePageSettingsFromDefaults();
+  WindowHandle dialog = DialogCreate();
+  ASSERT_EQ(InitEffectPages(dialog), 1);
+  EXPECT_TRUE(PageTwinsMatchTables(dialog));
+  EXPECT_TRUE(EachRowShowsOnlyItsPage(dialog));
+
+  // The twins stand where the page's children stand (a combo box's list is not part of its rect).
+  HWND page = CreateDialogParamA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(7400), nullptr,
+                                 QuietPageProc, 0);
+  ASSERT_NE(page, nullptr);
+  PageChildren children;
+  EnumChildWindows(page, CollectChild, reinterpret_cast<LPARAM>(&children));
+  for (HWND child : children.windows) {
+    HWND twin = reinterpret_cast<HWND>(DialogItem(dialog, GetDlgCtrlID(child)));
+    ASSERT_NE(twin, nullptr) << GetDlgCtrlID(child);
+    const RECT a = ClientRect(child), b = ClientRect(twin);
+    EXPECT_TRUE(a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom)
+        << GetDlgCtrlID(child);
+  }
+  DestroyWindow(page);
+  EXPECT_EQ(DialogClonePage(dialog, kEffectPageBase + kEffectCount), 0) << "no such page";
+  DialogDestroy(dialog);
+  ResetSettings();
+}
 
 TEST(EffectPage, ShowsTheListedChildWindowsOnly) {
   HWND dialog = CreateWindowExA(0, "STATIC", "page host", WS_POPUP, 0, 0, 200, 200, nullptr,
