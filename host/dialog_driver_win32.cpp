@@ -251,6 +251,13 @@ bool RunStep(const std::string& step, DWORD waited) {
     in >> row;
     SendMessageA(control, CB_SETCURSEL, row, 0);
     PostCommand(dialog, id, CBN_SELCHANGE);
+  } else if (word == "select-text") {
+    std::string text;
+    std::getline(in >> std::ws, text);
+    const LRESULT row = SendMessageA(control, CB_SELECTSTRING, static_cast<WPARAM>(-1),
+                                     reinterpret_cast<LPARAM>(text.c_str()));
+    Log(prefix + " row=" + std::to_string(row));
+    PostCommand(dialog, id, CBN_SELCHANGE);
   } else if (word == "read-text") {
     char text[1024] = "";
     GetDlgItemTextA(dialog, id, text, sizeof text);

@@ -406,8 +406,8 @@ INT_PTR OnDrawItem(HWND dialog, const DRAWITEMSTRUCT* item) {
       PaintLogo(item);
       return TRUE;
   }
-  // Colour buttons and pickers of the pages paint themselves through their kind.
-  return FALSE;
+  // The pages' colour buttons are painted by their kind.
+  return DialogPaintItem(Handle(dialog), item) ? TRUE : FALSE;
 }
 
 INT_PTR CALLBACK MainDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {

@@ -1,6 +1,7 @@
 // Effect pages on real windows: the page dialog resources against their tables, EffectInit's
 // twins in a dialog, and ShowEffectPage over child windows.
 #include <windows.h>
+#include <commctrl.h>
 
 #include <gtest/gtest.h>
 

@@ -139,3 +139,57 @@ TEST(MainDialog, OpenAndSaveRoundTripThroughTheFileDialogs) {
   DeleteFileA((path + ".bak").c_str());
   ForgetConfiguration();
 }
+
+TEST(MainDialog, TestStaysOpenAndBuildCloses) {
+  if (!DisplayAvailable()) GTEST_SKIP() << "no display";
+  ForgetConfiguration();
+  // A true-colour host: Test builds flat frames with Alpha transparency off for the run only;
+  // Build then hands over frames with their alpha plane and ends the dialog.
+  HostRun run = RunHost("--capabilities 2",
+                        Reads({"wait-dialog", "set-text 52 Go", "set-text 112 4", "set-check 62 1",
+                               "click 24", "read-check 62", "click 1"}));
+  ASSERT_EQ(run.exitCode, 0u);
+  EXPECT_EQ(run.Line("read-check id=62"), "read-check id=62 check=1");
+  EXPECT_EQ(run.Line("dobuild"), "dobuild result=1");
+  EXPECT_EQ(run.Line("script"), "script unfinished=0");
+  // The host's calls of the two runs, in order, from the start of work to the close.
+  std::string order;
+  for (const std::string& line : run.lines) {
+    if (line.rfind("call op=", 0) != 0) continue;
+    const std::string op = line.substr(8, line.find(' ', 8) - 8);
+    if (op == "13" || op == "10" || op == "12") continue;  // progress and the registration query
+    if (op == "2" && !order.empty() && order.back() == '+') continue;
+    order += (order.empty() ? "" : " ") + op + (op == "2" ? "+" : "");
+  }
+  EXPECT_EQ(order, "17 17 21 18 5 15 2+ 3 4 18 1 15 2+ 3 4");
+  EXPECT_EQ(run.Count("call op=2 name=HostOpAddImage file=1"), 4);
+  EXPECT_EQ(run.Count("call op=2 name=HostOpAddImage file=1 index=0 delay=50 transparent=0"), 1);
+  EXPECT_EQ(run.Count("call op=2 name=HostOpAddImage file=2 index=0 delay=50 transparent=1"), 1);
+  EXPECT_NE(run.Line("call op=2 name=HostOpAddImage file=2").find("imageBits=32"),
+            std::string::npos);
+  ForgetConfiguration();
+}
+
+// The frames of a Build from the dialog, with the document that holds its settings, for the
+// native build of the same document to compare (tests/parity).
+TEST(MainDialog, BuildWritesFramesForTheNativeComparison) {
+  if (!DisplayAvailable()) GTEST_SKIP() << "no display";
+  ForgetConfiguration();
+  char here[MAX_PATH];
+  GetCurrentDirectoryA(MAX_PATH, here);
+  const std::string folder = std::string(here) + "\\parity";
+  CreateDirectoryA(folder.c_str(), nullptr);
+  CreateDirectoryA((folder + "\\dialog-build").c_str(), nullptr);
+  DeleteFileA((folder + "\\dialog.gm5").c_str());
+  HostRun run =
+      RunHost("--capabilities 1 --dump \"" + folder + "\\dialog-build\"",
+              Reads({"wait-dialog", "select-text 53 DejaVu Sans", "set-text 57 32",
+                     "set-text 52 Parity", "set-text 112 6", "click 39"}) +
+                  "file-dialog " + folder + "\\dialog.gm5\n" + Reads({"sleep 500", "click 1"}));
+  ASSERT_EQ(run.exitCode, 0u);
+  EXPECT_EQ(run.Line("select-text id=53").find("row=-1"), std::string::npos) << "font missing";
+  EXPECT_EQ(run.Count("call op=2 name=HostOpAddImage file=1"), 6);
+  EXPECT_NE(GetFileAttributesA((folder + "\\dialog-build\\file1-frame005.bmp").c_str()),
+            INVALID_FILE_ATTRIBUTES);
+  ForgetConfiguration();
+}
