@@ -184,7 +184,7 @@ TEST(MainDialog, BuildWritesFramesForTheNativeComparison) {
   HostRun run =
       RunHost("--capabilities 1 --dump \"" + folder + "\\dialog-build\"",
               Reads({"wait-dialog", "select-text 53 DejaVu Sans", "set-text 57 32",
-                     "set-text 52 Parity", "set-text 112 6", "click 39"}) +
+                     "set-text 61 100", "set-text 52 Parity", "set-text 112 6", "click 39"}) +
                   "file-dialog " + folder + "\\dialog.gm5\n" + Reads({"sleep 500", "click 1"}));
   ASSERT_EQ(run.exitCode, 0u);
   EXPECT_EQ(run.Line("select-text id=53").find("row=-1"), std::string::npos) << "font missing";
