@@ -1,9 +1,8 @@
 // Compares a Build made from the main dialog under Wine (its frames as the host received them, and
 // the document saved from the same dialog) with gm5's native build of that document. Only the font
 // engines differ, so the files agree in frame count, total delay, depth and palette, the heights
-// within a pixel, the
-// widths differ by at most a space's advance a character, and the pixels differ only where glyphs
-// are drawn: the last frame, whose text has scrolled out, agrees exactly.
+// within a pixel and the widths within a space's advance a character; pixels differ only where
+// glyphs are drawn, and the last frame, whose text has scrolled out, agrees exactly.
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>

@@ -4,6 +4,7 @@
 // screenshot of every effect's page.
 #include <windows.h>
 
+#include <cstdio>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -191,5 +192,29 @@ TEST(MainDialog, BuildWritesFramesForTheNativeComparison) {
   EXPECT_EQ(run.Count("call op=2 name=HostOpAddImage file=1"), 6);
   EXPECT_NE(GetFileAttributesA((folder + "\\dialog-build\\file1-frame005.bmp").c_str()),
             INVALID_FILE_ATTRIBUTES);
+  ForgetConfiguration();
+}
+
+// A screenshot of the dialog with each effect's page, for looking at: build/windows/screenshots.
+TEST(MainDialog, ScreenshotsOfEveryPage) {
+  if (!DisplayAvailable()) GTEST_SKIP() << "no display";
+  ForgetConfiguration();
+  const std::string bin = BuildPath(GM5_PLUGIN_PATH);
+  const std::string folder =
+      bin.substr(0, bin.find_last_of('\\', bin.find_last_of('\\') - 1)) + "\\screenshots";
+  CreateDirectoryA(folder.c_str(), nullptr);
+  std::string script = "wait-dialog\nsleep 500\n";
+  for (int row = 0; row < 21; ++row) {
+    char name[32];
+    std::snprintf(name, sizeof name, "\\page-%02d.png", row);
+    script +=
+        "select 58 " + std::to_string(row) + "\nsleep 700\nscreenshot 0 " + folder + name + "\n";
+  }
+  HostRun run = RunHost("--capabilities 3", script + "click 2\n");
+  ASSERT_EQ(run.exitCode, 0u);
+  EXPECT_EQ(run.Count("screenshot path="), 21);
+  for (const std::string& line : run.lines)
+    if (line.rfind("screenshot", 0) == 0)
+      EXPECT_NE(line.find("result=1"), std::string::npos) << line;
   ForgetConfiguration();
 }
