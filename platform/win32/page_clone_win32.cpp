@@ -23,6 +23,7 @@ HMODULE ThisModule() {
 }
 
 struct CloneState {
+  HWND page;     // the page being copied
   HWND target;   // the main dialog
   HFONT font;    // the main dialog's font
   int failures;  // twins that could not be made
@@ -38,7 +39,8 @@ void SetUpDownRange(HWND updown, const char* text) {
 
 BOOL CALLBACK MakeTwin(HWND child, LPARAM param) {
   CloneState* state = reinterpret_cast<CloneState*>(param);
-  HWND page = GetParent(child);
+  HWND page = state->page;
+  if (GetParent(child) != page) return TRUE;  // a control's own child windows come with it
   char windowClass[64];
   char text[256];
   if (!GetClassNameA(child, windowClass, sizeof windowClass)) {
@@ -69,6 +71,7 @@ BOOL CALLBACK MakeTwin(HWND child, LPARAM param) {
 INT_PTR CALLBACK ClonePageProc(HWND page, UINT message, WPARAM, LPARAM lParam) {
   if (message != WM_INITDIALOG) return FALSE;
   CloneState* state = reinterpret_cast<CloneState*>(lParam);
+  state->page = page;
   EnumChildWindows(page, MakeTwin, reinterpret_cast<LPARAM>(state));
   EndDialog(page, 0);
   return FALSE;
@@ -81,7 +84,8 @@ int DialogClonePage(WindowHandle dialog, int32_t resourceId) {
   if (!target) return 0;
   INITCOMMONCONTROLSEX controls = {sizeof controls, ICC_UPDOWN_CLASS};
   InitCommonControlsEx(&controls);
-  CloneState state = {target, reinterpret_cast<HFONT>(SendMessageA(target, WM_GETFONT, 0, 0)), 0};
+  CloneState state = {nullptr, target,
+                      reinterpret_cast<HFONT>(SendMessageA(target, WM_GETFONT, 0, 0)), 0};
   HWND page = CreateDialogParamA(ThisModule(), MAKEINTRESOURCEA(resourceId), target, ClonePageProc,
                                  reinterpret_cast<LPARAM>(&state));
   if (!page) return 0;

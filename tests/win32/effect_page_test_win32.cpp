@@ -1,6 +1,7 @@
 // Effect pages on real windows: the page dialog resources against their tables, EffectInit's
 // twins in a dialog, and ShowEffectPage over child windows.
 #include <windows.h>
+#include <commctrl.h>
 
 #include <gtest/gtest.h>
 
@@ -111,13 +112,14 @@ TEST(EffectPage, ResourcesMatchTheirTables) {
   RegisterStandIns();
   HMODULE plugin = LoadLibraryExA(GM5_PLUGIN_PATH, nullptr, LOAD_LIBRARY_AS_DATAFILE);
   ASSERT_NE(plugin, nullptr);
+  WindowHandle host = DialogCreate();  // pages are child windows
   for (int32_t row = 0; row < kEffectCount; ++row) {
     const PageTable& page = kPageTables[EffectStyle[row]];
     const int32_t resource = EffectPageId(row);
     EXPECT_NE(FindResourceA(plugin, MAKEINTRESOURCEA(resource), MAKEINTRESOURCEA(5)), nullptr)
         << resource;
-    HWND dialog = CreateDialogParamA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(resource), nullptr,
-                                     QuietPageProc, 0);
+    HWND dialog = CreateDialogParamA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(resource),
+                                     reinterpret_cast<HWND>(host), QuietPageProc, 0);
     ASSERT_NE(dialog, nullptr) << resource;
     RECT area = {kPageAreaLeft, kPageAreaTop, kPageAreaRight, kPageAreaBottom};
     MapDialogRect(dialog, &area);
@@ -144,7 +146,9 @@ TEST(EffectPage, ResourcesMatchTheirTables) {
       EXPECT_TRUE(r.left >= area.left && r.top >= area.top && r.right <= area.right &&
                   r.bottom <= area.bottom)
           << "page " << resource << " id " << id << " outside the page area";
-      if (FindPickerShape(kind)) EXPECT_GE(r.right - r.left, 75) << id;
+      if (FindPickerShape(kind)) {
+        EXPECT_TRUE(r.right - r.left >= 75 && r.bottom - r.top >= 75) << id;
+      }
       for (size_t j = 0; j < i; ++j) {
         RECT both;
         const RECT other = ClientRect(children.windows[j]);
@@ -156,6 +160,7 @@ TEST(EffectPage, ResourcesMatchTheirTables) {
     EXPECT_EQ(ids, listed) << resource;
     DestroyWindow(dialog);
   }
+  DialogDestroy(host);
   FreeLibrary(plugin);
 }
 
@@ -171,8 +176,8 @@ TEST(EffectPage, InitClonesEveryPageIntoTheDialog) {
   EXPECT_TRUE(EachRowShowsOnlyItsPage(dialog));
 
   // The twins stand where the page's children stand (a combo box's list is not part of its rect).
-  HWND page = CreateDialogParamA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(7400), nullptr,
-                                 QuietPageProc, 0);
+  HWND page = CreateDialogParamA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(7400),
+                                 reinterpret_cast<HWND>(dialog), QuietPageProc, 0);
   ASSERT_NE(page, nullptr);
   PageChildren children;
   EnumChildWindows(page, CollectChild, reinterpret_cast<LPARAM>(&children));
