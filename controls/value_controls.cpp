@@ -356,9 +356,7 @@ void HandleValueCommand(WindowHandle dialog, int32_t id, int32_t notification) {
       int translated = 0;
       uint32_t colour = GetDialogItemInt(dialog, id, &translated, 0);
       if (uint32_t* setting = static_cast<uint32_t*>(DialogGetUserData(control))) colour = *setting;
-      uint8_t swatches[768] = {};
-      BuildSwatchTable(swatches);
-      if (!g_chooser(dialog, &colour, swatches)) return;
+      if (!ChooseColour(dialog, &colour)) return;
       if (uint32_t* setting = static_cast<uint32_t*>(DialogGetUserData(control))) *setting = colour;
       SetDialogItemInt(dialog, id, colour, 0);
       break;
@@ -376,4 +374,10 @@ void HandleValueCommand(WindowHandle dialog, int32_t id, int32_t notification) {
 
 void SetColourChooser(ColourChooser chooser) {
   g_chooser = chooser ? chooser : ChooseColourFromHost;
+}
+
+int ChooseColour(WindowHandle owner, uint32_t* colour) {
+  uint8_t swatches[768] = {};
+  BuildSwatchTable(swatches);
+  return g_chooser(owner, colour, swatches);
 }

@@ -70,3 +70,5 @@ void HandleValueCommand(WindowHandle dialog, int32_t id, int32_t notification);
 // The host's HostOpChooseColour unless replaced; null puts it back.
 typedef int (*ColourChooser)(WindowHandle owner, uint32_t* colour, const uint8_t* swatches);
 void SetColourChooser(ColourChooser chooser);
+// Offers the current chooser the swatch table with `*colour`; nonzero with the choice.
+int ChooseColour(WindowHandle owner, uint32_t* colour);

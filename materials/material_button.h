@@ -13,6 +13,18 @@
 constexpr const char kMaterialLineKey[] = "MATLBT";
 constexpr uint32_t kMaterialHexDigits = kMaterialSize * 2;
 
+// The button's messages: create the record from the creation colour (lParam), duplicate it
+// (answers the new block), show the kind menu, and the note to the parent after any change of
+// the fill (wParam the kind, lParam the button). Menu and editor commands come as WM_COMMAND.
+constexpr uint32_t kMessageMaterialCreate = 0x590;
+constexpr uint32_t kMessageMaterialDuplicate = 0x591;
+constexpr uint32_t kMessageMaterialMenu = 0x52D;
+constexpr uint32_t kMessageMaterialChanged = 0x52F;
+constexpr int32_t kMaterialEditCommand = 99;
+constexpr int32_t kMaterialKindCommand = 100;  // 100 to 103: kinds 0 to 3
+constexpr int32_t kMaterialArrowWidth = 16;    // the right-most pixels of the button
+constexpr int32_t kMaterialPreviewInset = 2;
+
 // A new block holding a default Material whose Simple colour is `creationColour`, or null.
 MovableHandle CreateButtonMaterial(uint32_t creationColour);
 // Frees the record's tile and preview images, then the block. A null handle is accepted.

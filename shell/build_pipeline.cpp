@@ -11,6 +11,7 @@
 #include "imaging/octree_quantiser.h"
 #include "imaging/palette.h"
 #include "documents/settings.h"
+#include "platform/cursor.h"
 #include "shell/main_dialog_ids.h"
 #include "shell/messages.h"
 #include "shell/packed_dib.h"
@@ -394,6 +395,8 @@ int BuildFrames(WindowHandle dialog, HostRecord* host, int32_t isTest) {
   if (isTest) DialogSetCheck(DialogItem(dialog, kIdAlphaTransparency), 0);
   int32_t row = DialogGetSelection(DialogItem(dialog, kIdEffect));
   row = std::clamp(row, 0, kEffectCount - 1);
+  // The wait cursor stays up until the box is checked again, on every way out of the run.
+  WaitCursor wait;
   const int ok = RunBuild(dialog, host, isTest, &options, &EffectTable[row]);
   DialogSetCheck(DialogItem(dialog, kIdAlphaTransparency), options.alphaTransparency);
   return ok;

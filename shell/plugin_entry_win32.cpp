@@ -5,6 +5,7 @@
 #include <commctrl.h>
 #include <shlobj.h>
 
+#include "materials/material_button_win32.h"
 #include "shell/host_gate.h"
 #include "shell/host_interface.h"
 #include "shell/library_state.h"
@@ -89,7 +90,9 @@ extern "C" __declspec(dllexport) int PLUGIN16DoBuild(HWND parent, HostRecord* ho
 
   INITCOMMONCONTROLSEX controls = {sizeof controls, ICC_STANDARD_CLASSES | ICC_UPDOWN_CLASS};
   InitCommonControlsEx(&controls);
+  RegisterMaterialButtonClass();
   RunMainDialog(reinterpret_cast<WindowHandle>(parent), host);
+  UnregisterMaterialButtonClass();
   CurrentHost = nullptr;
   RepaintWindow(parent);
 

@@ -11,6 +11,7 @@
 #include "controls/direction_picker.h"
 #include "controls/picker_strips.h"
 #include "controls/value_controls.h"
+#include "materials/material_button_win32.h"
 #include "platform/dialog.h"
 #include "platform/memory.h"
 #include "shell/packed_dib.h"
@@ -265,7 +266,7 @@ LRESULT CALLBACK DialogProc(HWND window, UINT message, WPARAM wParam, LPARAM lPa
 
 int RegisterDialogClass() {
   static int registered = 0;
-  if (registered) return 1;
+  if (registered) return RegisterMaterialButtonClass();
   INITCOMMONCONTROLSEX controls = {sizeof controls, ICC_UPDOWN_CLASS};
   InitCommonControlsEx(&controls);
   WNDCLASSA c = {};
@@ -275,7 +276,7 @@ int RegisterDialogClass() {
   c.lpszClassName = kDialogClass;
   c.hCursor = LoadCursor(nullptr, IDC_ARROW);
   registered = RegisterClassA(&c) != 0 || GetLastError() == ERROR_CLASS_ALREADY_EXISTS;
-  return registered;
+  return registered && RegisterMaterialButtonClass();
 }
 
 const char* ClassFor(ControlKind kind, DWORD* style) {
@@ -307,6 +308,8 @@ const char* ClassFor(ControlKind kind, DWORD* style) {
     case kControlListBoxList:
       *style |= LBS_NOTIFY | WS_VSCROLL;
       return "LISTBOX";
+    case kControlMaterialButton:
+      return kMaterialButtonClass;
     default:
       return "BUTTON";
   }
@@ -388,6 +391,10 @@ void DialogDestroy(WindowHandle dialog) {
 
 ControlKind DialogControlKind(WindowHandle control) {
   if (!control) return kControlOther;
+  // A material button is a window class of its own.
+  char windowClass[16] = "";
+  GetClassNameA(AsWindow(control), windowClass, sizeof windowClass);
+  if (lstrcmpiA(windowClass, kMaterialButtonClass) == 0) return kControlMaterialButton;
   // A value kind is known by its class procedure; the others by the mark made at creation.
   const WNDPROC procedure =
       reinterpret_cast<WNDPROC>(GetWindowLongPtrA(AsWindow(control), GWLP_WNDPROC));

@@ -6,11 +6,12 @@
 
 #include <cstdio>
 
+#include "materials/material_button.h"
+#include "materials/material_button_win32.h"
 #include "platform/dialog.h"
 
 namespace {
 
-constexpr UINT kMessageCreateMaterial = 0x590;
 constexpr int kComboDropHeight = 200;  // room below a combo box for its list
 
 // The module that holds this code and its resources: the plug-in, or a test program.
@@ -82,8 +83,10 @@ INT_PTR CALLBACK ClonePageProc(HWND page, UINT message, WPARAM, LPARAM lParam) {
 int DialogClonePage(WindowHandle dialog, int32_t resourceId) {
   HWND target = reinterpret_cast<HWND>(dialog);
   if (!target) return 0;
+  // The pages hold updowns and material buttons: their classes must exist before the page does.
   INITCOMMONCONTROLSEX controls = {sizeof controls, ICC_UPDOWN_CLASS};
   InitCommonControlsEx(&controls);
+  RegisterMaterialButtonClass();
   CloneState state = {nullptr, target,
                       reinterpret_cast<HFONT>(SendMessageA(target, WM_GETFONT, 0, 0)), 0};
   HWND page = CreateDialogParamA(ThisModule(), MAKEINTRESOURCEA(resourceId), target, ClonePageProc,
@@ -97,6 +100,6 @@ int DialogClonePage(WindowHandle dialog, int32_t resourceId) {
 int DialogCreateMaterial(WindowHandle button, uint32_t creationColour) {
   HWND window = reinterpret_cast<HWND>(button);
   if (!window) return 0;
-  SendMessageA(window, kMessageCreateMaterial, 0, static_cast<LPARAM>(creationColour));
-  return GetWindowLongPtrA(window, GWLP_USERDATA) != 0;
+  SendMessageA(window, kMessageMaterialCreate, 0, static_cast<LPARAM>(creationColour));
+  return ButtonMaterialHandle(button) != nullptr;
 }

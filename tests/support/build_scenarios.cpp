@@ -5,17 +5,13 @@
 
 #include "shell/packed_dib.h"
 
-std::vector<FakeFrame> fakeFrames;
-int32_t fakeKey = kWhite;
-std::vector<int32_t> opcodes;
-
 namespace {
 
-HostSession* session = nullptr;
+Scenario* running = nullptr;
 
 int FakeBuild(BuildContext* context) {
-  for (size_t i = 0; i < fakeFrames.size(); ++i) {
-    const FakeFrame& f = fakeFrames[i];
+  for (size_t i = 0; i < running->frames.size(); ++i) {
+    const FakeFrame& f = running->frames[i];
     FrameRecord record{};
     record.image = CreatePackedDib(f.width, f.height, nullptr, 24);
     record.delay = f.delay;
@@ -37,22 +33,24 @@ int FakeBuild(BuildContext* context) {
 }
 
 int32_t FakeKeyColour(WindowHandle, int32_t mode) {
-  return mode ? -1 : fakeKey;
+  return mode ? -1 : running->key;
 }
+
+// The letter of each opcode from 0 to 15, as the header of build_scenarios.h lists them.
+constexpr char kLetters[] = "?FAMXT????C?RP?B";
 
 uint64_t RecordingService(void* object, int32_t opcode, uint64_t a, uint64_t b) {
-  opcodes.push_back(opcode);
-  return ServeHostCall(session, object, opcode, a, b);
+  running->calls += opcode >= 0 && opcode < 16 ? kLetters[opcode] : '?';
+  return ServeHostCall(&running->host, object, opcode, a, b);
 }
-
-}  // namespace
 
 const EffectEntry kFakeEffect = {"Fake",        nullptr, nullptr, FakeBuild,
                                  FakeKeyColour, nullptr, nullptr};
 
+}  // namespace
+
 Scenario::Scenario() {
-  fakeFrames = {{6, 4, 10, kWhite, 0}, {6, 4, 20, kWhite, 0}, {6, 4, 30, kWhite, 0}};
-  fakeKey = kWhite;
+  frames = {{6, 4, 10, kWhite, 0}, {6, 4, 20, kWhite, 0}, {6, 4, 30, kWhite, 0}};
   record.service = RecordingService;
   record.capabilities = kHostIndexed;
   options.customPalette = 1;
@@ -61,8 +59,10 @@ Scenario::Scenario() {
 }
 
 int Scenario::Go() {
-  session = &host;
-  opcodes.clear();
+  running = this;
+  calls.clear();
+  host.files.clear();
+  host.openFiles.clear();
   const long live = MovableLiveCount();
   const int ok = RunBuild(nullptr, &record, isTest, &options, &kFakeEffect);
   EXPECT_EQ(MovableLiveCount(), live) << "every frame is freed";

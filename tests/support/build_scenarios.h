@@ -1,8 +1,11 @@
 // Whole runs of the build pipeline against the in-process host, with a stand-in effect whose
-// frames and key colour each case sets, and a record of every opcode the host was called with.
+// frames and key colour each case sets, and the host's calls recorded one letter per opcode:
+// R registered, P progress, C caption, F create file, T create test file, B background,
+// A add image, M comment, X close file.
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include "host/host_session.h"
@@ -16,19 +19,15 @@ struct FakeFrame {
   int32_t spread;  // nonzero: every pixel a different colour instead
 };
 
-// What the stand-in effect builds and answers; each Scenario resets them.
-extern std::vector<FakeFrame> fakeFrames;
-extern int32_t fakeKey;
-// The opcodes of the last run, in order.
-extern std::vector<int32_t> opcodes;
-extern const EffectEntry kFakeEffect;
-
 // One run: three 6 x 4 white frames, key white, an indexed host, custom palette, fixed palette 6.
 struct Scenario {
   HostSession host;
   HostRecord record{};
   BuildOptions options{};
   int32_t isTest = 0;
+  std::vector<FakeFrame> frames;
+  int32_t key = kWhite;
+  std::string calls;  // of the last run
 
   Scenario();
   // Runs the build and checks that no block is left behind. Returns what RunBuild returned.

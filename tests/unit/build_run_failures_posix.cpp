@@ -7,22 +7,27 @@
 #include "tests/support/build_scenarios.h"
 
 TEST(BuildRun, RefusalsAndMemoryFailuresEndWithTheirMessage) {
-  Scenario create;
-  create.host.refused.insert(HostOpCreateFile);
-  EXPECT_EQ(create.Go(), 0);
-  EXPECT_STREQ(LastShownMessage(), kCreateFileFailedText);
-  EXPECT_EQ(opcodes.back(), HostOpCreateFile);
-
-  Scenario add;
-  add.host.refused.insert(HostOpAddImage);
-  EXPECT_EQ(add.Go(), 0);
-  EXPECT_STREQ(LastShownMessage(), kAddImageFailedText);
-  EXPECT_EQ(opcodes.back(), HostOpCloseFile);
-  EXPECT_TRUE(add.File().closed);
-  EXPECT_FALSE(add.File().committed);
+  struct Refusal {
+    int32_t opcode;
+    const char* calls;
+    const char* message;
+    size_t files;  // made by the host; a made file is closed without being kept
+  } refusals[] = {
+      {HostOpCreateFile, "RPCCPCCPPPPF", kCreateFileFailedText, 0},
+      {HostOpAddImage, "RPCCPCCPPPPFBAX", kAddImageFailedText, 1},
+  };
+  for (const Refusal& r : refusals) {
+    Scenario s;
+    s.host.refused.insert(r.opcode);
+    EXPECT_EQ(s.Go(), 0);
+    EXPECT_EQ(s.calls, r.calls);
+    EXPECT_STREQ(LastShownMessage(), r.message);
+    ASSERT_EQ(s.host.files.size(), r.files);
+    for (const auto& file : s.host.files) EXPECT_TRUE(file->closed && !file->committed);
+  }
 
   Scenario empty;
-  fakeFrames.clear();
+  empty.frames.clear();
   EXPECT_EQ(empty.Go(), 0);
   EXPECT_STREQ(LastShownMessage(), "Memory error");
 
@@ -31,9 +36,7 @@ TEST(BuildRun, RefusalsAndMemoryFailuresEndWithTheirMessage) {
     sweep.options.superCompress = 1;
     sweep.options.dither = dither;
     EXPECT_TRUE(SweepAllocationFailures([&] {
-      sweep.host.files.clear();
-      sweep.host.openFiles.clear();
-      const int ok = RunBuild(nullptr, &sweep.record, 0, &sweep.options, &kFakeEffect);
+      const int ok = sweep.Go();
       if (!ok) {
         EXPECT_STREQ(LastShownMessage(), "Memory error");
       }

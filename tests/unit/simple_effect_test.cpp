@@ -23,9 +23,8 @@ MovableHandle RenderFake(void* renderer, const SimpleFrameParams* params) {
 
 struct Built {
   int ok;
-  std::vector<SimpleFrameParams> positions;  // of the appended frames
-  std::vector<int32_t> delays;
   size_t renders;
+  std::vector<int32_t> along, across, delays;  // of the appended frames
 };
 
 Built Build(int32_t width, int32_t height, SimpleLoopSettings settings) {
@@ -33,88 +32,68 @@ Built Build(int32_t width, int32_t height, SimpleLoopSettings settings) {
   FrameList list{};
   BuildContext context{};
   context.frames = &list;
-  Built built;
-  built.ok = RunSimpleFrames(&context, &settings, RenderFake, &fake);
-  built.renders = fake.asked.size();
+  Built b{};
+  b.ok = RunSimpleFrames(&context, &settings, RenderFake, &fake);
+  b.renders = fake.asked.size();
+  const bool vertical = settings.scroll == kScrollUp || settings.scroll == kScrollDown;
   const size_t first = fake.asked.size() - static_cast<size_t>(list.count);
   {
     ScopedLock lock(list.records);
     for (int32_t i = 0; lock && i < list.count; ++i) {
-      const FrameRecord* r = reinterpret_cast<const FrameRecord*>(lock.bytes) + i;
-      EXPECT_EQ(r->transparentIndex, -1);
-      EXPECT_EQ(r->mask, nullptr);
-      built.delays.push_back(r->delay);
-      built.positions.push_back(fake.asked[first + i]);
+      const SimpleFrameParams& p = fake.asked[first + i];
+      b.along.push_back(vertical ? p.y : p.x);
+      b.across.push_back(vertical ? p.x : p.y);
+      b.delays.push_back(reinterpret_cast<const FrameRecord*>(lock.bytes)[i].delay);
     }
   }
   FreeFrameList(&list);
-  return built;
+  return b;
 }
 
 }  // namespace
 
-TEST(SimpleEffect, TwoFramesUpwardBothHoldThePause) {
-  Built b = Build(30, 100, {1, 5, 40, 2, kScrollUp});
-  ASSERT_EQ(b.ok, 1);
-  ASSERT_EQ(b.positions.size(), 2u);
-  EXPECT_EQ(b.renders, 3u) << "one extra render for the canvas size";
-  EXPECT_EQ(b.positions[0].y, 0);
-  EXPECT_EQ(b.positions[1].y, -100);
-  EXPECT_EQ(b.positions[0].x, 0);
-  EXPECT_EQ(b.delays, (std::vector<int32_t>{45, 45}));
-}
-
-TEST(SimpleEffect, EachDirectionTravelsTwiceTheCanvasThroughTheCentre) {
+TEST(SimpleEffect, FewFramesStepByTheTravelOverTheFramesTruncated) {
   struct Case {
-    int32_t scroll, first, centred, last;
-    bool vertical;
+    SimpleLoopSettings settings;
+    int32_t width, height;
+    std::vector<int32_t> along, delays;
   } cases[] = {
-      {kScrollRight, -9, 0, 10, false},  // from the left edge, pixel by pixel
-      {2, 9, 0, -10, false},             // any other value: leftward
-      {kScrollDown, -5, 0, 6, true},
-      {kScrollUp, 5, 0, -6, true},
+      {{1, 5, 40, 2, kScrollUp}, 30, 100, {0, -100}, {45, 45}},     // both frames hold the pause
+      {{1, 1, 1, 3, kScrollRight}, 10, 6, {-3, 3, 10}, {1, 2, 2}},  // -10 + 6.67 gives -3
   };
   for (const Case& c : cases) {
-    // Frames above the travel: as many frames as pixels of travel, a step of exactly 1.
-    Built b = Build(10, 6, {1, 3, 100, 500, c.scroll});
+    const Built b = Build(c.width, c.height, c.settings);
     ASSERT_EQ(b.ok, 1);
-    const size_t n = c.vertical ? 12 : 20;
-    ASSERT_EQ(b.positions.size(), n) << c.scroll;
-    auto along = [&](size_t i) { return c.vertical ? b.positions[i].y : b.positions[i].x; };
-    auto across = [&](size_t i) { return c.vertical ? b.positions[i].x : b.positions[i].y; };
-    EXPECT_EQ(along(0), c.first) << c.scroll;
-    EXPECT_EQ(along(n - 1), c.last) << c.scroll;
-    int paused = 0;
-    for (size_t i = 0; i < n; ++i) {
-      EXPECT_EQ(across(i), 0);
-      if (b.delays[i] == 103) {
-        ++paused;
-        if (i != n - 1) {
-          EXPECT_EQ(along(i), c.centred) << c.scroll;
-        }
-      } else {
-        EXPECT_EQ(b.delays[i], 3);
-      }
-    }
-    EXPECT_EQ(paused, 2) << c.scroll;
+    EXPECT_EQ(b.renders, c.along.size() + 1) << "one extra render for the canvas size";
+    EXPECT_EQ(b.along, c.along);
+    EXPECT_EQ(b.across, std::vector<int32_t>(c.along.size(), 0));
+    EXPECT_EQ(b.delays, c.delays);
   }
+}
 
-  // A fractional step truncates toward zero: 3 frames over a travel of 20 from -10.
-  Built b = Build(10, 6, {1, 1, 1, 3, kScrollRight});
-  ASSERT_EQ(b.positions.size(), 3u);
-  EXPECT_EQ(b.positions[0].x, -3);  // -10 + 6.67
-  EXPECT_EQ(b.positions[1].x, 3);
-  EXPECT_EQ(b.positions[2].x, 10);
-  EXPECT_EQ(b.delays, (std::vector<int32_t>{1, 2, 2}));
+TEST(SimpleEffect, ManyFramesTravelTwiceTheCanvasPixelByPixelThroughTheCentre) {
+  struct Case {
+    int32_t scroll, step, travel;
+  } cases[] = {{kScrollRight, 1, 10}, {2, -1, 10}, {kScrollDown, 1, 6}, {kScrollUp, -1, 6}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.scroll);  // 2, or any other value, scrolls leftward
+    const Built b = Build(10, 6, {1, 3, 100, 500, c.scroll});
+    ASSERT_EQ(b.along.size(), static_cast<size_t>(2 * c.travel));
+    for (size_t i = 0; i < b.along.size(); ++i) {
+      EXPECT_EQ(b.along[i], c.step * (static_cast<int32_t>(i) + 1 - c.travel)) << i;
+      EXPECT_EQ(b.across[i], 0);
+      const bool paused = b.along[i] == 0 || i + 1 == b.along.size();
+      EXPECT_EQ(b.delays[i], paused ? 103 : 3) << i;
+    }
+  }
 }
 
 TEST(SimpleEffect, StillFramesAndFailures) {
-  Built still = Build(10, 6, {0, 7, 50, 64, kScrollRight});
+  const Built still = Build(10, 6, {0, 7, 50, 64, kScrollRight});
   ASSERT_EQ(still.ok, 1);
   EXPECT_EQ(still.renders, 1u);
-  ASSERT_EQ(still.positions.size(), 1u);
-  EXPECT_EQ(still.positions[0].x, 0);
-  EXPECT_EQ(still.delays[0], 7);
+  EXPECT_EQ(still.along, (std::vector<int32_t>{0}));
+  EXPECT_EQ(still.delays, (std::vector<int32_t>{7}));
 
   EXPECT_TRUE(SweepAllocationFailures([] {
     FakeRenderer fake{8, 4, {}};

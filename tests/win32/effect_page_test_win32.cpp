@@ -13,37 +13,22 @@
 #include "controls/page_layout.h"
 #include "controls/value_controls.h"
 #include "documents/settings.h"
-#include "materials/material_button.h"
 #include "platform/surface.h"
 #include "shell/effect_pages.h"
 #include "shell/effect_table.h"
 #include "tests/support/effect_page_checks.h"
+#include "tests/support/value_dialog.h"
 #include "tests/win32/win32_test_support.h"
 
 namespace {
 
-constexpr UINT kCreateMaterial = 0x590;
-
-// Stand-ins for the window classes of the material, fountain and animation controls, for a
-// program that has none of its own: a material button answers 0x590 with a record of that colour
-// and frees it when destroyed, as the real one does.
-LRESULT CALLBACK StandInProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  if (message == kCreateMaterial && !GetWindowLongPtrA(window, GWLP_USERDATA)) {
-    SetWindowLongPtrA(
-        window, GWLP_USERDATA,
-        reinterpret_cast<LONG_PTR>(CreateButtonMaterial(static_cast<uint32_t>(lParam))));
-    return 0;
-  }
-  if (message == WM_NCDESTROY)
-    FreeButtonMaterial(reinterpret_cast<MovableHandle>(GetWindowLongPtrA(window, GWLP_USERDATA)));
-  return DefWindowProcA(window, message, wParam, lParam);
-}
-
+// Stand-ins for the window classes of the fountain and animation controls, which the program
+// does not have yet: plain windows that hold no value.
 void RegisterStandIns() {
-  for (const char* name : {"MATLBT", "FOUNTB", "ANMCTL"}) {
+  for (const char* name : {"FOUNTB", "ANMCTL"}) {
     WNDCLASSA c = {};
     if (GetClassInfoA(GetModuleHandleA(nullptr), name, &c)) continue;
-    c.lpfnWndProc = StandInProc;
+    c.lpfnWndProc = DefWindowProcA;
     c.hInstance = GetModuleHandleA(nullptr);
     c.lpszClassName = name;
     RegisterClassA(&c);
@@ -170,6 +155,8 @@ TEST(EffectPage, InitClonesEveryPageIntoTheDialog) {
   ASSERT_TRUE(DisplayAvailable()) << "run under xvfb-run";
   RegisterStandIns();
   MovePageSettingsFromDefaults();
+  // Material buttons read and write their files in the settings folder: start from none.
+  SetSettingsFolder(MakeTempFolder("gm5-effect-pages").c_str());
   WindowHandle dialog = DialogCreate();
   ASSERT_EQ(InitEffectPages(dialog), 1);
   EXPECT_TRUE(PageTwinsMatchTables(dialog));
@@ -192,6 +179,7 @@ TEST(EffectPage, InitClonesEveryPageIntoTheDialog) {
   EXPECT_EQ(DialogClonePage(dialog, kEffectPageBase + kEffectCount), 0) << "no such page";
   DialogDestroy(dialog);
   ResetSettings();
+  SetSettingsFolder("");
 }
 
 TEST(EffectPage, ShowsTheListedChildWindowsOnly) {
