@@ -25,8 +25,10 @@ constexpr uint32_t kEditAutoScroll = 0x00000080u;  // ES_AUTOHSCROLL
 // it stands where the layout puts it, so a twin made from it does not narrow its edit again.
 constexpr uint32_t kUpDownStyle = 0x000000B2u;
 
-constexpr int32_t kAreaWidth = kPageAreaRight - kPageAreaLeft;
-constexpr int32_t kAreaHeight = kPageAreaBottom - kPageAreaTop;
+// Dialog units become pixels edge by edge, each rounded: a unit is kept free at the right and
+// bottom of the area, and between windows that would otherwise touch.
+constexpr int32_t kAreaWidth = kPageAreaRight - kPageAreaLeft - 1;
+constexpr int32_t kAreaHeight = kPageAreaBottom - kPageAreaTop - 1;
 constexpr int32_t kColumnGap = 8;
 constexpr int32_t kRowGap = 3;
 constexpr int32_t kLabelGap = 4;
@@ -34,6 +36,7 @@ constexpr int32_t kRowHeight = 12;
 constexpr int32_t kCheckHeight = 10;
 constexpr int32_t kLabelHeight = 8;
 constexpr int32_t kUpDownWidth = 10;
+constexpr int32_t kCrossPitch = kCheckHeight + 1;  // the direction checks' cells
 // 75 by 75 pixels with the dialog font's base units of 6 by 13 pixels.
 constexpr int32_t kPickerWidth = 50;
 constexpr int32_t kPickerHeight = 46;
@@ -45,7 +48,7 @@ constexpr int32_t kMaxColumns = 3;
 constexpr int32_t kPairedChecksMax = 90;  // two checks share a row up to this width
 
 // The width of `text` in dialog units: pixel widths of the dialog font's characters, where a
-// dialog unit across is a pixel and a half, with a tenth spare.
+// dialog unit across is a pixel and a half, with a fifth spare for wider faces.
 int32_t TextWidth(const char* text) {
   int32_t px = 0;
   for (const char* p = text; p && *p; ++p) {
@@ -64,7 +67,7 @@ int32_t TextWidth(const char* text) {
       px += 5;
   }
   const int32_t units = (px * 2 + 2) / 3;
-  return units + units / 10 + 2;
+  return units + units / 5 + 2;
 }
 
 enum RowShape { kRowControl, kRowCheck, kRowPicker, kRowCross, kRowTall };
@@ -115,9 +118,9 @@ int32_t MakeRows(const PageTable& page, Row* rows, int32_t capacity) {
         ++checks;
       row.count = 1 + checks;
       row.shape = kRowCross;
-      row.height = 3 * kCheckHeight;
+      row.height = 3 * kCrossPitch - 1;
       row.labelWidth = TextWidth(c.caption);
-      row.minControl = 3 * kCheckHeight;
+      row.minControl = 3 * kCrossPitch - 1;
     } else if (c.kind == kControlCheckBox) {
       row.shape = kRowCheck;
       row.height = kCheckHeight;
@@ -251,7 +254,7 @@ int PlaceRow(const PageTable& page, const Row& row, const Column& col, int32_t x
       for (int32_t k = 1; k < row.count; ++k) {
         const PageControl& check = page.controls[row.first + k];
         if (!Add(out, capacity, n, check.id, check.kind, check.caption,
-                 cx + kCellX[k - 1] * kCheckHeight, y + kCellY[k - 1] * kCheckHeight, kCheckHeight,
+                 cx + kCellX[k - 1] * kCrossPitch, y + kCellY[k - 1] * kCrossPitch, kCheckHeight,
                  kCheckHeight))
           return 0;
       }
@@ -279,7 +282,7 @@ int PlaceRow(const PageTable& page, const Row& row, const Column& col, int32_t x
                           col.labelWidth, kLabelHeight))
     return 0;
   if (!HasUpDown(c)) return Add(out, capacity, n, c.id, c.kind, text, cx, y, cw, row.height);
-  return Add(out, capacity, n, c.id, c.kind, text, cx, y, cw - kUpDownWidth, row.height) &&
+  return Add(out, capacity, n, c.id, c.kind, text, cx, y, cw - kUpDownWidth - 1, row.height) &&
          Add(out, capacity, n, c.id + kUpDownIdOffset, kControlUpDown, c.range,
              cx + cw - kUpDownWidth, y, kUpDownWidth, row.height);
 }

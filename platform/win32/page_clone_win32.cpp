@@ -6,11 +6,12 @@
 
 #include <cstdio>
 
+#include "materials/material_button.h"
+#include "materials/material_button_win32.h"
 #include "platform/dialog.h"
 
 namespace {
 
-constexpr UINT kMessageCreateMaterial = 0x590;
 constexpr int kComboDropHeight = 200;  // room below a combo box for its list
 
 // The module that holds this code and its resources: the plug-in, or a test program.
@@ -23,6 +24,7 @@ HMODULE ThisModule() {
 }
 
 struct CloneState {
+  HWND page;     // the page being copied
   HWND target;   // the main dialog
   HFONT font;    // the main dialog's font
   int failures;  // twins that could not be made
@@ -38,7 +40,8 @@ void SetUpDownRange(HWND updown, const char* text) {
 
 BOOL CALLBACK MakeTwin(HWND child, LPARAM param) {
   CloneState* state = reinterpret_cast<CloneState*>(param);
-  HWND page = GetParent(child);
+  HWND page = state->page;
+  if (GetParent(child) != page) return TRUE;  // a control's own child windows come with it
   char windowClass[64];
   char text[256];
   if (!GetClassNameA(child, windowClass, sizeof windowClass)) {
@@ -69,6 +72,7 @@ BOOL CALLBACK MakeTwin(HWND child, LPARAM param) {
 INT_PTR CALLBACK ClonePageProc(HWND page, UINT message, WPARAM, LPARAM lParam) {
   if (message != WM_INITDIALOG) return FALSE;
   CloneState* state = reinterpret_cast<CloneState*>(lParam);
+  state->page = page;
   EnumChildWindows(page, MakeTwin, reinterpret_cast<LPARAM>(state));
   EndDialog(page, 0);
   return FALSE;
@@ -79,9 +83,12 @@ INT_PTR CALLBACK ClonePageProc(HWND page, UINT message, WPARAM, LPARAM lParam) {
 int DialogClonePage(WindowHandle dialog, int32_t resourceId) {
   HWND target = reinterpret_cast<HWND>(dialog);
   if (!target) return 0;
+  // The pages hold updowns and material buttons: their classes must exist before the page does.
   INITCOMMONCONTROLSEX controls = {sizeof controls, ICC_UPDOWN_CLASS};
   InitCommonControlsEx(&controls);
-  CloneState state = {target, reinterpret_cast<HFONT>(SendMessageA(target, WM_GETFONT, 0, 0)), 0};
+  RegisterMaterialButtonClass();
+  CloneState state = {nullptr, target,
+                      reinterpret_cast<HFONT>(SendMessageA(target, WM_GETFONT, 0, 0)), 0};
   HWND page = CreateDialogParamA(ThisModule(), MAKEINTRESOURCEA(resourceId), target, ClonePageProc,
                                  reinterpret_cast<LPARAM>(&state));
   if (!page) return 0;
@@ -93,6 +100,6 @@ int DialogClonePage(WindowHandle dialog, int32_t resourceId) {
 int DialogCreateMaterial(WindowHandle button, uint32_t creationColour) {
   HWND window = reinterpret_cast<HWND>(button);
   if (!window) return 0;
-  SendMessageA(window, kMessageCreateMaterial, 0, static_cast<LPARAM>(creationColour));
-  return GetWindowLongPtrA(window, GWLP_USERDATA) != 0;
+  SendMessageA(window, kMessageMaterialCreate, 0, static_cast<LPARAM>(creationColour));
+  return ButtonMaterialHandle(button) != nullptr;
 }

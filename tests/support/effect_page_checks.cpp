@@ -11,97 +11,63 @@
 
 namespace {
 
-int RowCount(const char* rows) {
-  if (!rows || !*rows) return 0;
-  int n = 1;
-  for (const char* p = rows; *p; ++p) n += *p == ';';
-  return n;
-}
-
-std::string Text(WindowHandle control) {
-  char text[300];
-  DialogGetText(control, text, sizeof text);
-  return text;
-}
-
-// The value a control should hold: its setting's, or the table's initial one.
+// The value a control should hold: its setting's, or the table's initial one. A material button
+// is made from its creation colour.
 int32_t Expected(const PageControl& c) {
   const int32_t* setting = c.key ? SettingInteger(c.key) : nullptr;
+  if (c.kind == kControlMaterialButton) return static_cast<int32_t>(c.colour);
   if (setting) return *setting;
-  if (c.kind == kControlSpinEdit) return ParseSpinRange(c.range).initial;
   if (c.kind == kControlColourButton) return static_cast<int32_t>(c.colour);
-  return c.keyDefault;
+  return c.kind == kControlSpinEdit ? ParseSpinRange(c.range).initial : c.keyDefault;
+}
+
+// The value a control holds, as its kind keeps it; the number of list rows in *rows.
+int32_t Held(WindowHandle dialog, WindowHandle control, int32_t id, int* rows) {
+  int32_t value = -1;
+  int translated = 0;
+  *rows = DialogRowCount(control);
+  switch (DialogControlKind(control)) {
+    case kControlSpinEdit:  // the text as set, before any clamping to the range
+    case kControlColourButton:
+      return static_cast<int32_t>(GetDialogItemInt(dialog, id, &translated, 1));
+    case kControlCheckBox:
+      return DialogGetCheck(control);
+    case kControlComboList:
+      return DialogGetSelection(control);
+    case kControlMaterialButton:
+      if (const Material* m = MaterialForButton(control)) {
+        value = static_cast<int32_t>(m->solidColour);
+        MovableUnlock(ButtonMaterialHandle(control));
+      }
+      return value;
+    default:
+      DialogPickerValue(control, &value);
+      return value;
+  }
 }
 
 testing::AssertionResult CheckControl(WindowHandle dialog, const PageControl& c) {
   WindowHandle control = DialogItem(dialog, c.id);
-  const std::string where = " of control " + std::to_string(c.id);
-  if (!control) return testing::AssertionFailure() << "missing" << where;
-  if (DialogControlKind(control) != c.kind)
-    return testing::AssertionFailure() << "kind " << DialogControlKind(control) << where;
-  if (DialogItemVisible(control)) return testing::AssertionFailure() << "visible" << where;
-  if (HasLabel(c) && DialogControlKind(DialogItem(dialog, c.id + 1)) != kControlLabel)
-    return testing::AssertionFailure() << "no label" << where;
-  if (HasUpDown(c) &&
-      (DialogControlKind(DialogItem(dialog, c.id + kUpDownIdOffset)) != kControlUpDown ||
-       Text(DialogItem(dialog, c.id + kUpDownIdOffset)) != c.range))
-    return testing::AssertionFailure() << "no updown with the range" << where;
-  const int32_t expected = Expected(c);
-  int32_t value = -1;
-  switch (c.kind) {
-    case kControlSpinEdit: {
-      int translated = 0;  // as set, before any clamping to the range
-      value = static_cast<int32_t>(GetDialogItemInt(dialog, c.id, &translated, 1));
-      break;
-    }
-    case kControlColourButton:
-      value = static_cast<int32_t>(std::stoul(Text(control)));
-      break;
-    case kControlCheckBox:
-      value = DialogGetCheck(control);
-      break;
-    case kControlComboList:
-      if (DialogRowCount(control) != RowCount(c.range))
-        return testing::AssertionFailure() << DialogRowCount(control) << " rows" << where;
-      value = DialogGetSelection(control);
-      break;
-    case kControlShadowPicker:
-    case kControlScroll4Picker:
-    case kControlScroll2Picker:
-    case kControlScrollHVPicker:
-      DialogPickerValue(control, &value);
-      break;
-    case kControlMaterialButton: {
-      const Material* m = MaterialForButton(control);
-      if (!m) return testing::AssertionFailure() << "no material" << where;
-      value = static_cast<int32_t>(m->solidColour);
-      MovableUnlock(ButtonMaterialHandle(control));
-      if (value != static_cast<int32_t>(c.colour))
-        return testing::AssertionFailure() << "material colour " << value << where;
-      return testing::AssertionSuccess();
-    }
-    default:
-      return testing::AssertionSuccess();
-  }
-  if (value != expected)
-    return testing::AssertionFailure() << "value " << value << " for " << expected << where;
+  WindowHandle updown = DialogItem(dialog, c.id + kUpDownIdOffset);
+  char range[64] = "";
+  DialogGetText(updown, range, sizeof range);
+  int rows = 0;
+  const int32_t held = control ? Held(dialog, control, c.id, &rows) : -1;
+  int wantedRows = c.kind == kControlComboList;
+  for (const char* p = c.range; wantedRows && *p; ++p) wantedRows += *p == ';';
+  if (!control || DialogControlKind(control) != c.kind || DialogItemVisible(control) ||
+      (HasLabel(c) && DialogControlKind(DialogItem(dialog, c.id + 1)) != kControlLabel) ||
+      (HasUpDown(c) &&
+       (DialogControlKind(updown) != kControlUpDown || c.range != std::string(range))) ||
+      rows != wantedRows)
+    return testing::AssertionFailure() << "control " << c.id << " is missing, visible, of another "
+                                       << "kind, or without its label, updown or rows";
+  const int valued = c.kind != kControlFountainButton && c.kind != kControlAnimationPicker &&
+                     c.kind != kControlLabel;
+  if (valued && held != Expected(c))
+    return testing::AssertionFailure()
+           << "control " << c.id << " holds " << held << " for " << Expected(c);
   return testing::AssertionSuccess();
-}
-
-struct VisibleCheck {
-  int32_t row;
-  int32_t wrong;  // the first page control in the wrong state, 0 when none
-};
-
-int CheckVisible(WindowHandle child, void* param) {
-  VisibleCheck* check = static_cast<VisibleCheck*>(param);
-  const int32_t id = DialogItemId(child);
-  if (!IsPageControlId(id)) return 1;
-  if (DialogItemVisible(child) != ListHasControl(EffectTable[check->row].controls, id)) {
-    check->wrong = id;
-    return 0;
-  }
-  return 1;
 }
 
 }  // namespace
@@ -117,20 +83,29 @@ void MovePageSettingsFromDefaults() {
 
 testing::AssertionResult PageTwinsMatchTables(WindowHandle dialog) {
   for (const PageTable& page : kPageTables)
-    for (int32_t i = 0; i < page.count; ++i) {
-      testing::AssertionResult result = CheckControl(dialog, page.controls[i]);
-      if (!result) return result << " (page " << page.style << ")";
-    }
+    for (int32_t i = 0; i < page.count; ++i)
+      if (testing::AssertionResult result = CheckControl(dialog, page.controls[i]); !result)
+        return result << " (page " << page.style << ")";
   return testing::AssertionSuccess();
 }
 
 testing::AssertionResult EachRowShowsOnlyItsPage(WindowHandle dialog) {
   for (int32_t row = 0; row < kEffectCount; ++row) {
     ShowEffectPage(dialog, row);
-    VisibleCheck check = {row, 0};
-    DialogEnumChildren(dialog, CheckVisible, &check);
-    if (check.wrong)
-      return testing::AssertionFailure() << "row " << row << ": control " << check.wrong;
+    // The first page control whose state is wrong, or 0.
+    int32_t wrong[2] = {row, 0};
+    DialogEnumChildren(
+        dialog,
+        [](WindowHandle child, void* param) {
+          int32_t* state = static_cast<int32_t*>(param);
+          const int32_t id = DialogItemId(child);
+          if (IsPageControlId(id) &&
+              DialogItemVisible(child) != ListHasControl(EffectTable[state[0]].controls, id))
+            state[1] = id;
+          return state[1] == 0 ? 1 : 0;
+        },
+        wrong);
+    if (wrong[1]) return testing::AssertionFailure() << "row " << row << ": control " << wrong[1];
   }
   return testing::AssertionSuccess();
 }

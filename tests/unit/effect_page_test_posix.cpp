@@ -3,11 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <set>
 #include <sstream>
 #include <string>
 
-#include "controls/direction_picker.h"
 #include "controls/page_layout.h"
 #include "documents/settings.h"
 #include "platform/posix/headless_dialog.h"
@@ -49,33 +47,6 @@ TEST(EffectPage, CommittedResourceScriptFollowsTheTables) {
   std::string fresh;
   ASSERT_EQ(FormatPageResources(&fresh), 1);
   EXPECT_EQ(committed.str(), fresh) << "run build/native/bin/gm5_page_rc resources/effect_pages.rc";
-}
-
-// Each page holds exactly its row's ids, inside the page area, with no two windows overlapping.
-TEST(EffectPage, LayoutPlacesEveryIdOnceInsideTheAreaWithoutOverlap) {
-  PagePlacement placed[kPageMaxPlacements];
-  for (int32_t row = 0; row < kEffectCount; ++row) {
-    const int32_t n = LayoutPage(kPageTables[EffectStyle[row]], placed, kPageMaxPlacements);
-    ASSERT_GT(n, 0) << "row " << row;
-    std::set<int32_t> ids, listed;
-    for (const int32_t* id = EffectTable[row].controls; *id; ++id) listed.insert(*id);
-    for (int32_t i = 0; i < n; ++i) {
-      const PagePlacement& a = placed[i];
-      EXPECT_TRUE(ids.insert(a.id).second) << a.id;
-      EXPECT_TRUE(a.x >= kPageAreaLeft && a.y >= kPageAreaTop && a.cx > 0 && a.cy > 0 &&
-                  a.x + a.cx <= kPageAreaRight && a.y + a.cy <= kPageAreaBottom)
-          << a.id;
-      if (FindPickerShape(a.kind)) {
-        EXPECT_TRUE(a.cx == 50 && a.cy == 46) << a.id;
-      }
-      for (int32_t j = 0; j < i; ++j) {
-        const PagePlacement& b = placed[j];
-        EXPECT_FALSE(a.x < b.x + b.cx && b.x < a.x + a.cx && a.y < b.y + b.cy && b.y < a.y + a.cy)
-            << a.id << " overlaps " << b.id;
-      }
-    }
-    EXPECT_EQ(ids, listed) << "row " << row;
-  }
 }
 
 TEST(EffectPage, InitMakesEveryPageHiddenWithItsSettings) {

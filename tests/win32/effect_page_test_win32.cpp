@@ -1,5 +1,5 @@
-// Effect pages on real windows: the page dialog resources against their tables, EffectInit's
-// twins in a dialog, and ShowEffectPage over child windows.
+// Effect pages on real windows: the page dialog resources against their tables, and EffectInit's
+// twins in a dialog, shown page by page with ShowEffectPage.
 #include <windows.h>
 #include <commctrl.h>
 
@@ -13,37 +13,22 @@
 #include "controls/page_layout.h"
 #include "controls/value_controls.h"
 #include "documents/settings.h"
-#include "materials/material_button.h"
 #include "platform/surface.h"
 #include "shell/effect_pages.h"
 #include "shell/effect_table.h"
 #include "tests/support/effect_page_checks.h"
+#include "tests/support/value_dialog.h"
 #include "tests/win32/win32_test_support.h"
 
 namespace {
 
-constexpr UINT kCreateMaterial = 0x590;
-
-// Stand-ins for the window classes of the material, fountain and animation controls, for a
-// program that has none of its own: a material button answers 0x590 with a record of that colour
-// and frees it when destroyed, as the real one does.
-LRESULT CALLBACK StandInProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  if (message == kCreateMaterial && !GetWindowLongPtrA(window, GWLP_USERDATA)) {
-    SetWindowLongPtrA(
-        window, GWLP_USERDATA,
-        reinterpret_cast<LONG_PTR>(CreateButtonMaterial(static_cast<uint32_t>(lParam))));
-    return 0;
-  }
-  if (message == WM_NCDESTROY)
-    FreeButtonMaterial(reinterpret_cast<MovableHandle>(GetWindowLongPtrA(window, GWLP_USERDATA)));
-  return DefWindowProcA(window, message, wParam, lParam);
-}
-
+// Stand-ins for the window classes of the fountain and animation controls, which the program
+// does not have yet: plain windows that hold no value.
 void RegisterStandIns() {
-  for (const char* name : {"MATLBT", "FOUNTB", "ANMCTL"}) {
+  for (const char* name : {"FOUNTB", "ANMCTL"}) {
     WNDCLASSA c = {};
     if (GetClassInfoA(GetModuleHandleA(nullptr), name, &c)) continue;
-    c.lpfnWndProc = StandInProc;
+    c.lpfnWndProc = DefWindowProcA;
     c.hInstance = GetModuleHandleA(nullptr);
     c.lpszClassName = name;
     RegisterClassA(&c);
@@ -65,28 +50,6 @@ ControlKind KindOfPageId(const PageTable& page, int32_t id) {
   return kControlKindCount;
 }
 
-// What each kind looks like in a resource: its class and the style bits that make it that kind.
-struct KindLook {
-  ControlKind kind;
-  const char* windowClass;
-  DWORD mask, bits;
-};
-constexpr KindLook kLooks[] = {
-    {kControlLabel, "Static", 0x1F, SS_LEFT},
-    {kControlColourButton, "Button", 0x0F, BS_OWNERDRAW},
-    {kControlShadowPicker, "Button", 0x0F, BS_OWNERDRAW},
-    {kControlScroll4Picker, "Button", 0x0F, BS_OWNERDRAW},
-    {kControlScroll2Picker, "Button", 0x0F, BS_OWNERDRAW},
-    {kControlCheckBox, "Button", 0x0F, BS_AUTOCHECKBOX},
-    {kControlSpinEdit, "Edit", ES_NUMBER | ES_MULTILINE, ES_NUMBER},
-    {kControlUpDown, "msctls_updown32", UDS_AUTOBUDDY | UDS_SETBUDDYINT | UDS_ALIGNRIGHT,
-     UDS_AUTOBUDDY | UDS_SETBUDDYINT},
-    {kControlComboList, "ComboBox", 0x03, CBS_DROPDOWNLIST},
-    {kControlMaterialButton, "MATLBT", 0, 0},
-    {kControlFountainButton, "FOUNTB", 0, 0},
-    {kControlAnimationPicker, "ANMCTL", 0, 0},
-};
-
 RECT ClientRect(HWND child) {
   RECT r;
   GetWindowRect(child, &r);
@@ -94,13 +57,17 @@ RECT ClientRect(HWND child) {
   return r;
 }
 
-struct PageChildren {
+// The page's child windows in creation order.
+std::vector<HWND> Children(HWND page) {
   std::vector<HWND> windows;
-};
-
-BOOL CALLBACK CollectChild(HWND child, LPARAM param) {
-  reinterpret_cast<PageChildren*>(param)->windows.push_back(child);
-  return TRUE;
+  EnumChildWindows(
+      page,
+      [](HWND child, LPARAM list) {
+        reinterpret_cast<std::vector<HWND>*>(list)->push_back(child);
+        return TRUE;
+      },
+      reinterpret_cast<LPARAM>(&windows));
+  return windows;
 }
 
 }  // namespace
@@ -112,51 +79,51 @@ TEST(EffectPage, ResourcesMatchTheirTables) {
   RegisterStandIns();
   HMODULE plugin = LoadLibraryExA(GM5_PLUGIN_PATH, nullptr, LOAD_LIBRARY_AS_DATAFILE);
   ASSERT_NE(plugin, nullptr);
+  WindowHandle host = DialogCreate();  // pages are child windows
   for (int32_t row = 0; row < kEffectCount; ++row) {
     const PageTable& page = kPageTables[EffectStyle[row]];
     const int32_t resource = EffectPageId(row);
     EXPECT_NE(FindResourceA(plugin, MAKEINTRESOURCEA(resource), MAKEINTRESOURCEA(5)), nullptr)
         << resource;
-    HWND dialog = CreateDialogParamA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(resource), nullptr,
-                                     QuietPageProc, 0);
+    HWND dialog = CreateDialogParamA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(resource),
+                                     reinterpret_cast<HWND>(host), QuietPageProc, 0);
     ASSERT_NE(dialog, nullptr) << resource;
     RECT area = {kPageAreaLeft, kPageAreaTop, kPageAreaRight, kPageAreaBottom};
     MapDialogRect(dialog, &area);
-    PageChildren children;
-    EnumChildWindows(dialog, CollectChild, reinterpret_cast<LPARAM>(&children));
+    const std::vector<HWND> children = Children(dialog);
     std::set<int32_t> ids, listed;
     for (const int32_t* id = EffectTable[row].controls; *id; ++id) listed.insert(*id);
-    for (size_t i = 0; i < children.windows.size(); ++i) {
-      HWND child = children.windows[i];
+    for (size_t i = 0; i < children.size(); ++i) {
+      HWND child = children[i];
       const int32_t id = GetDlgCtrlID(child);
       ids.insert(id);
       const ControlKind kind = KindOfPageId(page, id);
       char windowClass[64];
       GetClassNameA(child, windowClass, sizeof windowClass);
       const DWORD style = static_cast<DWORD>(GetWindowLongA(child, GWL_STYLE));
-      const KindLook* look = nullptr;
-      for (const KindLook& l : kLooks)
-        if (l.kind == kind) look = &l;
-      ASSERT_NE(look, nullptr) << "page " << resource << " id " << id;
-      EXPECT_EQ(lstrcmpiA(windowClass, look->windowClass), 0) << id << " " << windowClass;
-      EXPECT_EQ(style & look->mask, look->bits) << id;
-      EXPECT_TRUE((style & WS_CHILD) && (style & WS_VISIBLE)) << id;
+      ASSERT_NE(kind, kControlKindCount) << "page " << resource << " id " << id;
+      EXPECT_EQ(lstrcmpiA(windowClass, PageWindowClass(kind)), 0) << id << " " << windowClass;
+      // An edit's border becomes a client edge and a combo box's scroll bar its list's.
+      const DWORD wanted = PageWindowStyle(kind) & ~static_cast<DWORD>(WS_BORDER | WS_VSCROLL);
+      EXPECT_EQ(style & wanted, wanted) << id;
       const RECT r = ClientRect(child);
       EXPECT_TRUE(r.left >= area.left && r.top >= area.top && r.right <= area.right &&
                   r.bottom <= area.bottom)
           << "page " << resource << " id " << id << " outside the page area";
-      if (FindPickerShape(kind)) EXPECT_GE(r.right - r.left, 75) << id;
+      if (FindPickerShape(kind)) {
+        EXPECT_TRUE(r.right - r.left >= 75 && r.bottom - r.top >= 75) << id;
+      }
       for (size_t j = 0; j < i; ++j) {
         RECT both;
-        const RECT other = ClientRect(children.windows[j]);
+        const RECT other = ClientRect(children[j]);
         EXPECT_FALSE(IntersectRect(&both, &r, &other))
-            << "page " << resource << ": " << id << " overlaps "
-            << GetDlgCtrlID(children.windows[j]);
+            << "page " << resource << ": " << id << " overlaps " << GetDlgCtrlID(children[j]);
       }
     }
     EXPECT_EQ(ids, listed) << resource;
     DestroyWindow(dialog);
   }
+  DialogDestroy(host);
   FreeLibrary(plugin);
 }
 
@@ -166,18 +133,18 @@ TEST(EffectPage, InitClonesEveryPageIntoTheDialog) {
   ASSERT_TRUE(DisplayAvailable()) << "run under xvfb-run";
   RegisterStandIns();
   MovePageSettingsFromDefaults();
+  // Material buttons read and write their files in the settings folder: start from none.
+  SetSettingsFolder(MakeTempFolder("gm5-effect-pages").c_str());
   WindowHandle dialog = DialogCreate();
   ASSERT_EQ(InitEffectPages(dialog), 1);
   EXPECT_TRUE(PageTwinsMatchTables(dialog));
   EXPECT_TRUE(EachRowShowsOnlyItsPage(dialog));
 
   // The twins stand where the page's children stand (a combo box's list is not part of its rect).
-  HWND page = CreateDialogParamA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(7400), nullptr,
-                                 QuietPageProc, 0);
+  HWND page = CreateDialogParamA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(7400),
+                                 reinterpret_cast<HWND>(dialog), QuietPageProc, 0);
   ASSERT_NE(page, nullptr);
-  PageChildren children;
-  EnumChildWindows(page, CollectChild, reinterpret_cast<LPARAM>(&children));
-  for (HWND child : children.windows) {
+  for (HWND child : Children(page)) {
     HWND twin = reinterpret_cast<HWND>(DialogItem(dialog, GetDlgCtrlID(child)));
     ASSERT_NE(twin, nullptr) << GetDlgCtrlID(child);
     const RECT a = ClientRect(child), b = ClientRect(twin);
@@ -188,30 +155,7 @@ TEST(EffectPage, InitClonesEveryPageIntoTheDialog) {
   EXPECT_EQ(DialogClonePage(dialog, kEffectPageBase + kEffectCount), 0) << "no such page";
   DialogDestroy(dialog);
   ResetSettings();
-}
-
-TEST(EffectPage, ShowsTheListedChildWindowsOnly) {
-  HWND dialog = CreateWindowExA(0, "STATIC", "page host", WS_POPUP, 0, 0, 200, 200, nullptr,
-                                nullptr, GetModuleHandleA(nullptr), nullptr);
-  ASSERT_NE(dialog, nullptr) << "windows need a display: run under xvfb-run";
-  const int32_t ids[] = {58, 100, 10100, 124, 134};
-  for (int32_t id : ids)
-    CreateWindowExA(0, "STATIC", "", WS_CHILD | WS_VISIBLE, 0, 0, 10, 10, dialog,
-                    reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), GetModuleHandleA(nullptr),
-                    nullptr);
-  WindowHandle handle = reinterpret_cast<WindowHandle>(dialog);
-  const int32_t page[] = {100, 10100, 0};
-  ShowPageControls(handle, page);
-  EXPECT_EQ(DialogItemVisible(DialogItem(handle, 58)), 1);
-  EXPECT_EQ(DialogItemVisible(DialogItem(handle, 100)), 1);
-  EXPECT_EQ(DialogItemVisible(DialogItem(handle, 10100)), 1);
-  EXPECT_EQ(DialogItemVisible(DialogItem(handle, 124)), 0);
-  EXPECT_EQ(DialogItemVisible(DialogItem(handle, 134)), 0);
-  EXPECT_EQ(DialogItemId(DialogItem(handle, 124)), 124);
-  ShowEffectPage(handle, 21);
-  EXPECT_EQ(DialogItemVisible(DialogItem(handle, 100)), 0);
-  EXPECT_EQ(DialogItemVisible(DialogItem(handle, 58)), 1);
-  DestroyWindow(dialog);
+  SetSettingsFolder("");
 }
 
 // The process has room for about 65,000 GDI objects. Drawing more shapes than that on one surface
