@@ -120,7 +120,7 @@ TEST(GradientLookup, MultiColourTablesFollowTheMarkersWithoutForcedEnds) {
   g.rightColour = 0xFF0000;
   const std::vector<uint32_t> t = Table(spec, &g, 64);
   ASSERT_EQ(t.size(), 64u);
-  EXPECT_GE(Channel(t.front(), 0), 0xF0) << "red, not the spec's start colour";
+  EXPECT_GE(Channel(t.front(), 0), 0xF0) << "red, not the two-colour start";
   EXPECT_GE(Channel(t.back(), 16), 0xF0);
   EXPECT_EQ(GradientLookup(&spec, nullptr, 64), nullptr) << "the marker list is required";
 }
