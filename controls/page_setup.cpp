@@ -26,6 +26,13 @@ int IsListKind(ControlKind kind) {
   return kind == kControlComboList || kind == kControlListBoxList || kind == kControlFontBox;
 }
 
+// Controls of window classes that come with other parts of the plug-in: a page made while one of
+// them is not registered leaves that control out.
+int MayBeMissing(ControlKind kind) {
+  return kind == kControlMaterialButton || kind == kControlFountainButton ||
+         kind == kControlAnimationPicker;
+}
+
 }  // namespace
 
 int AddTableControls(WindowHandle dialog, const PageTable& table, int withLabels) {
@@ -86,6 +93,36 @@ void SetUpTableControls(WindowHandle dialog, const PageTable& table) {
         break;
     }
   }
+}
+
+int SetUpPageTwins(WindowHandle dialog, const PageTable& table) {
+  for (int32_t i = 0; i < table.count; ++i) {
+    const PageControl& c = table.controls[i];
+    WindowHandle control = DialogItem(dialog, c.id);
+    if (!control) {
+      if (MayBeMissing(c.kind)) continue;
+      return 0;
+    }
+    DialogSetControlKind(control, c.kind);
+    if (HasLabel(c)) DialogSetControlKind(DialogItem(dialog, c.id + 1), kControlLabel);
+    if (HasUpDown(c))
+      DialogSetControlKind(DialogItem(dialog, c.id + kUpDownIdOffset), kControlUpDown);
+    if (IsListKind(c.kind)) {
+      DialogClearRows(control);
+      AddRows(control, c.range);
+    }
+  }
+  SetUpTableControls(dialog, table);
+  for (int32_t i = 0; i < table.count; ++i) {
+    const PageControl& c = table.controls[i];
+    WindowHandle control = DialogItem(dialog, c.id);
+    if (!control) continue;
+    if (c.kind == kControlMaterialButton && !DialogCreateMaterial(control, c.colour)) return 0;
+    // A picker whose block could not be made has no value.
+    int32_t value = 0;
+    if (FindPickerShape(c.kind) && !DialogPickerValue(control, &value)) return 0;
+  }
+  return 1;
 }
 
 void SetUpAllDialogControls(WindowHandle dialog) {

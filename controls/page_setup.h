@@ -15,6 +15,11 @@ int AddAllDialogControls(WindowHandle dialog);
 // Sets a table's controls from their settings and binds them, in table order; controls without a
 // setting take the table's initial values (range default, colour, check state).
 void SetUpTableControls(WindowHandle dialog, const PageTable& table);
+// Gives the controls of a page made from its resource their kinds (labels and updowns included),
+// list rows, values from the settings and material records from their creation colours. Controls
+// whose window class may be missing (material, fountain and animation controls) may be absent;
+// any other missing control, or a picker block or material record that can't be made, returns 0.
+int SetUpPageTwins(WindowHandle dialog, const PageTable& table);
 // The same for the main dialog and all pages: fills the Effect box with the effect names first.
 void SetUpAllDialogControls(WindowHandle dialog);
 // A dialog holding every control, set from the settings; null on failure. Free with DialogDestroy.

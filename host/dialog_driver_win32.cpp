@@ -3,10 +3,13 @@
 #include <windows.h>
 
 #include <cstdlib>
+#include <map>
 #include <sstream>
 
 #include "host/dialog_driver.h"
+#include "host/bmp_file.h"
 #include "host/import_watch.h"
+#include "host/png_file.h"
 #include "resources/resource_ids.h"
 
 namespace {
@@ -62,6 +65,119 @@ void Log(const std::string& text) {
   HostLog(driver.session, text);
 }
 
+// Paint counting: a watched control is subclassed and counts its WM_PAINT messages.
+struct PaintWatch {
+  WNDPROC base = nullptr;
+  int paints = 0;
+};
+std::map<HWND, PaintWatch> paintWatches;
+
+LRESULT CALLBACK CountingProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  auto found = paintWatches.find(window);
+  if (found == paintWatches.end()) return DefWindowProcA(window, message, wParam, lParam);
+  if (message == WM_PAINT) ++found->second.paints;
+  WNDPROC base = found->second.base;
+  if (message == WM_NCDESTROY) {
+    SetWindowLongPtrA(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(base));
+    paintWatches.erase(found);
+  }
+  return CallWindowProcA(base, window, message, wParam, lParam);
+}
+
+void WatchPaints(HWND control) {
+  if (!control) return;
+  auto found = paintWatches.find(control);
+  if (found != paintWatches.end()) {
+    found->second.paints = 0;
+    return;
+  }
+  PaintWatch watch;
+  watch.base = reinterpret_cast<WNDPROC>(
+      SetWindowLongPtrA(control, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(CountingProc)));
+  paintWatches[control] = watch;
+}
+
+// The window's picture as it stands on its surface, written as PNG (or BMP for a .bmp name).
+bool SaveScreenshot(HWND window, const std::string& path) {
+  RECT r;
+  if (!GetWindowRect(window, &r)) return false;
+  const int width = r.right - r.left, height = r.bottom - r.top;
+  HDC windowDc = GetWindowDC(window);
+  HDC memory = CreateCompatibleDC(windowDc);
+  BITMAPINFO info{};
+  info.bmiHeader.biSize = sizeof info.bmiHeader;
+  info.bmiHeader.biWidth = width;
+  info.bmiHeader.biHeight = -height;
+  info.bmiHeader.biPlanes = 1;
+  info.bmiHeader.biBitCount = 32;
+  void* bits = nullptr;
+  HBITMAP bitmap = CreateDIBSection(windowDc, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+  bool ok = false;
+  if (memory && bitmap && bits) {
+    HGDIOBJ old = SelectObject(memory, bitmap);
+    ok = BitBlt(memory, 0, 0, width, height, windowDc, 0, 0, SRCCOPY) != 0;
+    GdiFlush();
+    SelectObject(memory, old);
+  }
+  if (ok) {
+    const uint8_t* bgra = static_cast<const uint8_t*>(bits);
+    std::vector<uint8_t> rgb(static_cast<size_t>(width) * height * 3);
+    for (size_t i = 0; i < static_cast<size_t>(width) * height; ++i) {
+      rgb[i * 3] = bgra[i * 4 + 2];
+      rgb[i * 3 + 1] = bgra[i * 4 + 1];
+      rgb[i * 3 + 2] = bgra[i * 4];
+    }
+    const bool bmp = path.size() > 4 && _stricmp(path.c_str() + path.size() - 4, ".bmp") == 0;
+    if (bmp) {
+      // A bottom-up 24-bit DIB for the BMP writer.
+      const size_t stride = (static_cast<size_t>(width) * 3 + 3) & ~size_t(3);
+      std::vector<uint8_t> dib(40 + stride * height);
+      BITMAPINFOHEADER header = info.bmiHeader;
+      header.biHeight = height;
+      header.biBitCount = 24;
+      memcpy(dib.data(), &header, 40);
+      for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+          for (int c = 0; c < 3; ++c)
+            dib[40 + stride * (height - 1 - y) + x * 3 + c] =
+                bgra[(static_cast<size_t>(y) * width + x) * 4 + c];
+      ok = WriteWholeFile(path.c_str(), PackedDibToBmp(dib.data(), dib.size())) != 0;
+    } else {
+      ok = WriteWholeFile(path.c_str(), EncodeRgbPng(rgb.data(), rgb.size(), width, height)) != 0;
+    }
+  }
+  if (bitmap) DeleteObject(bitmap);
+  if (memory) DeleteDC(memory);
+  ReleaseDC(window, windowDc);
+  return ok;
+}
+
+// The common file dialog of this thread: a visible dialog with a file name field. Explorer-style
+// dialogs hold the field as 1148 (a combo box with an edit, or an edit), older ones as 1152.
+struct FileFieldSearch {
+  HWND dialog = nullptr;
+  HWND field = nullptr;
+};
+
+BOOL CALLBACK FindFileField(HWND window, LPARAM param) {
+  FileFieldSearch* search = reinterpret_cast<FileFieldSearch*>(param);
+  if (!IsWindowVisible(window)) return TRUE;
+  HWND combo = GetDlgItem(window, 1148);
+  HWND field = combo ? FindWindowExA(combo, nullptr, "Edit", nullptr) : nullptr;
+  if (!field) field = combo ? combo : GetDlgItem(window, 1152);
+  if (!field) return TRUE;
+  search->dialog = window;
+  search->field = field;
+  return FALSE;
+}
+
+HWND FindFileNameField(HWND* fileDialog) {
+  FileFieldSearch search;
+  EnumThreadWindows(GetCurrentThreadId(), FindFileField, reinterpret_cast<LPARAM>(&search));
+  *fileDialog = search.dialog;
+  return search.field;
+}
+
 void PostCommand(HWND dialog, int id, int notification) {
   PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(id, notification),
                reinterpret_cast<LPARAM>(GetDlgItem(dialog, id)));
@@ -96,6 +212,24 @@ bool RunStep(const std::string& step, DWORD waited) {
     PostCommand(box, id, BN_CLICKED);
     return true;
   }
+  if (word == "file-dialog") {
+    // file-dialog PATH: types PATH into the open file dialog and presses its OK button.
+    HWND fileDialog = nullptr;
+    HWND field = FindFileNameField(&fileDialog);
+    if (!field) return false;
+    const size_t space = step.find(' ');
+    const std::string path = space == std::string::npos ? "" : step.substr(space + 1);
+    char title[128] = "";
+    GetWindowTextA(fileDialog, title, sizeof title);
+    RECT r{};
+    GetWindowRect(fileDialog, &r);
+    Log("file-dialog title=" + EscapeLogText(title) + " width=" + std::to_string(r.right - r.left) +
+        " height=" + std::to_string(r.bottom - r.top));
+    SetWindowTextA(field, path.c_str());
+    PostMessageA(fileDialog, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED),
+                 reinterpret_cast<LPARAM>(GetDlgItem(fileDialog, IDOK)));
+    return true;
+  }
   HWND dialog = ActiveDialog(false);
   if (!dialog) return false;
   if (word == "wait-dialog") return true;
@@ -117,6 +251,13 @@ bool RunStep(const std::string& step, DWORD waited) {
     in >> row;
     SendMessageA(control, CB_SETCURSEL, row, 0);
     PostCommand(dialog, id, CBN_SELCHANGE);
+  } else if (word == "select-text") {
+    std::string text;
+    std::getline(in >> std::ws, text);
+    const LRESULT row = SendMessageA(control, CB_SELECTSTRING, static_cast<WPARAM>(-1),
+                                     reinterpret_cast<LPARAM>(text.c_str()));
+    Log(prefix + " row=" + std::to_string(row));
+    PostCommand(dialog, id, CBN_SELCHANGE);
   } else if (word == "read-text") {
     char text[1024] = "";
     GetDlgItemTextA(dialog, id, text, sizeof text);
@@ -127,6 +268,18 @@ bool RunStep(const std::string& step, DWORD waited) {
     Log(prefix + " class=" + EscapeLogText(className));
   } else if (word == "read-check") {
     Log(prefix + " check=" + std::to_string(IsDlgButtonChecked(dialog, id)));
+  } else if (word == "count-paints") {
+    WatchPaints(control);
+  } else if (word == "read-paints") {
+    auto found = paintWatches.find(control);
+    Log(prefix +
+        " paints=" + std::to_string(found == paintWatches.end() ? -1 : found->second.paints));
+  } else if (word == "screenshot") {
+    // screenshot 0 PATH: the whole dialog.
+    std::string path;
+    std::getline(in >> std::ws, path);
+    Log("screenshot path=" + EscapeLogText(path.c_str()) +
+        " result=" + std::to_string(SaveScreenshot(dialog, path) ? 1 : 0));
   } else if (word == "read-enabled") {
     Log(prefix + " enabled=" + std::to_string(control && IsWindowEnabled(control) ? 1 : 0));
   } else {

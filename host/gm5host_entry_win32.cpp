@@ -2,7 +2,8 @@
 // description, and runs PLUGIN16DoBuild with a HostRecord made from the command line, serving
 // HostService from a script and logging every call. Usage:
 //   gm5host [--plugin DLL] [--version N] [--capabilities N] [--null-service] [--script FILE]
-//           [--log FILE] [--dump FOLDER]
+//           [--log FILE] [--dump FOLDER] [--shift]
+// --shift holds the Shift key down in the thread's keyboard state while the plug-in runs.
 // Numbers may be decimal or 0x hexadecimal. The exit code is 0 when the library ran, 2 when it
 // could not be loaded, 3 for a bad command line, 4 when the script did not finish.
 #include <windows.h>
@@ -32,14 +33,15 @@ struct Options {
   uint32_t version = 0x1000;
   uint32_t capabilities = kHostIndexed | kHostTrueColourOffered;
   bool nullService = false;
+  bool shift = false;
   std::string script, log, dump;
 };
 
 bool ParseOptions(int argc, char** argv, Options* options) {
   for (int i = 1; i < argc; ++i) {
     std::string name = argv[i];
-    if (name == "--null-service") {
-      options->nullService = true;
+    if (name == "--null-service" || name == "--shift") {
+      (name == "--shift" ? options->shift : options->nullService) = true;
       continue;
     }
     if (i + 1 >= argc) return false;
@@ -81,7 +83,7 @@ int main(int argc, char** argv) {
   if (!ParseOptions(argc, argv, &options)) {
     fprintf(stderr,
             "usage: gm5host [--plugin DLL] [--version N] [--capabilities N] "
-            "[--null-service] [--script FILE] [--log FILE] [--dump FOLDER]\n");
+            "[--null-service] [--script FILE] [--log FILE] [--dump FOLDER] [--shift]\n");
     return 3;
   }
   FILE* log = options.log.empty() ? stdout : fopen(options.log.c_str(), "w");
@@ -142,6 +144,12 @@ int main(int argc, char** argv) {
   LogNumber("watch", "imports", WatchLibraryImports(library));
   DWORD gdiBefore = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
   LogWatch("before");
+  if (options.shift) {
+    BYTE keys[256] = {};
+    GetKeyboardState(keys);
+    keys[VK_SHIFT] = keys[VK_LSHIFT] = 0x80;
+    SetKeyboardState(keys);
+  }
   StartDialogDriver(&session, steps);
   int result = doBuild(parent, &record);
   int unfinished = StopDialogDriver();

@@ -56,6 +56,14 @@ WindowHandle DialogAddControl(WindowHandle dialog, int32_t id, ControlKind kind,
 void DialogSetControlKind(WindowHandle control, ControlKind kind);
 // Destroys a dialog made by DialogCreate with all its controls. A null handle is accepted.
 void DialogDestroy(WindowHandle dialog);
+// Makes the controls of the page dialog `resourceId` again in `dialog`, hidden, with their ids,
+// texts and places: on Windows as twins of the resource's children, elsewhere from the page
+// tables. Returns 0 when the page can't be made.
+int DialogClonePage(WindowHandle dialog, int32_t resourceId);
+// Gives a material button its record, made from `creationColour` (message 0x590). The button
+// owns the record from then on and frees it when it is destroyed. Returns 0 when the button has
+// no record afterwards.
+int DialogCreateMaterial(WindowHandle button, uint32_t creationColour);
 
 ControlKind DialogControlKind(WindowHandle control);
 // The window text, cut to fit `size` (which counts the terminator). Returns its length.
@@ -106,3 +114,6 @@ WindowHandle DialogParent(WindowHandle control);
 // message posted to the dialog and not yet taken (0 when none).
 uint32_t DialogTimerPeriod(WindowHandle dialog, int32_t timerId);
 uint32_t DialogTakePostedMessage(WindowHandle dialog);
+// Paints an owner-drawn value control of the dialog (a colour button) from its WM_DRAWITEM record,
+// for dialogs whose own procedure receives that message. 0 when the port does not paint it.
+int DialogPaintItem(WindowHandle dialog, const void* drawItem);

@@ -3,6 +3,10 @@
 #pragma once
 
 #define IDD_MAIN 1000
+// The About box, opened by Register and About.
+#define IDD_ABOUT 1001
+#define IDC_ABOUT_NAME 4010
+#define IDC_ABOUT_VERSION 4011
 // The text control of the boxes "MessageBox" and "YesnoBox".
 #define IDC_MESSAGE_TEXT 4000
 

@@ -6,33 +6,34 @@
 
 #include "controls/page_tables.h"
 #include "effects/simple.h"
+#include "shell/effect_pages.h"
 
 // Rows in alphabetical order of the names but for Omni, which stands ahead of Machine: the index is
-// stored in settings and documents and must not move. Procedures stay null until an effect is
-// built.
+// stored in settings and documents and must not move. Every row makes its page with the shared
+// init procedure; preview, build and key colour stay null until an effect is built.
 const EffectEntry EffectTable[kEffectCount] = {
-    {"Arrows", nullptr, nullptr, nullptr, nullptr, kPageIds<7>.data(), nullptr},
-    {"Candy", nullptr, nullptr, nullptr, nullptr, kPageIds<17>.data(), nullptr},
-    {"Confetti", nullptr, nullptr, nullptr, nullptr, kPageIds<16>.data(), nullptr},
-    {"Diagonal Fuse", nullptr, nullptr, nullptr, nullptr, kPageIds<12>.data(), nullptr},
-    {"Heartbeat", nullptr, nullptr, nullptr, nullptr, kPageIds<10>.data(), nullptr},
-    {"Omni", nullptr, nullptr, nullptr, nullptr, kPageIds<11>.data(), nullptr},
-    {"Machine", nullptr, nullptr, nullptr, nullptr, kPageIds<4>.data(), nullptr},
-    {"Neural Network", nullptr, nullptr, nullptr, nullptr, kPageIds<6>.data(), nullptr},
-    {"Quark", nullptr, nullptr, nullptr, nullptr, kPageIds<5>.data(), nullptr},
-    {"Quark Outline", nullptr, nullptr, nullptr, nullptr, kPageIds<13>.data(), nullptr},
-    {"Rattle", nullptr, nullptr, nullptr, nullptr, kPageIds<18>.data(), nullptr},
-    {"Ring", nullptr, nullptr, nullptr, nullptr, kPageIds<1>.data(), nullptr},
-    {"Simple", nullptr, SimpleEffectPreview, SimpleEffectBuild, SimpleEffectKeyColour,
+    {"Arrows", EffectPageInit<7>, nullptr, nullptr, nullptr, kPageIds<7>.data(), nullptr},
+    {"Candy", EffectPageInit<17>, nullptr, nullptr, nullptr, kPageIds<17>.data(), nullptr},
+    {"Confetti", EffectPageInit<16>, nullptr, nullptr, nullptr, kPageIds<16>.data(), nullptr},
+    {"Diagonal Fuse", EffectPageInit<12>, nullptr, nullptr, nullptr, kPageIds<12>.data(), nullptr},
+    {"Heartbeat", EffectPageInit<10>, nullptr, nullptr, nullptr, kPageIds<10>.data(), nullptr},
+    {"Omni", EffectPageInit<11>, nullptr, nullptr, nullptr, kPageIds<11>.data(), nullptr},
+    {"Machine", EffectPageInit<4>, nullptr, nullptr, nullptr, kPageIds<4>.data(), nullptr},
+    {"Neural Network", EffectPageInit<6>, nullptr, nullptr, nullptr, kPageIds<6>.data(), nullptr},
+    {"Quark", EffectPageInit<5>, nullptr, nullptr, nullptr, kPageIds<5>.data(), nullptr},
+    {"Quark Outline", EffectPageInit<13>, nullptr, nullptr, nullptr, kPageIds<13>.data(), nullptr},
+    {"Rattle", EffectPageInit<18>, nullptr, nullptr, nullptr, kPageIds<18>.data(), nullptr},
+    {"Ring", EffectPageInit<1>, nullptr, nullptr, nullptr, kPageIds<1>.data(), nullptr},
+    {"Simple", EffectPageInit<0>, SimpleEffectPreview, SimpleEffectBuild, SimpleEffectKeyColour,
      kPageIds<0>.data(), nullptr},
-    {"Snow", nullptr, nullptr, nullptr, nullptr, kPageIds<2>.data(), nullptr},
-    {"Stars", nullptr, nullptr, nullptr, nullptr, kPageIds<3>.data(), nullptr},
-    {"Tracks", nullptr, nullptr, nullptr, nullptr, kPageIds<15>.data(), nullptr},
-    {"Tram Lines", nullptr, nullptr, nullptr, nullptr, kPageIds<20>.data(), nullptr},
-    {"Unplugged TV", nullptr, nullptr, nullptr, nullptr, kPageIds<19>.data(), nullptr},
-    {"Waterside", nullptr, nullptr, nullptr, nullptr, kPageIds<8>.data(), nullptr},
-    {"Wavelet", nullptr, nullptr, nullptr, nullptr, kPageIds<9>.data(), nullptr},
-    {"Zipper", nullptr, nullptr, nullptr, nullptr, kPageIds<14>.data(), nullptr},
+    {"Snow", EffectPageInit<2>, nullptr, nullptr, nullptr, kPageIds<2>.data(), nullptr},
+    {"Stars", EffectPageInit<3>, nullptr, nullptr, nullptr, kPageIds<3>.data(), nullptr},
+    {"Tracks", EffectPageInit<15>, nullptr, nullptr, nullptr, kPageIds<15>.data(), nullptr},
+    {"Tram Lines", EffectPageInit<20>, nullptr, nullptr, nullptr, kPageIds<20>.data(), nullptr},
+    {"Unplugged TV", EffectPageInit<19>, nullptr, nullptr, nullptr, kPageIds<19>.data(), nullptr},
+    {"Waterside", EffectPageInit<8>, nullptr, nullptr, nullptr, kPageIds<8>.data(), nullptr},
+    {"Wavelet", EffectPageInit<9>, nullptr, nullptr, nullptr, kPageIds<9>.data(), nullptr},
+    {"Zipper", EffectPageInit<14>, nullptr, nullptr, nullptr, kPageIds<14>.data(), nullptr},
 };
 
 const int32_t EffectStyle[kEffectCount] = {7, 17, 16, 12, 10, 11, 4,  6, 5, 13, 18,

@@ -13,6 +13,7 @@
 
 #include "controls/direction_picker.h"
 #include "controls/value_controls.h"
+#include "materials/material_button.h"
 #include "platform/posix/headless_dialog.h"
 
 struct DialogWindow {
@@ -71,8 +72,12 @@ WindowHandle HeadlessDialogAddControl(WindowHandle dialog, int32_t id, int visib
 
 void HeadlessDialogDestroy(WindowHandle dialog) {
   if (!dialog) return;
-  for (const std::unique_ptr<DialogWindow>& child : dialog->children)
+  for (const std::unique_ptr<DialogWindow>& child : dialog->children) {
     if (FindPickerShape(child->kind)) PickerDestroy(child.get());
+    // A material button owns its record, as its window does on Windows.
+    if (child->kind == kControlMaterialButton)
+      FreeButtonMaterial(ButtonMaterialHandle(child.get()));
+  }
   delete dialog;
 }
 
@@ -270,4 +275,9 @@ int DialogReadLine(WindowHandle control, const char* line) {
 
 void DialogNotify(WindowHandle dialog, int32_t id, int32_t notification) {
   HandleValueCommand(dialog, id, notification);
+}
+
+// Nothing is painted without a window system.
+int DialogPaintItem(WindowHandle, const void*) {
+  return 0;
 }

@@ -562,3 +562,11 @@ void DialogNotify(WindowHandle dialog, int32_t id, int32_t notification) {
                  MAKEWPARAM(static_cast<WORD>(id), static_cast<WORD>(notification)),
                  reinterpret_cast<LPARAM>(GetDlgItem(AsWindow(dialog), id)));
 }
+
+int DialogPaintItem(WindowHandle dialog, const void* drawItem) {
+  const DRAWITEMSTRUCT* item = static_cast<const DRAWITEMSTRUCT*>(drawItem);
+  if (!dialog || !item || DialogControlKind(AsHandle(item->hwndItem)) != kControlColourButton)
+    return 0;
+  PaintColourButton(AsWindow(dialog), item);
+  return 1;
+}

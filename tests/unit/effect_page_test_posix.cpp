@@ -1,8 +1,18 @@
-// ShowEffectPage on the headless dialog model.
+// Effect pages on the headless dialog model: the page layout and its resource script, EffectInit
+// for every row, and ShowEffectPage.
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include "controls/page_layout.h"
+#include "documents/settings.h"
 #include "platform/posix/headless_dialog.h"
+#include "shell/effect_pages.h"
 #include "shell/effect_table.h"
+#include "tests/support/alloc_sweep.h"
+#include "tests/support/effect_page_checks.h"
 
 TEST(EffectPage, ShowsTheListedControlsAndLeavesMainControlsAlone) {
   WindowHandle dialog = HeadlessDialogCreate();
@@ -23,4 +33,44 @@ TEST(EffectPage, ShowsTheListedControlsAndLeavesMainControlsAlone) {
   EXPECT_EQ(DialogItemVisible(DialogItem(dialog, 100)), 0);
   EXPECT_EQ(DialogItemVisible(DialogItem(dialog, 10100)), 0);
   HeadlessDialogDestroy(dialog);
+}
+
+// The committed resource script is the one the page tables give today: a table changed without
+// running gm5_page_rc fails here.
+TEST(EffectPage, CommittedResourceScriptFollowsTheTables) {
+  std::string path = __FILE__;
+  path.resize(path.size() - std::string("tests/unit/effect_page_test_posix.cpp").size());
+  std::ifstream file(path + "resources/effect_pages.rc", std::ios::binary);
+  ASSERT_TRUE(file) << path;
+  std::stringstream committed;
+  committed << file.rdbuf();
+  std::string fresh;
+  ASSERT_EQ(FormatPageResources(&fresh), 1);
+  EXPECT_EQ(committed.str(), fresh) << "run build/native/bin/gm5_page_rc resources/effect_pages.rc";
+}
+
+TEST(EffectPage, InitMakesEveryPageHiddenWithItsSettings) {
+  MovePageSettingsFromDefaults();
+  WindowHandle dialog = DialogCreate();
+  ASSERT_EQ(InitEffectPages(dialog), 1);
+  EXPECT_TRUE(PageTwinsMatchTables(dialog));
+  EXPECT_TRUE(EachRowShowsOnlyItsPage(dialog));
+  DialogDestroy(dialog);
+  ResetSettings();
+}
+
+TEST(EffectPage, InitFailsWithoutItsPageOrMemory) {
+  WindowHandle dialog = DialogCreate();
+  EXPECT_EQ(DialogClonePage(dialog, kEffectPageBase + kEffectCount), 0);
+  EXPECT_EQ(InitEffectPage(dialog, kEffectCount), 0);
+  EXPECT_EQ(DialogClonePage(nullptr, kEffectPageBase), 0);
+  DialogDestroy(dialog);
+  // Simple has material buttons and pickers, Arrows five colour buttons and its cross of checks.
+  for (int32_t style : {0, 7})
+    EXPECT_TRUE(SweepAllocationFailures([style] {
+      WindowHandle page = DialogCreate();
+      const int made = InitEffectPage(page, style);
+      DialogDestroy(page);
+      return made;
+    })) << style;
 }

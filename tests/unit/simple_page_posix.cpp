@@ -54,7 +54,6 @@ TEST(SimplePage, PreviewBuildAndKeyColourFromTheDialog) {
   DialogSetCheck(DialogItem(dialog, 62), 1);
   DialogSetCheck(DialogItem(dialog, 63), 1);
   EXPECT_EQ(SimpleEffectKeyColour(dialog, 0), 8355711);
-  for (int32_t id : buttons) FreeButtonMaterial(ButtonMaterialHandle(DialogItem(dialog, id)));
   DialogDestroy(dialog);
 }
 
@@ -94,7 +93,5 @@ TEST(SimplePage, BuildFramesFromTheDialogToTheHost) {
   EXPECT_LE(file.record.bits, 8);
   EXPECT_EQ(file.frames[0].transparent, 0) << "no alpha in a test";
   EXPECT_EQ(DialogGetCheck(DialogItem(dialog, 62)), 1) << "the box is back as it was";
-  for (int32_t id : {100, 102, 104})
-    FreeButtonMaterial(ButtonMaterialHandle(DialogItem(dialog, id)));
   DialogDestroy(dialog);
 }

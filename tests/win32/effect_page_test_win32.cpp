@@ -1,33 +1,161 @@
-// ShowEffectPage on real child windows: the dialog port enumerates HWNDs and shows or hides them.
+// Effect pages on real windows: the page dialog resources against their tables, and EffectInit's
+// twins in a dialog, shown page by page with ShowEffectPage.
 #include <windows.h>
+#include <commctrl.h>
 
 #include <gtest/gtest.h>
 
-#include "platform/surface.h"
-#include "shell/effect_table.h"
+#include <cstring>
+#include <set>
+#include <vector>
 
-TEST(EffectPage, ShowsTheListedChildWindowsOnly) {
-  HWND dialog = CreateWindowExA(0, "STATIC", "page host", WS_POPUP, 0, 0, 200, 200, nullptr,
-                                nullptr, GetModuleHandleA(nullptr), nullptr);
-  ASSERT_NE(dialog, nullptr) << "windows need a display: run under xvfb-run";
-  const int32_t ids[] = {58, 100, 10100, 124, 134};
-  for (int32_t id : ids)
-    CreateWindowExA(0, "STATIC", "", WS_CHILD | WS_VISIBLE, 0, 0, 10, 10, dialog,
-                    reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), GetModuleHandleA(nullptr),
-                    nullptr);
-  WindowHandle handle = reinterpret_cast<WindowHandle>(dialog);
-  const int32_t page[] = {100, 10100, 0};
-  ShowPageControls(handle, page);
-  EXPECT_EQ(DialogItemVisible(DialogItem(handle, 58)), 1);
-  EXPECT_EQ(DialogItemVisible(DialogItem(handle, 100)), 1);
-  EXPECT_EQ(DialogItemVisible(DialogItem(handle, 10100)), 1);
-  EXPECT_EQ(DialogItemVisible(DialogItem(handle, 124)), 0);
-  EXPECT_EQ(DialogItemVisible(DialogItem(handle, 134)), 0);
-  EXPECT_EQ(DialogItemId(DialogItem(handle, 124)), 124);
-  ShowEffectPage(handle, 21);
-  EXPECT_EQ(DialogItemVisible(DialogItem(handle, 100)), 0);
-  EXPECT_EQ(DialogItemVisible(DialogItem(handle, 58)), 1);
-  DestroyWindow(dialog);
+#include "controls/direction_picker.h"
+#include "controls/page_layout.h"
+#include "controls/value_controls.h"
+#include "documents/settings.h"
+#include "platform/surface.h"
+#include "shell/effect_pages.h"
+#include "shell/effect_table.h"
+#include "tests/support/effect_page_checks.h"
+#include "tests/support/value_dialog.h"
+#include "tests/win32/win32_test_support.h"
+
+namespace {
+
+// Stand-ins for the window classes of the fountain and animation controls, which the program
+// does not have yet: plain windows that hold no value.
+void RegisterStandIns() {
+  for (const char* name : {"FOUNTB", "ANMCTL"}) {
+    WNDCLASSA c = {};
+    if (GetClassInfoA(GetModuleHandleA(nullptr), name, &c)) continue;
+    c.lpfnWndProc = DefWindowProcA;
+    c.hInstance = GetModuleHandleA(nullptr);
+    c.lpszClassName = name;
+    RegisterClassA(&c);
+  }
+}
+
+INT_PTR CALLBACK QuietPageProc(HWND, UINT, WPARAM, LPARAM) {
+  return FALSE;
+}
+
+// The kind a page id stands for in the page table: a control, its label or its updown.
+ControlKind KindOfPageId(const PageTable& page, int32_t id) {
+  for (int32_t i = 0; i < page.count; ++i) {
+    const PageControl& c = page.controls[i];
+    if (c.id == id) return c.kind;
+    if (HasLabel(c) && c.id + 1 == id) return kControlLabel;
+    if (HasUpDown(c) && c.id + kUpDownIdOffset == id) return kControlUpDown;
+  }
+  return kControlKindCount;
+}
+
+RECT ClientRect(HWND child) {
+  RECT r;
+  GetWindowRect(child, &r);
+  MapWindowPoints(nullptr, GetParent(child), reinterpret_cast<POINT*>(&r), 2);
+  return r;
+}
+
+// The page's child windows in creation order.
+std::vector<HWND> Children(HWND page) {
+  std::vector<HWND> windows;
+  EnumChildWindows(
+      page,
+      [](HWND child, LPARAM list) {
+        reinterpret_cast<std::vector<HWND>*>(list)->push_back(child);
+        return TRUE;
+      },
+      reinterpret_cast<LPARAM>(&windows));
+  return windows;
+}
+
+}  // namespace
+
+// Each page resource holds exactly its row's ids, each with the class and style of its kind, all
+// inside the page area and none overlapping another. The plug-in carries the same dialogs.
+TEST(EffectPage, ResourcesMatchTheirTables) {
+  ASSERT_TRUE(DisplayAvailable()) << "run under xvfb-run";
+  RegisterStandIns();
+  HMODULE plugin = LoadLibraryExA(GM5_PLUGIN_PATH, nullptr, LOAD_LIBRARY_AS_DATAFILE);
+  ASSERT_NE(plugin, nullptr);
+  WindowHandle host = DialogCreate();  // pages are child windows
+  for (int32_t row = 0; row < kEffectCount; ++row) {
+    const PageTable& page = kPageTables[EffectStyle[row]];
+    const int32_t resource = EffectPageId(row);
+    EXPECT_NE(FindResourceA(plugin, MAKEINTRESOURCEA(resource), MAKEINTRESOURCEA(5)), nullptr)
+        << resource;
+    HWND dialog = CreateDialogParamA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(resource),
+                                     reinterpret_cast<HWND>(host), QuietPageProc, 0);
+    ASSERT_NE(dialog, nullptr) << resource;
+    RECT area = {kPageAreaLeft, kPageAreaTop, kPageAreaRight, kPageAreaBottom};
+    MapDialogRect(dialog, &area);
+    const std::vector<HWND> children = Children(dialog);
+    std::set<int32_t> ids, listed;
+    for (const int32_t* id = EffectTable[row].controls; *id; ++id) listed.insert(*id);
+    for (size_t i = 0; i < children.size(); ++i) {
+      HWND child = children[i];
+      const int32_t id = GetDlgCtrlID(child);
+      ids.insert(id);
+      const ControlKind kind = KindOfPageId(page, id);
+      char windowClass[64];
+      GetClassNameA(child, windowClass, sizeof windowClass);
+      const DWORD style = static_cast<DWORD>(GetWindowLongA(child, GWL_STYLE));
+      ASSERT_NE(kind, kControlKindCount) << "page " << resource << " id " << id;
+      EXPECT_EQ(lstrcmpiA(windowClass, PageWindowClass(kind)), 0) << id << " " << windowClass;
+      // An edit's border becomes a client edge and a combo box's scroll bar its list's.
+      const DWORD wanted = PageWindowStyle(kind) & ~static_cast<DWORD>(WS_BORDER | WS_VSCROLL);
+      EXPECT_EQ(style & wanted, wanted) << id;
+      const RECT r = ClientRect(child);
+      EXPECT_TRUE(r.left >= area.left && r.top >= area.top && r.right <= area.right &&
+                  r.bottom <= area.bottom)
+          << "page " << resource << " id " << id << " outside the page area";
+      if (FindPickerShape(kind)) {
+        EXPECT_TRUE(r.right - r.left >= 75 && r.bottom - r.top >= 75) << id;
+      }
+      for (size_t j = 0; j < i; ++j) {
+        RECT both;
+        const RECT other = ClientRect(children[j]);
+        EXPECT_FALSE(IntersectRect(&both, &r, &other))
+            << "page " << resource << ": " << id << " overlaps " << GetDlgCtrlID(children[j]);
+      }
+    }
+    EXPECT_EQ(ids, listed) << resource;
+    DestroyWindow(dialog);
+  }
+  DialogDestroy(host);
+  FreeLibrary(plugin);
+}
+
+// EffectInit for every row makes hidden twins at the page's places in the dialog, kinds and values
+// from the tables and settings; ShowEffectPage then shows one page at a time.
+TEST(EffectPage, InitClonesEveryPageIntoTheDialog) {
+  ASSERT_TRUE(DisplayAvailable()) << "run under xvfb-run";
+  RegisterStandIns();
+  MovePageSettingsFromDefaults();
+  // Material buttons read and write their files in the settings folder: start from none.
+  SetSettingsFolder(MakeTempFolder("gm5-effect-pages").c_str());
+  WindowHandle dialog = DialogCreate();
+  ASSERT_EQ(InitEffectPages(dialog), 1);
+  EXPECT_TRUE(PageTwinsMatchTables(dialog));
+  EXPECT_TRUE(EachRowShowsOnlyItsPage(dialog));
+
+  // The twins stand where the page's children stand (a combo box's list is not part of its rect).
+  HWND page = CreateDialogParamA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(7400),
+                                 reinterpret_cast<HWND>(dialog), QuietPageProc, 0);
+  ASSERT_NE(page, nullptr);
+  for (HWND child : Children(page)) {
+    HWND twin = reinterpret_cast<HWND>(DialogItem(dialog, GetDlgCtrlID(child)));
+    ASSERT_NE(twin, nullptr) << GetDlgCtrlID(child);
+    const RECT a = ClientRect(child), b = ClientRect(twin);
+    EXPECT_TRUE(a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom)
+        << GetDlgCtrlID(child);
+  }
+  DestroyWindow(page);
+  EXPECT_EQ(DialogClonePage(dialog, kEffectPageBase + kEffectCount), 0) << "no such page";
+  DialogDestroy(dialog);
+  ResetSettings();
+  SetSettingsFolder("");
 }
 
 // The process has room for about 65,000 GDI objects. Drawing more shapes than that on one surface

@@ -13,7 +13,8 @@ TEST(ShapeParity, WritesEveryScene) {
   for (int32_t i = 0; i < kShapeSceneCount; ++i) {
     MovableHandle image = RenderShapeScene(&kShapeScenes[i]);
     ASSERT_NE(image, nullptr) << kShapeScenes[i].name;
-    EXPECT_TRUE(WriteParityFile(std::string("parity/shape-") + kShapeScenes[i].name + ".dib", image));
+    EXPECT_TRUE(
+        WriteParityFile(std::string("parity/shape-") + kShapeScenes[i].name + ".dib", image));
     MovableFree(image);
   }
 }

@@ -1,0 +1,105 @@
+// Effect pages on Windows: the page dialog is made from its resource only to be copied. On
+// WM_INITDIALOG each of its children gets a hidden twin in the main dialog, with the same class,
+// styles, id, text and place; then the page ends and is destroyed, and only the twins live on.
+#include <windows.h>
+#include <commctrl.h>
+
+#include <cstdio>
+
+#include "materials/material_button.h"
+#include "materials/material_button_win32.h"
+#include "platform/dialog.h"
+
+namespace {
+
+constexpr int kComboDropHeight = 200;  // room below a combo box for its list
+
+// The module that holds this code and its resources: the plug-in, or a test program.
+HMODULE ThisModule() {
+  HMODULE module = nullptr;
+  GetModuleHandleExA(
+      GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+      reinterpret_cast<LPCSTR>(&ThisModule), &module);
+  return module;
+}
+
+struct CloneState {
+  HWND page;     // the page being copied
+  HWND target;   // the main dialog
+  HFONT font;    // the main dialog's font
+  int failures;  // twins that could not be made
+};
+
+// An updown takes its range and starting position from its text, "min,max,default".
+void SetUpDownRange(HWND updown, const char* text) {
+  int min = 0, max = 0, initial = 0;
+  if (std::sscanf(text, "%d,%d,%d", &min, &max, &initial) != 3) return;
+  SendMessageA(updown, UDM_SETRANGE32, static_cast<WPARAM>(min), static_cast<LPARAM>(max));
+  SendMessageA(updown, UDM_SETPOS32, 0, static_cast<LPARAM>(initial));
+}
+
+BOOL CALLBACK MakeTwin(HWND child, LPARAM param) {
+  CloneState* state = reinterpret_cast<CloneState*>(param);
+  HWND page = state->page;
+  if (GetParent(child) != page) return TRUE;  // a control's own child windows come with it
+  char windowClass[64];
+  char text[256];
+  if (!GetClassNameA(child, windowClass, sizeof windowClass)) {
+    ++state->failures;
+    return TRUE;
+  }
+  GetWindowTextA(child, text, sizeof text);
+  RECT r;
+  GetWindowRect(child, &r);
+  MapWindowPoints(nullptr, page, reinterpret_cast<POINT*>(&r), 2);
+  if (lstrcmpiA(windowClass, "combobox") == 0) r.bottom += kComboDropHeight;
+  const DWORD style = static_cast<DWORD>(GetWindowLongA(child, GWL_STYLE)) & ~WS_VISIBLE;
+  const DWORD exStyle = static_cast<DWORD>(GetWindowLongA(child, GWL_EXSTYLE));
+  HWND twin = CreateWindowExA(
+      exStyle, windowClass, text, style, r.left, r.top, r.right - r.left, r.bottom - r.top,
+      state->target, reinterpret_cast<HMENU>(static_cast<INT_PTR>(GetDlgCtrlID(child))),
+      reinterpret_cast<HINSTANCE>(GetWindowLongPtrA(child, GWLP_HINSTANCE)), nullptr);
+  if (!twin) {
+    ++state->failures;
+    return TRUE;
+  }
+  ShowWindow(twin, SW_HIDE);
+  SendMessageA(twin, WM_SETFONT, reinterpret_cast<WPARAM>(state->font), FALSE);
+  if (lstrcmpiA(windowClass, UPDOWN_CLASSA) == 0) SetUpDownRange(twin, text);
+  return TRUE;
+}
+
+INT_PTR CALLBACK ClonePageProc(HWND page, UINT message, WPARAM, LPARAM lParam) {
+  if (message != WM_INITDIALOG) return FALSE;
+  CloneState* state = reinterpret_cast<CloneState*>(lParam);
+  state->page = page;
+  EnumChildWindows(page, MakeTwin, reinterpret_cast<LPARAM>(state));
+  EndDialog(page, 0);
+  return FALSE;
+}
+
+}  // namespace
+
+int DialogClonePage(WindowHandle dialog, int32_t resourceId) {
+  HWND target = reinterpret_cast<HWND>(dialog);
+  if (!target) return 0;
+  // The pages hold updowns and material buttons: their classes must exist before the page does.
+  INITCOMMONCONTROLSEX controls = {sizeof controls, ICC_UPDOWN_CLASS};
+  InitCommonControlsEx(&controls);
+  RegisterMaterialButtonClass();
+  CloneState state = {nullptr, target,
+                      reinterpret_cast<HFONT>(SendMessageA(target, WM_GETFONT, 0, 0)), 0};
+  HWND page = CreateDialogParamA(ThisModule(), MAKEINTRESOURCEA(resourceId), target, ClonePageProc,
+                                 reinterpret_cast<LPARAM>(&state));
+  if (!page) return 0;
+  ShowWindow(page, SW_HIDE);
+  DestroyWindow(page);
+  return state.failures == 0;
+}
+
+int DialogCreateMaterial(WindowHandle button, uint32_t creationColour) {
+  HWND window = reinterpret_cast<HWND>(button);
+  if (!window) return 0;
+  SendMessageA(window, kMessageMaterialCreate, 0, static_cast<LPARAM>(creationColour));
+  return ButtonMaterialHandle(button) != nullptr;
+}

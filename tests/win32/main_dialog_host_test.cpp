@@ -1,0 +1,220 @@
+// The main dialog driven through gm5host scripts, one scenario a script: the host's kind at
+// start, Shift and the configuration written on close, the update timer and the boxes that depend
+// on each other, Test and Build through the host, Open/Save through the real file dialogs, and a
+// screenshot of every effect's page.
+#include <windows.h>
+
+#include <cstdio>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "tests/win32/host_run_win32.h"
+
+namespace {
+
+std::string Reads(std::initializer_list<const char*> steps) {
+  std::string script;
+  for (const char* step : steps) script += std::string(step) + "\n";
+  return script;
+}
+
+}  // namespace
+
+TEST(MainDialog, HostKindSetsRangesAndBoxesAtStart) {
+  if (!DisplayAvailable()) GTEST_SKIP() << "no display";
+  struct Expected {
+    int capabilities;
+    const char *delayRange, *pauseRange, *delay, *pause;
+    int trueColour, trueColourEnabled, transparentEnabled, superEnabled, alpha, alphaEnabled;
+  };
+  // A first use: the delays reset to the host's kind. True color ends on for a true-colour host
+  // even when the host does not offer it.
+  static const Expected kKinds[] = {
+      {0, "1,1000,40", "1,10000,1000", "50", "1000", 1, 1, 0, 0, 0, 1},
+      {1, "1,100,4", "1,1000,100", "5", "100", 0, 0, 1, 1, 0, 0},
+      {2, "1,1000,40", "1,10000,1000", "50", "1000", 1, 1, 0, 0, 0, 1},
+      {3, "1,100,4", "1,1000,100", "5", "100", 1, 1, 1, 1, 0, 0},
+  };
+  const std::string script = Reads(
+      {"wait-dialog", "read-text 10011", "read-text 10023", "read-text 11", "read-text 23",
+       "read-check 10", "read-enabled 10", "read-enabled 35", "read-check 19", "read-enabled 19",
+       "read-check 62", "read-enabled 62", "read-enabled 63", "read-enabled 1", "click 2"});
+  for (const Expected& kind : kKinds) {
+    SCOPED_TRACE(kind.capabilities);
+    ForgetConfiguration();
+    HostRun run = RunHost("--capabilities " + std::to_string(kind.capabilities), script);
+    ASSERT_EQ(run.exitCode, 0u);
+    EXPECT_EQ(run.Value("read-text id=10011", "text"), kind.delayRange);
+    EXPECT_EQ(run.Value("read-text id=10023", "text"), kind.pauseRange);
+    EXPECT_EQ(run.Value("read-text id=11 ", "text"), kind.delay);
+    EXPECT_EQ(run.Value("read-text id=23 ", "text"), kind.pause);
+    EXPECT_EQ(run.Value("read-check id=10 ", "check"), std::to_string(kind.trueColour));
+    EXPECT_EQ(run.Value("read-enabled id=10 ", "enabled"), std::to_string(kind.trueColourEnabled));
+    EXPECT_EQ(run.Value("read-enabled id=35 ", "enabled"), std::to_string(kind.transparentEnabled));
+    EXPECT_EQ(run.Value("read-check id=19 ", "check"), "0");
+    EXPECT_EQ(run.Value("read-enabled id=19 ", "enabled"), std::to_string(kind.superEnabled));
+    EXPECT_EQ(run.Value("read-check id=62 ", "check"), std::to_string(kind.alpha));
+    EXPECT_EQ(run.Value("read-enabled id=62 ", "enabled"), std::to_string(kind.alphaEnabled));
+    EXPECT_EQ(run.Value("read-enabled id=63 ", "enabled"), std::to_string(kind.alphaEnabled));
+    EXPECT_EQ(run.Value("read-enabled id=1 ", "enabled"), "1");
+  }
+}
+
+TEST(MainDialog, CloseWritesTheConfigurationAndShiftResets) {
+  if (!DisplayAvailable()) GTEST_SKIP() << "no display";
+  ForgetConfiguration();
+  HostRun run = RunHost("--capabilities 3",
+                        Reads({"wait-dialog", "set-text 11 7", "set-text 52 Kept", "click 2"}));
+  ASSERT_EQ(run.exitCode, 0u);
+  const std::string written = ReadConfiguration();
+  EXPECT_NE(written.find("MainDelay = 7\n"), std::string::npos);
+  EXPECT_NE(written.find("IsFirst = 0\n"), std::string::npos);
+  EXPECT_NE(written.find("MainText = Kept\n"), std::string::npos);
+
+  // No longer a first use: the saved values stand.
+  const std::string reads = Reads(
+      {"wait-dialog", "read-text 11", "read-text 23", "read-text 52", "read-check 10", "click 2"});
+  run = RunHost("--capabilities 3", reads);
+  EXPECT_EQ(run.Value("read-text id=11 ", "text"), "7");
+  EXPECT_EQ(run.Value("read-text id=52 ", "text"), "Kept");
+
+  // Shift: the saved values are passed over, and the delays reset twice, the second time to the
+  // offered true colour's 40 and 1000, or to 4 and 100 without it.
+  run = RunHost("--capabilities 3 --shift", reads);
+  EXPECT_EQ(run.Value("read-text id=11 ", "text"), "40");
+  EXPECT_EQ(run.Value("read-text id=23 ", "text"), "1000");
+  EXPECT_EQ(run.Value("read-text id=52 ", "text"), "This%20space%20for%20rent...");
+  EXPECT_EQ(run.Value("read-check id=10 ", "check"), "1");
+  run = RunHost("--capabilities 1 --shift", reads);
+  EXPECT_EQ(run.Value("read-text id=11 ", "text"), "4");
+  EXPECT_EQ(run.Value("read-text id=23 ", "text"), "100");
+  ForgetConfiguration();
+}
+
+TEST(MainDialog, ChangesRepaintTheSampleOnceAndBoxesInterlock) {
+  if (!DisplayAvailable()) GTEST_SKIP() << "no display";
+  ForgetConfiguration();
+  HostRun run = RunHost(
+      "--capabilities 2",
+      Reads({"wait-dialog", "sleep 500", "count-paints 25", "set-text 52 Hello", "select 58 0",
+             "select 58 12", "read-paints 25", "wait-timer", "read-paints 25", "read-text 12",
+             // True color and Alpha transparency hold each other.
+             "set-check 62 1", "read-check 10", "set-check 10 0", "read-check 62",
+             // Build needs a text.
+             "set-text 52 ", "read-enabled 1", "set-text 52 x", "read-enabled 1", "click 2"}));
+  ASSERT_EQ(run.exitCode, 0u);
+  ASSERT_EQ(run.Count("read-paints"), 2);
+  EXPECT_EQ(run.Line("read-paints"), "read-paints id=25 paints=0");  // not before the timer
+  int last = 0;
+  for (const std::string& line : run.lines)
+    if (line.rfind("read-paints", 0) == 0) last = std::stoi(line.substr(line.find("paints=") + 7));
+  EXPECT_EQ(last, 1);
+  EXPECT_EQ(run.Value("read-check id=10 ", "check"), "1");
+  EXPECT_EQ(run.Value("read-check id=62 ", "check"), "0");
+  EXPECT_EQ(run.Value("read-enabled id=1 ", "enabled"), "0");
+  EXPECT_EQ(run.Count("read-enabled id=1 enabled=1"), 1);
+}
+
+TEST(MainDialog, OpenAndSaveRoundTripThroughTheFileDialogs) {
+  if (!DisplayAvailable()) GTEST_SKIP() << "no display";
+  ForgetConfiguration();
+  const std::string path = TempFolder() + "gm5_round_trip.gm5";
+  DeleteFileA(path.c_str());
+  // Save on an untitled document asks for a name; once named, Save writes without asking.
+  HostRun run =
+      RunHost("--capabilities 3",
+              "dialog-size 700 500\n" + Reads({"wait-dialog", "set-text 52 First", "click 38"}) +
+                  "file-dialog " + path + "\n" +
+                  Reads({"sleep 500", "set-text 52 Second", "click 38", "sleep 300",
+                         "set-text 52 Changed", "click 37"}) +
+                  "file-dialog " + path + "\n" + Reads({"sleep 800", "read-text 52", "click 2"}));
+  ASSERT_EQ(run.exitCode, 0u);
+  EXPECT_EQ(run.Count("file-dialog"), 2);
+  // Each file dialog takes the size the host keeps for them.
+  EXPECT_EQ(run.Line("file-dialog"), "file-dialog title=Save%20As width=700 height=500");
+  EXPECT_EQ(run.Line("file-dialog title=Open"), "file-dialog title=Open width=700 height=500");
+  EXPECT_EQ(run.Value("read-text id=52 ", "text"), "Second");
+  EXPECT_EQ(run.Count("box"), 0);
+  DeleteFileA(path.c_str());
+  DeleteFileA((path + ".bak").c_str());
+  ForgetConfiguration();
+}
+
+TEST(MainDialog, TestStaysOpenAndBuildCloses) {
+  if (!DisplayAvailable()) GTEST_SKIP() << "no display";
+  ForgetConfiguration();
+  // A true-colour host: Test builds flat frames with Alpha transparency off for the run only;
+  // Build then hands over frames with their alpha plane and ends the dialog.
+  HostRun run = RunHost("--capabilities 2",
+                        Reads({"wait-dialog", "set-text 52 Go", "set-text 112 4", "set-check 62 1",
+                               "click 24", "read-check 62", "click 1"}));
+  ASSERT_EQ(run.exitCode, 0u);
+  EXPECT_EQ(run.Line("read-check id=62"), "read-check id=62 check=1");
+  EXPECT_EQ(run.Line("dobuild"), "dobuild result=1");
+  EXPECT_EQ(run.Line("script"), "script unfinished=0");
+  // The host's calls of the two runs, in order, from the start of work to the close.
+  std::string order;
+  for (const std::string& line : run.lines) {
+    if (line.rfind("call op=", 0) != 0) continue;
+    const std::string op = line.substr(8, line.find(' ', 8) - 8);
+    if (op == "13" || op == "10" || op == "12") continue;  // progress and the registration query
+    if (op == "2" && !order.empty() && order.back() == '+') continue;
+    order += (order.empty() ? "" : " ") + op + (op == "2" ? "+" : "");
+  }
+  EXPECT_EQ(order, "17 17 21 18 5 15 2+ 3 4 18 1 15 2+ 3 4");
+  EXPECT_EQ(run.Count("call op=2 name=HostOpAddImage file=1"), 4);
+  EXPECT_EQ(run.Count("call op=2 name=HostOpAddImage file=1 index=0 delay=50 transparent=0"), 1);
+  EXPECT_EQ(run.Count("call op=2 name=HostOpAddImage file=2 index=0 delay=50 transparent=1"), 1);
+  EXPECT_NE(run.Line("call op=2 name=HostOpAddImage file=2").find("imageBits=32"),
+            std::string::npos);
+  ForgetConfiguration();
+}
+
+// The frames of a Build from the dialog, with the document that holds its settings, for the
+// native build of the same document to compare (tests/parity).
+TEST(MainDialog, BuildWritesFramesForTheNativeComparison) {
+  if (!DisplayAvailable()) GTEST_SKIP() << "no display";
+  ForgetConfiguration();
+  char here[MAX_PATH];
+  GetCurrentDirectoryA(MAX_PATH, here);
+  const std::string folder = std::string(here) + "\\parity";
+  CreateDirectoryA(folder.c_str(), nullptr);
+  CreateDirectoryA((folder + "\\dialog-build").c_str(), nullptr);
+  DeleteFileA((folder + "\\dialog.gm5").c_str());
+  HostRun run =
+      RunHost("--capabilities 1 --dump \"" + folder + "\\dialog-build\"",
+              Reads({"wait-dialog", "select-text 53 DejaVu Sans", "set-text 57 32",
+                     "set-text 61 100", "set-text 52 Parity", "set-text 112 6", "click 39"}) +
+                  "file-dialog " + folder + "\\dialog.gm5\n" + Reads({"sleep 500", "click 1"}));
+  ASSERT_EQ(run.exitCode, 0u);
+  EXPECT_EQ(run.Line("select-text id=53").find("row=-1"), std::string::npos) << "font missing";
+  EXPECT_EQ(run.Count("call op=2 name=HostOpAddImage file=1"), 6);
+  EXPECT_NE(GetFileAttributesA((folder + "\\dialog-build\\file1-frame005.bmp").c_str()),
+            INVALID_FILE_ATTRIBUTES);
+  ForgetConfiguration();
+}
+
+// A screenshot of the dialog with each effect's page, for looking at: build/windows/screenshots.
+TEST(MainDialog, ScreenshotsOfEveryPage) {
+  if (!DisplayAvailable()) GTEST_SKIP() << "no display";
+  ForgetConfiguration();
+  const std::string bin = BuildPath(GM5_PLUGIN_PATH);
+  const std::string folder =
+      bin.substr(0, bin.find_last_of('\\', bin.find_last_of('\\') - 1)) + "\\screenshots";
+  CreateDirectoryA(folder.c_str(), nullptr);
+  std::string script = "wait-dialog\nsleep 500\n";
+  for (int row = 0; row < 21; ++row) {
+    char name[32];
+    std::snprintf(name, sizeof name, "\\page-%02d.png", row);
+    script +=
+        "select 58 " + std::to_string(row) + "\nsleep 700\nscreenshot 0 " + folder + name + "\n";
+  }
+  HostRun run = RunHost("--capabilities 3", script + "click 2\n");
+  ASSERT_EQ(run.exitCode, 0u);
+  EXPECT_EQ(run.Count("screenshot path="), 21);
+  for (const std::string& line : run.lines)
+    if (line.rfind("screenshot", 0) == 0)
+      EXPECT_NE(line.find("result=1"), std::string::npos) << line;
+  ForgetConfiguration();
+}
