@@ -50,7 +50,7 @@ TEST(CommandLine, ReadsOptionsInBothForms) {
   std::string error;
   ASSERT_EQ(Parse({"effects", "--text", "Hi there", "--size=40", "--set", "MainDelay=7",
                    "--control=112=3", "--no-bold", "--italic", "--true-color", "-o", "out.gif",
-                   "-q", "--", "--odd-name"},
+                   "-q", "--sample-size=320x200", "--", "--odd-name"},
                   &line, &error),
             1)
       << error;
@@ -70,6 +70,7 @@ TEST(CommandLine, ReadsOptionsInBothForms) {
   EXPECT_EQ(line.dither, -1);
   EXPECT_EQ(line.output, "out.gif");
   EXPECT_EQ(line.quiet, 1);
+  EXPECT_EQ(line.sampleWidth * 1000 + line.sampleHeight, 320200);
   EXPECT_EQ(line.arguments, std::vector<std::string>{"--odd-name"});
 }
 
@@ -86,6 +87,10 @@ TEST(CommandLine, RejectsMalformedOptionsWithOneLine) {
       {{"effects", "--set", "=3"}, "bad value for --set: =3 (expected KEY=VALUE)"},
       {{"effects", "--control", "x=1"}, "bad value for --control: x=1 (expected ID=VALUE)"},
       {{"effects", "--dither=1"}, "option takes no value: --dither"},
+      {{"preview", "--sample-size", "300x"},
+       "bad value for --sample-size: 300x (expected WIDTHxHEIGHT)"},
+      {{"preview", "--sample-size=0x10"},
+       "bad value for --sample-size: 0x10 (expected WIDTHxHEIGHT)"},
   };
   for (const auto& c : cases) {
     CommandLine line;
