@@ -109,6 +109,64 @@ TEST(Gm5Render, DefaultAnimationGifMatchesTheBuildAndTheSample) {
   png_image_free(&picture);
 }
 
+// The keyed builds of a custom palette, decoded with giflib: a Transparent build marks its key in
+// every frame and clears each frame after it is shown; a supercompressed one marks the unchanged
+// pixels from the second frame on and keeps every frame, so that drawn in order it shows the
+// plain build's frames.
+TEST(Gm5Render, TransparentAndSupercompressedGifsKeyEachFrame) {
+  RenderScratch scratch;
+  auto render = [&](const char* name, const char* option, HostFile* built) {
+    const std::string path = scratch.Path(name);
+    std::string error;
+    std::vector<const char*> args = {"render", "--defaults", "--custom-palette", "-o",
+                                     path.c_str()};
+    if (option) args.push_back(option);
+    EXPECT_EQ(RenderAnimation(Line(args, &error), &error, built), 1) << error;
+    int code = 0;
+    GifFileType* gif = DGifOpenFileName(path.c_str(), &code);
+    if (gif && DGifSlurp(gif) != GIF_OK) DGifCloseFile(gif, &code), gif = nullptr;
+    return gif;
+  };
+  HostFile plainFile, keyedFile, superFile;
+  GifFileType* plain = render("plain.gif", nullptr, &plainFile);
+  GifFileType* keyed = render("keyed.gif", "--transparent", &keyedFile);
+  GifFileType* super = render("super.gif", "--supercompress", &superFile);
+  ASSERT_TRUE(plain && keyed && super);
+  ASSERT_GT(plain->ImageCount, 1);
+  ASSERT_EQ(keyed->ImageCount, plain->ImageCount);
+  ASSERT_EQ(super->ImageCount, plain->ImageCount);
+  const size_t pixels = static_cast<size_t>(plain->SWidth) * plain->SHeight;
+  std::vector<GifColorType> shown(pixels);
+  for (int i = 0; i < plain->ImageCount; ++i) {
+    GraphicsControlBlock k, s;
+    ASSERT_EQ(DGifSavedExtensionToGCB(keyed, i, &k), GIF_OK);
+    ASSERT_EQ(DGifSavedExtensionToGCB(super, i, &s), GIF_OK);
+    EXPECT_GE(k.TransparentColor, 0) << i;
+    EXPECT_EQ(k.TransparentColor, keyedFile.frames[i].transparentIndex) << i;
+    EXPECT_EQ(k.DisposalMode, DISPOSE_BACKGROUND) << i;
+    EXPECT_EQ(s.TransparentColor >= 0, i > 0) << i;
+    EXPECT_EQ(s.TransparentColor, superFile.frames[i].transparentIndex) << i;
+    EXPECT_EQ(s.DisposalMode, DISPOSE_DO_NOT) << i;
+    const SavedImage &f = super->SavedImages[i], &p = plain->SavedImages[i];
+    ASSERT_EQ(static_cast<size_t>(f.ImageDesc.Width) * f.ImageDesc.Height, pixels);
+    ASSERT_EQ(static_cast<size_t>(p.ImageDesc.Width) * p.ImageDesc.Height, pixels);
+    const ColorMapObject* superColours =
+        f.ImageDesc.ColorMap ? f.ImageDesc.ColorMap : super->SColorMap;
+    const ColorMapObject* plainColours =
+        p.ImageDesc.ColorMap ? p.ImageDesc.ColorMap : plain->SColorMap;
+    size_t differ = 0;
+    for (size_t j = 0; j < pixels; ++j) {
+      if (f.RasterBits[j] != s.TransparentColor) shown[j] = superColours->Colors[f.RasterBits[j]];
+      const GifColorType& want = plainColours->Colors[p.RasterBits[j]];
+      differ +=
+          shown[j].Red != want.Red || shown[j].Green != want.Green || shown[j].Blue != want.Blue;
+    }
+    EXPECT_EQ(differ, 0u) << "frame " << i;
+  }
+  int code = 0;
+  for (GifFileType* gif : {plain, keyed, super}) DGifCloseFile(gif, &code);
+}
+
 TEST(Gm5Render, AlphaBuildToWebpKeepsItsFramesAndAlpha) {
   RenderScratch scratch;
   const std::string webp = scratch.Path("alpha.webp");
@@ -168,6 +226,8 @@ TEST(Gm5Render, FailuresSayWhyAndLeaveNothing) {
       {{"render", "--true-color", "-o", out.c_str()},
        "a GIF cannot hold a --true-color build: " + out + " (use .webp)"},
       {{"render"}, "render needs an output: -o OUT"},
+      // The engine's own message, shown during the build, ends the run as the line's reason.
+      {{"render", "--text", "", "-o", out.c_str()}, "the build failed: Memory error"},
       {{"preview", "-o", webp.c_str()},
        "unknown output type: " + webp + " (a sample is written as .png)"},
   };
