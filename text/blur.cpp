@@ -145,7 +145,7 @@ void BlurColumns(const double* kernel, int32_t taps, const uint8_t* from, uint8_
       const uint8_t* s = row(from, i - half + k);
       for (int32_t b = lo; b < hi; ++b) sums[b] += w * s[b];
     }
-    uint8_t* t = const_cast<uint8_t*>(row(to, i));
+    uint8_t* t = to + static_cast<size_t>(height - 1 - i) * stride;
     if (firstTap == 0 && lastTap == taps) {
       for (int32_t b = lo; b < hi; ++b)
         t[b] = static_cast<uint8_t>(static_cast<int32_t>(sums[b] + 0.5));
