@@ -26,7 +26,10 @@ struct CommandLine {
   int hasText = 0;
   std::string text;
   std::string font;
-  int32_t size = 0;                // --size, 0 when not given
+  int32_t size = 0;  // --size, 0 when not given
+  // --sample-size WxH: the sample area preview hands the effect. The default is the main dialog's
+  // sample button, 300 by 170 dialog units at the dialog font's 6 by 13 base units.
+  int32_t sampleWidth = 450, sampleHeight = 276;
   int32_t bold = -1, italic = -1;  // -1 not given, else 0 or 1
   // --true-color, --custom-palette, --dither, --transparent, --supercompress, --alpha, and their
   // --no- forms: -1 not given, else 0 or 1.

@@ -21,7 +21,6 @@
 
 namespace {
 
-
 // Owns, for the length of one command, the drawing layer's start-up, the run dialog and the
 // message echo being off.
 struct RunDialog {
@@ -108,6 +107,8 @@ int RenderPreview(const CommandLine& line, std::string* error) {
   BuildContext context{};
   context.dialog = run.dialog;
   context.sample = 1;
+  context.sampleWidth = line.sampleWidth;
+  context.sampleHeight = line.sampleHeight;
   RecordShownMessage("");
   const int32_t row = DialogGetSelection(DialogItem(run.dialog, kIdEffect));
   if (!RunEffectPreview(row, &context)) return *error = EngineFailure("the preview failed"), 0;

@@ -43,6 +43,7 @@ int ReadFrameSettings(WindowHandle dialog, const FramePageIds* ids, int32_t samp
   t.outlineEnabled = Checked(dialog, ids->outlineEnable);
   t.shadowEnabled = Checked(dialog, ids->shadowEnable);
   t.shadowOffset = ReadDlgValue(dialog, ids->shadowOffset);
+  t.useGlyphCache = 1;  // the shadow, fill and outline masks draw each glyph once
   settings->alphaTransparency = Checked(dialog, kIdAlphaTransparency);
   settings->alphaBackground = Checked(dialog, kIdAlphaBackground);
   const int32_t* grey = SettingInteger("AlphaGreyBack");

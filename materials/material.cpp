@@ -67,9 +67,7 @@ MovableHandle MaterialFill(Material* material, int32_t width, int32_t height) {
     case kMaterialSimple: {
       ScopedLock pixels(image.handle);
       if (!pixels) return nullptr;
-      for (int32_t y = 0; y < height; ++y)
-        for (int32_t x = 0; x < width; ++x)
-          WriteDibPixel(pixels.bytes, x, y, material->solidColour);
+      FillRows24(pixels.bytes, material->solidColour);
       return image.Release();
     }
     case kMaterialGradient:

@@ -1,6 +1,6 @@
-// The Gaussian and box blurs. Lines are convolved straight in the picture's rows (8-bit and 24-bit
-// rows hold their pixels contiguously) and columns through two line buffers; every sum runs over
-// the taps in ascending order so that the doubles round the same way on every platform.
+// The Gaussian and box blurs. Rows are convolved straight in the picture (8-bit and 24-bit rows
+// hold their pixels contiguously), columns a row of outputs at a time; every sum runs over the taps
+// in ascending order so that the doubles round the same way on every platform.
 #include "text/blur.h"
 
 #include <cmath>
@@ -53,32 +53,106 @@ void ConvolveEdge(const double* kernel, int32_t taps, const uint8_t* source, uin
   }
 }
 
-// One line of `channels` interleaved channels; see ConvolveLine8. The middle run is done a block
-// of outputs at a time, tap by tap across the block: every output still adds its products in tap
-// order, so the bytes are those of one output at a time, and the block loop vectorises.
-void ConvolveLine(const double* kernel, int32_t taps, const uint8_t* source, uint8_t* target,
-                  int32_t length, int32_t channels) {
-  if (taps > length) return;
+// Outputs `from` to `to` of one line of `channels` interleaved channels; see ConvolveLine8. The
+// middle run is done a block of outputs at a time, tap by tap across the block: every output still
+// adds its products in tap order, so the bytes are those of one output at a time, and the block
+// loop vectorises.
+void ConvolveRange(const double* kernel, int32_t taps, const uint8_t* source, uint8_t* target,
+                   int32_t length, int32_t channels, int32_t from, int32_t to) {
   const int32_t half = taps / 2;
-  for (int32_t i = 0; i < half; ++i)
+  const int32_t middleFrom = from > half ? from : half;
+  const int32_t middleTo = to < length - half ? to : length - half;
+  for (int32_t i = from; i < to && i < half; ++i)
     ConvolveEdge(kernel, taps, source, target, length, channels, i);
   constexpr int32_t kBlock = 240;  // a multiple of three channels
   double sums[kBlock];
-  const int32_t begin = half * channels, end = (length - half) * channels;
+  const int32_t begin = middleFrom * channels, end = middleTo * channels;
   for (int32_t j0 = begin; j0 < end; j0 += kBlock) {
     const int32_t n = end - j0 < kBlock ? end - j0 : kBlock;
     for (int32_t t = 0; t < n; ++t) sums[t] = 0.0;
     for (int32_t k = 0; k < taps; ++k) {
       const double w = kernel[k];
-      const uint8_t* s = source + (j0 - begin) + k * channels;
+      const uint8_t* s = source + (j0 - half * channels) + k * channels;
       for (int32_t t = 0; t < n; ++t) sums[t] += w * s[t];
     }
     for (int32_t t = 0; t < n; ++t) {
       target[j0 + t] = static_cast<uint8_t>(static_cast<int32_t>(sums[t] + 0.5));
     }
   }
-  for (int32_t i = length - half; i < length; ++i) {
+  for (int32_t i = length - half > from ? length - half : from; i < to; ++i) {
     ConvolveEdge(kernel, taps, source, target, length, channels, i);
+  }
+}
+
+void ConvolveLine(const double* kernel, int32_t taps, const uint8_t* source, uint8_t* target,
+                  int32_t length, int32_t channels) {
+  if (taps > length) return;
+  ConvolveRange(kernel, taps, source, target, length, channels, 0, length);
+}
+
+// The bytes [first, last) of a run that are not 0, as last <= first when none is.
+void NonZeroSpan(const uint8_t* bytes, int32_t count, int32_t* first, int32_t* last) {
+  int32_t a = 0, b = count;
+  while (a < count && !bytes[a]) ++a;
+  while (b > a && !bytes[b - 1]) --b;
+  *first = a;
+  *last = b;
+}
+
+// The row pass of the blur on one row, `from` into `to` (which holds a copy of `from`). An output
+// whose taps all fall on zero bytes is 0 in the middle and at the edges alike (the half over a
+// weight above a half truncates to 0), so only the outputs within reach of a nonzero byte are
+// computed; the others already hold the 0 of their own source byte.
+void BlurRow(const double* kernel, int32_t taps, const uint8_t* from, uint8_t* to, int32_t width,
+             int32_t channels) {
+  int32_t first, last;
+  NonZeroSpan(from, width * channels, &first, &last);
+  if (last <= first) return;
+  const int32_t half = taps / 2;
+  const int32_t lo = first / channels - half, hi = (last - 1) / channels + half + 1;
+  ConvolveRange(kernel, taps, from, to, width, channels, lo > 0 ? lo : 0, hi < width ? hi : width);
+}
+
+// The column pass, done a whole row of outputs at a time: output row i (counted from the top) adds
+// the taps' source rows in tap order for each byte, which is each column's own convolution, with
+// the same edge renormalisation. Bytes beyond reach of any nonzero byte stay as `to` holds them:
+// the row pass, 0 there as well. `spans` holds each source row's nonzero bytes (2 per row), and
+// `sums` one double per byte of a row.
+void BlurColumns(const double* kernel, int32_t taps, const uint8_t* from, uint8_t* to,
+                 int32_t height, size_t stride, int32_t rowBytes, int32_t* spans, double* sums) {
+  const int32_t half = taps / 2;
+  auto row = [&](const uint8_t* base, int32_t topDown) {
+    return base + static_cast<size_t>(height - 1 - topDown) * stride;
+  };
+  for (int32_t y = 0; y < height; ++y)
+    NonZeroSpan(row(from, y), rowBytes, &spans[2 * y], &spans[2 * y + 1]);
+  for (int32_t i = 0; i < height; ++i) {
+    const int32_t firstTap = i < half ? half - i : 0;
+    const int32_t lastTap = i >= height - half ? half - i + height : taps;
+    int32_t lo = rowBytes, hi = 0;
+    for (int32_t k = firstTap; k < lastTap; ++k) {
+      const int32_t* span = &spans[2 * (i - half + k)];
+      if (span[1] <= span[0]) continue;
+      if (span[0] < lo) lo = span[0];
+      if (span[1] > hi) hi = span[1];
+    }
+    if (hi <= lo) continue;
+    for (int32_t b = lo; b < hi; ++b) sums[b] = 0.0;
+    double weights = 0.0;
+    for (int32_t k = firstTap; k < lastTap; ++k) {
+      const double w = kernel[k];
+      weights += w;
+      const uint8_t* s = row(from, i - half + k);
+      for (int32_t b = lo; b < hi; ++b) sums[b] += w * s[b];
+    }
+    uint8_t* t = to + static_cast<size_t>(height - 1 - i) * stride;
+    if (firstTap == 0 && lastTap == taps) {
+      for (int32_t b = lo; b < hi; ++b)
+        t[b] = static_cast<uint8_t>(static_cast<int32_t>(sums[b] + 0.5));
+    } else {
+      for (int32_t b = lo; b < hi; ++b)
+        t[b] = static_cast<uint8_t>(static_cast<int32_t>((sums[b] + 0.5) / weights));
+    }
   }
 }
 
@@ -108,39 +182,39 @@ MovableHandle GaussianBlur(MovableHandle image, int32_t reach, int32_t sigmaTent
   const size_t bitsOffset = DibBits(source.bytes) - source.bytes;
   if (width < 0 || height < 0 || bitsOffset + stride * height > MovableSize(image)) return nullptr;
 
+  const int32_t rowBytes = width * channels;
   ScopedBlock result(CopyMovableBlock(image));
-  ScopedBlock lines(MovableAlloc(static_cast<size_t>(height) * 3 * 2 + 1));
-  if (!result.handle || !lines.handle) return nullptr;
+  ScopedBlock work(MovableAlloc(static_cast<size_t>(height) * 2 * sizeof(int32_t) +
+                                static_cast<size_t>(rowBytes) * sizeof(double) + 1));
+  if (!result.handle || !work.handle) return nullptr;
   MovableHandle kernelHandle = nullptr;
   const int32_t taps = MakeGaussianKernel(2 * static_cast<int32_t>(std::ceil(20.0)) + 1,
                                           sigmaTenths / 10.0, &kernelHandle);
   ScopedBlock kernelBlock(kernelHandle);
   ScopedLock kernelLock(kernelHandle);
   ScopedLock target(result.handle);
-  ScopedLock buffers(lines.handle);
+  ScopedLock buffers(work.handle);
   if (!taps || !kernelLock || !target || !buffers) return nullptr;
   const double* kernel = reinterpret_cast<const double*>(kernelLock.bytes);
   uint8_t* from = source.bytes + bitsOffset;
   uint8_t* to = target.bytes + bitsOffset;
 
-  for (int32_t row = 0; row < height; ++row) {
-    ConvolveLine(kernel, taps, from + row * stride, to + row * stride, width, channels);
+  // A line shorter than the kernel is left as it was: rows keep their pixels.
+  if (taps <= width) {
+    for (int32_t row = 0; row < height; ++row) {
+      BlurRow(kernel, taps, from + row * stride, to + row * stride, width, channels);
+    }
   }
   std::memcpy(from, to, stride * height);
 
-  // Columns run from the top row down; the second buffer is never cleared between columns, so a
-  // column too short to convolve writes out the zeroes it started with.
-  uint8_t* column = buffers.bytes;
-  uint8_t* blurred = buffers.bytes + static_cast<size_t>(height) * 3;
-  for (int32_t x = 0; x < width; ++x) {
-    for (int32_t y = 0; y < height; ++y) {
-      std::memcpy(column + y * channels, from + (height - 1 - y) * stride + x * channels, channels);
-    }
-    ConvolveLine(kernel, taps, column, blurred, height, channels);
-    for (int32_t y = 0; y < height; ++y) {
-      std::memcpy(to + (height - 1 - y) * stride + x * channels, blurred + y * channels, channels);
-    }
+  // A column too short to convolve comes out all 0.
+  if (taps > height) {
+    for (int32_t row = 0; row < height; ++row) std::memset(to + row * stride, 0, rowBytes);
+    return result.Release();
   }
+  double* sums = reinterpret_cast<double*>(buffers.bytes);
+  int32_t* spans = reinterpret_cast<int32_t*>(buffers.bytes + rowBytes * sizeof(double));
+  BlurColumns(kernel, taps, from, to, height, stride, rowBytes, spans, sums);
   return result.Release();
 }
 

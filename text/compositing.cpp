@@ -1,5 +1,6 @@
-// The layer loops and the flat/32-bit conversions. All pixel work goes through ReadDibPixel and
-// WriteDibPixel, whose all-ones reads and dropped writes outside a picture the loops rely on.
+// The layer loops and the flat/32-bit conversions. The layers walk rows straight for the usual
+// depths and sizes; everything else goes through ReadDibPixel and WriteDibPixel, whose all-ones
+// reads and dropped writes outside a picture the loops rely on.
 #include "text/compositing.h"
 
 #include <cstring>
@@ -65,6 +66,64 @@ void AddCoverage(void* plane, int32_t x, int32_t y, uint32_t coverage) {
   WriteDibPixel(plane, x, y, sum > 255 ? 255 : sum);
 }
 
+namespace {
+
+// The row pointers of the usual layer pictures: a 24-bit canvas, 8-bit masks and planes and a
+// 24-bit material picture, all of the canvas's size. The loops below walk their rows straight;
+// pictures of other depths or sizes go through the accessors, whose outside reads and dropped
+// writes the layers' definitions rely on.
+bool SameSize(const void* a, const void* b) {
+  return ImageWidth(a) == ImageWidth(b) && ImageHeight(a) == ImageHeight(b);
+}
+int32_t Depth(const void* image) {
+  return static_cast<const BitmapInfoHeader*>(image)->biBitCount;
+}
+// Row y counted from the top.
+uint8_t* RowAt(const void* image, int32_t y) {
+  const int32_t height = ImageHeight(image);
+  return DibBits(const_cast<void*>(image)) +
+         static_cast<size_t>(height - 1 - y) * DibStride(ImageWidth(image), Depth(image));
+}
+bool UsualPlane(const void* canvas, const void* plane) {
+  return !plane || (Depth(plane) == 8 && SameSize(canvas, plane));
+}
+
+// BlendPixel on one channel byte; coverage 0 keeps `under` and 255 gives `over`.
+inline uint8_t BlendByte(uint32_t under, uint32_t over, uint32_t c) {
+  return static_cast<uint8_t>(under * (255 - c) / 255 + over * c / 255);
+}
+
+// Blends `count` pixels of `over` (three bytes each, or one flat colour's bytes when `step` is 0)
+// onto a 24-bit row by the coverage bytes, and adds the coverage to a plane row when one is given.
+void BlendRow(uint8_t* row, const uint8_t* over, int32_t step, const uint8_t* coverage,
+              uint8_t* plane, int32_t count) {
+  for (int32_t x = 0; x < count; ++x, over += step) {
+    const uint32_t c = coverage[x];
+    if (!c) continue;
+    uint8_t* p = row + static_cast<size_t>(x) * 3;
+    if (c == 255) {
+      p[0] = over[0], p[1] = over[1], p[2] = over[2];
+    } else {
+      p[0] = BlendByte(p[0], over[0], c);
+      p[1] = BlendByte(p[1], over[1], c);
+      p[2] = BlendByte(p[2], over[2], c);
+    }
+    if (plane) {
+      const uint32_t sum = plane[x] + c;
+      plane[x] = static_cast<uint8_t>(sum > 255 ? 255 : sum);
+    }
+  }
+}
+
+void AddCoverageRow(uint8_t* plane, const uint8_t* coverage, int32_t count) {
+  for (int32_t x = 0; x < count; ++x) {
+    const uint32_t sum = plane[x] + coverage[x];
+    plane[x] = static_cast<uint8_t>(sum > 255 ? 255 : sum);
+  }
+}
+
+}  // namespace
+
 void CompositeShadowLayer(void* canvas, void* alphaPlane, const void* mask,
                           const void* shadowPicture, int32_t shadowX, int32_t shadowY) {
   const int32_t width = ImageWidth(mask), height = ImageHeight(mask);
@@ -72,6 +131,20 @@ void CompositeShadowLayer(void* canvas, void* alphaPlane, const void* mask,
   // Only the part of the window on the canvas can change anything: writes elsewhere are dropped.
   const int32_t xEnd = shadowX + width < canvasWidth ? shadowX + width : canvasWidth;
   const int32_t yEnd = shadowY + height < canvasHeight ? shadowY + height : canvasHeight;
+  if (Depth(canvas) == 24 && Depth(mask) == 8 && Depth(shadowPicture) == 24 &&
+      SameSize(canvas, mask) && SameSize(canvas, shadowPicture) && UsualPlane(canvas, alphaPlane)) {
+    const int32_t x0 = shadowX > 0 ? shadowX : 0, y0 = shadowY > 0 ? shadowY : 0;
+    for (int32_t y = y0; y < yEnd && x0 < xEnd; ++y) {
+      const uint8_t* m = RowAt(mask, y) + x0;
+      if (alphaPlane) {
+        AddCoverageRow(RowAt(alphaPlane, y) + x0, m, xEnd - x0);
+      } else {
+        const uint8_t* over = RowAt(shadowPicture, y - shadowY) + (x0 - shadowX) * 3;
+        BlendRow(RowAt(canvas, y) + x0 * 3, over, 3, m, nullptr, xEnd - x0);
+      }
+    }
+    return;
+  }
   for (int32_t y = shadowY; y < yEnd; ++y) {
     for (int32_t x = shadowX; x < xEnd; ++x) {
       const uint32_t m = ReadDibPixel(mask, x, y) & 0xFF;
@@ -91,6 +164,14 @@ void CompositeFillLayer(void* canvas, void* alphaPlane, const void* mask, const 
   if (ImageWidth(fillPicture) < width) width = ImageWidth(fillPicture);
   if (ImageHeight(canvas) < height) height = ImageHeight(canvas);
   if (ImageHeight(fillPicture) < height) height = ImageHeight(fillPicture);
+  if (Depth(canvas) == 24 && Depth(mask) == 8 && Depth(fillPicture) == 24 &&
+      UsualPlane(canvas, alphaPlane)) {
+    for (int32_t y = 0; y < height; ++y) {
+      BlendRow(RowAt(canvas, y), RowAt(fillPicture, y), 3, RowAt(mask, y),
+               alphaPlane ? RowAt(alphaPlane, y) : nullptr, width);
+    }
+    return;
+  }
   for (int32_t y = 0; y < height; ++y) {
     for (int32_t x = 0; x < width; ++x) {
       const uint32_t m = ReadDibPixel(mask, x, y) & 0xFF;
@@ -105,6 +186,16 @@ void CompositeOutlineLayer(void* canvas, void* alphaPlane, const void* ring, uin
   int32_t width = ImageWidth(canvas), height = ImageHeight(canvas);
   if (ImageWidth(ring) - 1 < width) width = ImageWidth(ring) - 1;
   if (ImageHeight(ring) < height) height = ImageHeight(ring);
+  if (Depth(canvas) == 24 && Depth(ring) == 8 && UsualPlane(canvas, alphaPlane)) {
+    // The flat colour in the canvas's byte order, blue first.
+    const uint8_t bytes[3] = {static_cast<uint8_t>(colour >> 16), static_cast<uint8_t>(colour >> 8),
+                              static_cast<uint8_t>(colour)};
+    for (int32_t y = 0; y < height; ++y) {
+      BlendRow(RowAt(canvas, y), bytes, 0, RowAt(ring, y) + 1,
+               alphaPlane ? RowAt(alphaPlane, y) : nullptr, width);
+    }
+    return;
+  }
   for (int32_t y = 0; y < height; ++y) {
     for (int32_t x = 0; x < width; ++x) {
       const uint32_t m = ReadDibPixel(ring, x + 1, y) & 0xFF;

@@ -77,6 +77,17 @@ int CopyImageRect(MovableHandle target, int32_t targetX, int32_t targetY, Movabl
   return 1;
 }
 
+void FillRows24(void* picture, uint32_t colour) {
+  const BitmapInfoHeader* h = static_cast<const BitmapInfoHeader*>(picture);
+  const int32_t width = h->biWidth, height = h->biHeight;
+  if (width < 1 || height < 1) return;
+  const size_t stride = DibStride(width, 24);
+  uint8_t* bits = DibBits(picture);
+  uint8_t* first = bits + (height - 1) * stride;  // the top row
+  for (int32_t x = 0; x < width; ++x) WriteDibPixel(picture, x, 0, colour);
+  for (int32_t y = 0; y < height - 1; ++y) std::memcpy(bits + y * stride, first, width * 3);
+}
+
 int FillImageRect(MovableHandle image, int32_t width, int32_t height, uint32_t colour) {
   ScopedLock lock(image);
   if (!CheckedHeader(lock)) return 1;

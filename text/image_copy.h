@@ -18,6 +18,9 @@ int CopyImageRect(MovableHandle target, int32_t targetX, int32_t targetY, Movabl
 
 // Sets the top-left width by height pixels of `image` to `colour`. Returns 1.
 int FillImageRect(MovableHandle image, int32_t width, int32_t height, uint32_t colour);
+// Sets every pixel of a locked 24-bit picture (its header, as CreatePackedDib made it) to
+// `colour`, a pixel value as WriteDibPixel takes it, one row built and copied to the others.
+void FillRows24(void* picture, uint32_t colour);
 
 // New pictures of the same size moved by `distance` rows or columns, what leaves one edge coming
 // back at the other: RollDown brings the bottom rows to the top, RollRight the rightmost columns

@@ -9,6 +9,7 @@
 #include "shell/packed_dib.h"
 #include "text/compositing.h"
 #include "text/drawing_layer.h"
+#include "text/image_copy.h"
 #include "platform/font.h"
 
 namespace {
@@ -328,8 +329,6 @@ MovableHandle FilledImage(int32_t left, int32_t top, int32_t right, int32_t bott
   ScopedBlock image(CreatePackedDib(width, height, nullptr, 24));
   ScopedLock lock(image.handle);
   if (!lock) return nullptr;
-  for (int32_t y = 0; y < height; ++y) {
-    for (int32_t x = 0; x < width; ++x) WriteDibPixel(lock.bytes, x, y, colour);
-  }
+  FillRows24(lock.bytes, colour);
   return image.Release();
 }

@@ -25,7 +25,7 @@ struct DefaultSimple {
     fill.solidColour = 0xBD7E40;
     shadow.solidColour = 0x7F7F7F;
     background.solidColour = 0xFFFFFF;
-    settings.text = {"This space for rent...", "Impact", 92, 1, 0, 1, 90, 0, 20, 1, 1, 4, 0};
+    settings.text = {"This space for rent...", "Impact", 92, 1, 0, 1, 90, 0, 20, 1, 1, 4, 1};
     settings.fillOpacity = 255;
     settings.shadowOpacity = 255;
     settings.shadowDirection = 7;

@@ -103,6 +103,56 @@ TEST(Layers, FillIsAnchoredToTheCanvasAndOutlineReadsOneColumnRight) {
   for (MovableHandle h : {canvas, fill, mask, plane, ring, flat, alpha}) MovableFree(h);
 }
 
+TEST(Layers, RowLoopsMatchThePixelDefinitionOnRandomPictures) {
+  // Canvas-sized pictures (walked row by row) against the per-pixel definition, with the shadow
+  // window off every side of the canvas and a ring four columns wider.
+  const int w = 37, h = 9;
+  for (int shift : {-5, 0, 3}) {
+    for (int withPlane : {0, 1}) {
+      MovableHandle canvas = RandomImage(w, h, 24, 1), expected = RandomImage(w, h, 24, 1);
+      MovableHandle plane = RandomImage(w, h, 8, 2), expectedPlane = RandomImage(w, h, 8, 2);
+      MovableHandle mask = RandomImage(w, h, 8, 3), picture = RandomImage(w, h, 24, 4);
+      MovableHandle ring = RandomImage(w + 4, h, 8, 5);
+      {
+        ScopedLock c(canvas), p(plane), m(mask), s(picture), r(ring), e(expected),
+            ep(expectedPlane);
+        void* pl = withPlane ? p.bytes : nullptr;
+        CompositeShadowLayer(c.bytes, pl, m.bytes, s.bytes, shift, -shift);
+        CompositeFillLayer(c.bytes, pl, m.bytes, s.bytes);
+        CompositeOutlineLayer(c.bytes, pl, r.bytes, 0x00406080);
+        auto add = [&](int x, int y, uint32_t v) {
+          const uint32_t sum = ReadDibPixel(ep.bytes, x, y) + v;
+          WriteDibPixel(ep.bytes, x, y, sum > 255 ? 255 : sum);
+        };
+        for (int y = 0; y < h; ++y)
+          for (int x = 0; x < w; ++x) {
+            const int sx = x - shift, sy = y + shift;
+            if (sx < 0 || sy < 0 || sx >= w || sy >= h) continue;
+            const uint32_t v = ReadDibPixel(m.bytes, x, y);
+            if (withPlane)
+              add(x, y, v);
+            else
+              WriteDibPixel(
+                  e.bytes, x, y,
+                  BlendPixel(ReadDibPixel(e.bytes, x, y), ReadDibPixel(s.bytes, sx, sy), v));
+          }
+        for (int y = 0; y < h; ++y)
+          for (int x = 0; x < w; ++x) {
+            const uint32_t v = ReadDibPixel(m.bytes, x, y), o = ReadDibPixel(r.bytes, x + 1, y);
+            uint32_t pixel =
+                BlendPixel(ReadDibPixel(e.bytes, x, y), ReadDibPixel(s.bytes, x, y), v);
+            WriteDibPixel(e.bytes, x, y, BlendPixel(pixel, 0x00406080, o));
+            if (withPlane) add(x, y, v), add(x, y, o);
+          }
+      }
+      EXPECT_TRUE(SameBlocks(canvas, expected)) << shift << " " << withPlane;
+      EXPECT_TRUE(SameBlocks(plane, expectedPlane)) << shift << " " << withPlane;
+      for (MovableHandle m : {canvas, expected, plane, expectedPlane, mask, picture, ring})
+        MovableFree(m);
+    }
+  }
+}
+
 TEST(Conversions, FlattenExpandAndAlpha) {
   MovableHandle argb = CreatePackedDib32(2, 1);
   {
