@@ -11,6 +11,5 @@ TEST(MaterialButton, EffectsFindTheRecordThroughTheButton) {
   EXPECT_EQ(m->solidColour, 0xBD7E40u);
   EXPECT_EQ(MovableUnlock(ButtonMaterialHandle(fill)), 0) << "one lock, released by the caller";
   EXPECT_EQ(MaterialForButton(DialogAddControl(dialog, 102, kControlMaterialButton, "")), nullptr);
-  FreeButtonMaterial(ButtonMaterialHandle(fill));
   DialogDestroy(dialog);
 }
