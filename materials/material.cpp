@@ -32,6 +32,13 @@ constexpr size_t kTextureRectOffset = 4;  // after the texture's type
 
 }  // namespace
 
+void FreeMaterialImages(Material* material) {
+  MovableFree(material->preview);
+  MovableFree(material->tileImage);
+  material->preview = nullptr;
+  material->tileImage = nullptr;
+}
+
 MovableHandle CentredCrop(MovableHandle square, int32_t width, int32_t height) {
   int32_t side, depth;
   uint8_t table[kPaletteBytes] = {};

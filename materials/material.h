@@ -65,6 +65,9 @@ static_assert(offsetof(Material, reserved2) == 1254);
 // gradient, the seven-colour marker list, no tile. The texture record is left zero.
 void InitMaterial(Material* material);
 
+// Frees the record's run-time pictures, `preview` and `tileImage`, and clears them.
+void FreeMaterialImages(Material* material);
+
 // The centred width by height part of a square picture (a texture is always generated square): a
 // new picture of the same depth and colour table, from max((side - width) / 2, 0) and
 // max((side - height) / 2, 0). Null when memory fails; `square` is left alone.

@@ -22,13 +22,8 @@ void FreeButtonMaterial(MovableHandle material) {
   if (!material) return;
   {
     ScopedLock lock(material);
-    if (lock && MovableSize(material) >= kMaterialSize) {
-      Material* record = reinterpret_cast<Material*>(lock.bytes);
-      MovableFree(record->tileImage);
-      MovableFree(record->preview);
-      record->tileImage = nullptr;
-      record->preview = nullptr;
-    }
+    if (lock && MovableSize(material) >= kMaterialSize)
+      FreeMaterialImages(reinterpret_cast<Material*>(lock.bytes));
   }
   MovableFree(material);
 }

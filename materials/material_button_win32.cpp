@@ -13,6 +13,7 @@
 #include "materials/material_button.h"
 #include "materials/material_file.h"
 #include "shell/paint_dib_win32.h"
+#include "platform/win32/code_module_win32.h"
 
 namespace {
 
@@ -259,11 +260,7 @@ HINSTANCE g_classInstance = nullptr;
 
 int RegisterMaterialButtonClass() {
   if (g_classInstance) return 1;
-  HINSTANCE instance = nullptr;
-  // The module holding this code: the plug-in library, or a test program.
-  GetModuleHandleExA(
-      GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-      reinterpret_cast<LPCSTR>(&MaterialButtonProc), &instance);
+  HINSTANCE instance = CodeModule();
   WNDCLASSA c = {};
   c.style = CS_GLOBALCLASS | CS_HREDRAW | CS_VREDRAW;
   c.lpfnWndProc = MaterialButtonProc;

@@ -118,10 +118,7 @@ int SaveButtonMaterial(int32_t controlId, MovableHandle material) {
     ScopedLock lock(material);
     if (lock && MovableSize(material) >= kMaterialSize) {
       Material* record = reinterpret_cast<Material*>(lock.bytes);
-      MovableFree(record->preview);
-      MovableFree(record->tileImage);
-      record->preview = nullptr;
-      record->tileImage = nullptr;
+      FreeMaterialImages(record);
       MaterialToFileForm(record, form);
       held = 1;
     }

@@ -9,19 +9,11 @@
 #include "materials/material_button.h"
 #include "materials/material_button_win32.h"
 #include "platform/dialog.h"
+#include "platform/win32/code_module_win32.h"
 
 namespace {
 
 constexpr int kComboDropHeight = 200;  // room below a combo box for its list
-
-// The module that holds this code and its resources: the plug-in, or a test program.
-HMODULE ThisModule() {
-  HMODULE module = nullptr;
-  GetModuleHandleExA(
-      GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-      reinterpret_cast<LPCSTR>(&ThisModule), &module);
-  return module;
-}
 
 struct CloneState {
   HWND page;     // the page being copied
@@ -89,7 +81,7 @@ int DialogClonePage(WindowHandle dialog, int32_t resourceId) {
   RegisterMaterialButtonClass();
   CloneState state = {nullptr, target,
                       reinterpret_cast<HFONT>(SendMessageA(target, WM_GETFONT, 0, 0)), 0};
-  HWND page = CreateDialogParamA(ThisModule(), MAKEINTRESOURCEA(resourceId), target, ClonePageProc,
+  HWND page = CreateDialogParamA(CodeModule(), MAKEINTRESOURCEA(resourceId), target, ClonePageProc,
                                  reinterpret_cast<LPARAM>(&state));
   if (!page) return 0;
   ShowWindow(page, SW_HIDE);

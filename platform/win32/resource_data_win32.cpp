@@ -3,22 +3,11 @@
 #include <windows.h>
 
 #include "platform/resource_data.h"
-
-namespace {
-
-HMODULE ThisModule() {
-  HMODULE module = nullptr;
-  GetModuleHandleExA(
-      GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-      reinterpret_cast<LPCSTR>(&ThisModule), &module);
-  return module;
-}
-
-}  // namespace
+#include "platform/win32/code_module_win32.h"
 
 const uint8_t* FindDataResource(int32_t id, size_t* size) {
   *size = 0;
-  HMODULE module = ThisModule();
+  HMODULE module = CodeModule();
   HRSRC found = FindResourceA(module, MAKEINTRESOURCEA(id), MAKEINTRESOURCEA(10));  // RT_RCDATA
   if (!found) return nullptr;
   HGLOBAL loaded = LoadResource(module, found);
