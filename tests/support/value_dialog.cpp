@@ -1,7 +1,6 @@
 #include "tests/support/value_dialog.h"
 
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <random>
 #include <string>
@@ -99,29 +98,24 @@ namespace {
 
 // Test programs run in parallel, one test per process: each process takes folders of its own,
 // named with a random tag, and removes them when it ends.
-std::vector<std::filesystem::path>& FoldersMade() {
-  static std::vector<std::filesystem::path> folders;
-  return folders;
-}
-
-void RemoveFoldersMade() {
-  std::error_code error;
-  for (const std::filesystem::path& folder : FoldersMade())
-    std::filesystem::remove_all(folder, error);
-}
+struct MadeFolders {
+  std::string tag = std::to_string(std::random_device()());
+  std::vector<std::filesystem::path> folders;
+  ~MadeFolders() {
+    std::error_code error;
+    for (const std::filesystem::path& folder : folders) std::filesystem::remove_all(folder, error);
+  }
+};
 
 }  // namespace
 
 std::string MakeTempFolder(const char* name) {
-  static const std::string tag = [] {
-    std::atexit(RemoveFoldersMade);
-    return std::to_string(std::random_device()());
-  }();
+  static MadeFolders made;
   std::error_code error;
   std::filesystem::path folder =
-      std::filesystem::temp_directory_path(error) / (std::string(name) + "-" + tag);
+      std::filesystem::temp_directory_path(error) / (std::string(name) + "-" + made.tag);
   std::filesystem::remove_all(folder, error);
   std::filesystem::create_directories(folder, error);
-  FoldersMade().push_back(folder);
+  made.folders.push_back(folder);
   return folder.string() + "/";
 }
