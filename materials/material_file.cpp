@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "materials/data_folder.h"
+#include "materials/material_button.h"
 
 namespace {
 
@@ -96,12 +97,10 @@ int WriteMaterialFile(const char* path, const Material* material) {
 }
 
 MovableHandle LoadButtonMaterial(int32_t controlId, uint32_t creationColour, int ignoreFile) {
-  ScopedBlock block(MovableAlloc(kMaterialSize));
+  ScopedBlock block(CreateButtonMaterial(creationColour));
   ScopedLock lock(block.handle);
   if (!lock) return nullptr;
   Material* material = reinterpret_cast<Material*>(lock.bytes);
-  InitMaterial(material);
-  material->solidColour = creationColour;
   char path[kDataPathSize];
   if (!ignoreFile && MaterialFilePath(controlId, path, sizeof path))
     ReadMaterialFile(path, material);
