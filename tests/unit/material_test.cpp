@@ -10,20 +10,6 @@
 #include "tests/support/alloc_sweep.h"
 #include "tests/support/test_images.h"
 
-TEST(Material, Defaults) {
-  Material m;
-  InitMaterial(&m);
-  EXPECT_EQ(std::memcmp(m.magic, "COBLCMAT", 8), 0);
-  EXPECT_EQ(m.size, 1282u);
-  EXPECT_EQ(m.version, 0x00040000u);
-  EXPECT_EQ(m.kind, kMaterialSimple);
-  EXPECT_EQ(m.solidColour, 0x808080u);
-  const GradientSpec expected = {kGradientLinear, 0x404040, 0xC0C0C0, 0, 0, 0, 50, 0, 0, 1};
-  EXPECT_EQ(std::memcmp(&m.gradient, &expected, sizeof expected), 0);
-  EXPECT_EQ(m.fountain.markerCount, 7u);
-  EXPECT_EQ(m.tilePath[0], 0);
-}
-
 TEST(MaterialFill, KindsGiveTwentyFourBitImagesOfTheAskedSize) {
   Material m;
   InitMaterial(&m);

@@ -48,18 +48,3 @@ TEST(PageTables, EveryKeyOfATableIsASettingOfTheRightForm) {
   for (const PageTable& page : kPageTables) check(page);
 }
 
-TEST(PageTables, ShowingAPageShowsItsControlsAndLabelsOnly) {
-  WindowHandle dialog = CreateValueDialog();
-  ASSERT_NE(dialog, nullptr);
-  ShowEffectPage(dialog, 13);  // Snow
-  EXPECT_TRUE(DialogItemVisible(DialogItem(dialog, 175)));
-  EXPECT_TRUE(DialogItemVisible(DialogItem(dialog, 176)));  // its label
-  EXPECT_TRUE(DialogItemVisible(DialogItem(dialog, 10175)));
-  EXPECT_FALSE(DialogItemVisible(DialogItem(dialog, 112)));  // Simple's Frames
-  EXPECT_FALSE(DialogItemVisible(DialogItem(dialog, 113)));
-  EXPECT_TRUE(DialogItemVisible(DialogItem(dialog, 57)));  // the main dialog's Size
-  ShowEffectPage(dialog, 12);
-  EXPECT_FALSE(DialogItemVisible(DialogItem(dialog, 176)));
-  EXPECT_TRUE(DialogItemVisible(DialogItem(dialog, 113)));
-  DialogDestroy(dialog);
-}

@@ -41,30 +41,6 @@ class Settings : public testing::Test {
 
 }  // namespace
 
-TEST_F(Settings, TableHoldsTheRowsInOrderWithTheirDefaults) {
-  EXPECT_STREQ(SettingTable[0].key, "AddDescriptiveCommentBlock");
-  EXPECT_EQ(SettingTable[0].aux, 103u);
-  EXPECT_STREQ(SettingTable[kSettingCount - 1].key, "VersionNumber");
-  int frames = 0;
-  const void* first = nullptr;
-  for (const SettingEntry& e : SettingTable)
-    if (std::strcmp(e.key, "Style002Frames") == 0) {
-      if (!frames++) first = e.value;
-      EXPECT_EQ(e.value, first);
-    }
-  EXPECT_EQ(frames, 2);
-  EXPECT_EQ(*SettingInteger("Style000ShadowColor"), 8355711);
-  EXPECT_EQ(*SettingInteger("Style001Soft"), 20);
-  EXPECT_EQ(*SettingInteger("Style002Seed"), 10651);
-  EXPECT_EQ(*SettingInteger("Style019SwellDelayFactor"), 150);
-  EXPECT_EQ(*SettingInteger("Style018Ratio"), 6);
-  EXPECT_EQ(*SettingInteger("MainEffect"), 12);
-  EXPECT_STREQ(SettingString("MainText"), "This space for rent...");
-  EXPECT_EQ(FindSetting("Style011AnimPath")->flags, kSettingString);
-  EXPECT_EQ(FindSetting("Style000OutlineEnable")->flags, kSettingBoolean);
-  EXPECT_EQ(FindSetting("Style015Mode")->flags, kSettingInteger);
-}
-
 TEST_F(Settings, SaveThenLoadGivesBackEveryReadableRow) {
   for (int i = 0; i < kSettingCount; ++i) {
     const SettingEntry& e = SettingTable[i];
