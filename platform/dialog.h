@@ -114,6 +114,3 @@ WindowHandle DialogParent(WindowHandle control);
 // message posted to the dialog and not yet taken (0 when none).
 uint32_t DialogTimerPeriod(WindowHandle dialog, int32_t timerId);
 uint32_t DialogTakePostedMessage(WindowHandle dialog);
-// Paints an owner-drawn value control of the dialog (a colour button) from its WM_DRAWITEM record,
-// for dialogs whose own procedure receives that message. 0 when the port does not paint it.
-int DialogPaintItem(WindowHandle dialog, const void* drawItem);

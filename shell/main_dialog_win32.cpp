@@ -13,6 +13,7 @@
 #include "controls/page_tables.h"
 #include "controls/value_controls.h"
 #include "documents/settings.h"
+#include "platform/win32/dialog_win32.h"
 #include "resources/resource_ids.h"
 #include "shell/about_box_win32.h"
 #include "shell/build_pipeline.h"

@@ -276,8 +276,3 @@ int DialogReadLine(WindowHandle control, const char* line) {
 void DialogNotify(WindowHandle dialog, int32_t id, int32_t notification) {
   HandleValueCommand(dialog, id, notification);
 }
-
-// Nothing is painted without a window system.
-int DialogPaintItem(WindowHandle, const void*) {
-  return 0;
-}

@@ -14,6 +14,7 @@
 #include "materials/material_button_win32.h"
 #include "platform/dialog.h"
 #include "platform/memory.h"
+#include "platform/win32/dialog_win32.h"
 #include "shell/packed_dib.h"
 
 namespace {
@@ -563,8 +564,7 @@ void DialogNotify(WindowHandle dialog, int32_t id, int32_t notification) {
                  reinterpret_cast<LPARAM>(GetDlgItem(AsWindow(dialog), id)));
 }
 
-int DialogPaintItem(WindowHandle dialog, const void* drawItem) {
-  const DRAWITEMSTRUCT* item = static_cast<const DRAWITEMSTRUCT*>(drawItem);
+int DialogPaintItem(WindowHandle dialog, const DRAWITEMSTRUCT* item) {
   if (!dialog || !item || DialogControlKind(AsHandle(item->hwndItem)) != kControlColourButton)
     return 0;
   PaintColourButton(AsWindow(dialog), item);

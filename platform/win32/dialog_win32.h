@@ -1,0 +1,11 @@
+// What the Windows dialog port offers beyond the shared dialog interface: painting its
+// owner-drawn value controls for dialogs whose own procedure receives WM_DRAWITEM.
+#pragma once
+
+#include <windows.h>
+
+#include "platform/dialog.h"
+
+// Paints an owner-drawn value control of the dialog (a colour button) from its WM_DRAWITEM
+// record. 0 when the control is not one the port paints.
+int DialogPaintItem(WindowHandle dialog, const DRAWITEMSTRUCT* drawItem);
