@@ -5,7 +5,6 @@
 #include "imaging/octree_quantiser.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstring>
 
 #include "imaging/dib_view.h"
@@ -91,32 +90,98 @@ const LevelDistances& Distances() {
   return table;
 }
 
-// The nodes a colour passes on its way down, kept from one run to the next. Neighbouring pixels
-// mostly share their upper cells, so a new colour walks down only from the first level at which
-// its bits differ from the previous colour's.
-struct ColourPath {
-  int32_t red = -1, green = -1, blue = -1;  // the previous colour; -1 forces a walk from the root
-  ColourNode* node[9];                      // node[0] is the root
+// While classifying, the running sums of each cell live in dense arrays by level and cell rather
+// than in the nodes: a colour's sums then sit a few bytes apart from its neighbours', where nodes
+// are spread over slabs in the order they were made, and the processor's caches hold far more of
+// them. Each sum sees the same additions in the same order as the node's own field would, and
+// FoldCellSums moves them into the nodes when classification ends. The tree is never deeper than
+// kIndexedDepth (a request of 256 colours gives a depth of 5, fewer give less), so a tree has at
+// most kIndexedCells nodes besides the root and never outgrows MaxColourNodes: its depth never
+// falls while classifying and a cell's node, once made, stays.
+constexpr int32_t kIndexedDepth = 5;
+constexpr size_t kIndexedCells = 8 + 64 + 512 + 4096 + 32768;
+constexpr size_t kInnerCells = 8 + 64 + 512 + 4096;  // the levels that are never the depth
+static_assert(kIndexedCells + 1 <= MaxColourNodes);
+
+struct LeafSums {
+  double error, unique, red, green, blue;
 };
 
-// The first level whose cell differs between two colours: level l looks at bit 8 - l.
-inline int32_t FirstDifferingLevel(uint32_t difference) {
-  const int32_t level = 9 - static_cast<int32_t>(std::bit_width(difference));
-  return level < 1 ? 1 : level;
+struct CellSums {
+  ColourNode** node[kIndexedDepth + 1];  // per level, 8^level cells; null where there is no node
+  double* error[kIndexedDepth];          // per level above the deepest possible one
+  LeafSums* leaf;                        // per cell at the tree's depth
+  static constexpr size_t kBytes =
+      kIndexedCells * sizeof(ColourNode*) + kInnerCells * sizeof(double) + 32768 * sizeof(LeafSums);
+  void Point(uint8_t* bytes) {
+    for (int32_t l = 1; l <= kIndexedDepth; ++l) {
+      node[l] = reinterpret_cast<ColourNode**>(bytes);
+      bytes += sizeof(ColourNode*) << (3 * l);
+    }
+    for (int32_t l = 1; l < kIndexedDepth; ++l) {
+      error[l] = reinterpret_cast<double*>(bytes);
+      bytes += sizeof(double) << (3 * l);
+    }
+    leaf = reinterpret_cast<LeafSums*>(bytes);
+  }
+};
+
+// The cell of a colour at `level`: red's top bits highest, then green's, then blue's.
+inline uint32_t CellAt(int32_t level, uint32_t red, uint32_t green, uint32_t blue) {
+  const int32_t shift = 8 - level;
+  return (red >> shift) << (2 * level) | (green >> shift) << level | (blue >> shift);
+}
+
+// Makes the nodes a colour passes through that do not exist yet, down to `depth`; a new node at
+// the depth is a new leaf, and counted. Returns 0 when memory fails.
+int MakeNodes(ColourCube* cube, CellSums* sums, int32_t depth, uint32_t red, uint32_t green,
+              uint32_t blue) {
+  ColourNode* parent = cube->root;
+  for (int32_t level = 1; level <= depth; ++level) {
+    ColourNode** entry = &sums->node[level][CellAt(level, red, green, blue)];
+    if (!*entry) {
+      const int32_t shift = 8 - level;
+      const uint32_t id = (red >> shift & 1) << 2 | (green >> shift & 1) << 1 | (blue >> shift & 1);
+      ColourNode* node =
+          NewNode(cube, parent, static_cast<uint8_t>(id), static_cast<uint8_t>(level));
+      if (!node) return 0;
+      parent->census = static_cast<uint8_t>(parent->census | 1u << id);
+      parent->child[id] = node;
+      *entry = node;
+      if (level == depth) ++cube->colours;
+    }
+    parent = *entry;
+  }
+  return 1;
+}
+
+// Moves the running sums of every cell into its node.
+void FoldCellSums(const ColourCube* cube, const CellSums* sums) {
+  for (int32_t level = 1; level <= cube->depth; ++level)
+    for (uint32_t cell = 0; cell < 1u << (3 * level); ++cell) {
+      ColourNode* node = sums->node[level][cell];
+      if (!node) continue;
+      if (level < cube->depth) {
+        node->quantiseError = sums->error[level][cell];
+        continue;
+      }
+      const LeafSums& leaf = sums->leaf[cell];
+      node->quantiseError = leaf.error;
+      node->uniqueCount = leaf.unique;
+      node->redTotal = leaf.red;
+      node->greenTotal = leaf.green;
+      node->blueTotal = leaf.blue;
+    }
 }
 
 // Classifies the runs of one row into a tree of depth `Depth`. The root's error is kept by the
 // caller in `rootError` and stored back when classification ends; it is one long chain of
-// rounded additions, so it stays in a register and its additions stay in level order.
+// rounded additions, so it stays in a register and its additions stay in level order. A leaf's
+// cell holds pixels from the moment its node is made, so an empty cell is a missing node.
 template <int32_t Depth>
-int ClassifyRow(ColourCube* cube, const LevelDistances& dist, ColourPath* path, double* rootError,
+int ClassifyRow(ColourCube* cube, const LevelDistances& dist, CellSums* sums, double* rootError,
                 const uint8_t* row, int32_t width) {
-  // Locals, so that the stores into the nodes cannot make the compiler reload them.
   double root = *rootError;
-  ColourNode* nodes[Depth + 1];
-  for (int32_t level = 0; level <= Depth; ++level) nodes[level] = path->node[level];
-  int32_t lastRed = path->red, lastGreen = path->green, lastBlue = path->blue;
-  int ok = 1;
   for (int32_t x = 0; x < width;) {
     const uint8_t* p = row + x * 3;
     int32_t end = x + 1;
@@ -125,61 +190,36 @@ int ClassifyRow(ColourCube* cube, const LevelDistances& dist, ColourPath* path, 
       ++end;
     const double count = static_cast<double>(end - x);
     x = end;
-    const int32_t red = p[2], green = p[1], blue = p[0];
-    const uint32_t difference =
-        static_cast<uint32_t>((red ^ lastRed) | (green ^ lastGreen) | (blue ^ lastBlue));
-    if (difference >> (8 - Depth)) {
-      int32_t level = FirstDifferingLevel(difference);
-      ColourNode* node = nodes[level - 1];
-      for (; level <= Depth; ++level) {
-        const int32_t shift = 8 - level;
-        const uint32_t id =
-            (red >> shift & 1) << 2 | (green >> shift & 1) << 1 | (blue >> shift & 1);
-        if (!(node->census & (1u << id))) {
-          node->census = static_cast<uint8_t>(node->census | 1u << id);
-          node->child[id] =
-              NewNode(cube, node, static_cast<uint8_t>(id), static_cast<uint8_t>(level));
-          if (!node->child[id]) {
-            ok = 0;
-            break;
-          }
-          if (level == Depth) ++cube->colours;
-        }
-        node = node->child[id];
-        nodes[level] = node;
-      }
-      if (!ok) {
-        lastRed = lastGreen = lastBlue = -1;
-        break;
-      }
-      lastRed = red, lastGreen = green, lastBlue = blue;
+    const uint32_t red = p[2], green = p[1], blue = p[0];
+    LeafSums* leaf = &sums->leaf[CellAt(Depth, red, green, blue)];
+    if (leaf->unique == 0 && !MakeNodes(cube, sums, Depth, red, green, blue)) {
+      *rootError = root;
+      return 0;
     }
     const double* square = dist.square[0];
-    for (int32_t level = 1; level <= Depth; ++level) {
+    for (int32_t level = 1; level < Depth; ++level) {
       square += 256;
-      ColourNode* node = nodes[level];
-      node->quantiseError += count * (square[red] + square[green] + square[blue]);
-      root += node->quantiseError;
+      double& error = sums->error[level][CellAt(level, red, green, blue)];
+      error += count * (square[red] + square[green] + square[blue]);
+      root += error;
     }
-    ColourNode* leaf = nodes[Depth];
-    leaf->uniqueCount += count;
-    leaf->redTotal += count * red;
-    leaf->greenTotal += count * green;
-    leaf->blueTotal += count * blue;
+    square += 256;
+    leaf->error += count * (square[red] + square[green] + square[blue]);
+    root += leaf->error;
+    leaf->unique += count;
+    leaf->red += count * red;
+    leaf->green += count * green;
+    leaf->blue += count * blue;
   }
-  for (int32_t level = 0; level <= Depth; ++level) path->node[level] = nodes[level];
-  path->red = lastRed, path->green = lastGreen, path->blue = lastBlue;
   *rootError = root;
-  return ok;
+  return 1;
 }
 
-using RowClassifier = int (*)(ColourCube*, const LevelDistances&, ColourPath*, double*,
+using RowClassifier = int (*)(ColourCube*, const LevelDistances&, CellSums*, double*,
                               const uint8_t*, int32_t);
-// By depth. A tree deep enough to outgrow MaxColourNodes is always deeper than 2, so the depth
-// never falls below 1.
-constexpr RowClassifier kRowClassifiers[9] = {nullptr,        ClassifyRow<1>, ClassifyRow<2>,
-                                              ClassifyRow<3>, ClassifyRow<4>, ClassifyRow<5>,
-                                              ClassifyRow<6>, ClassifyRow<7>, ClassifyRow<8>};
+// By depth, 2 to kIndexedDepth.
+constexpr RowClassifier kRowClassifiers[kIndexedDepth + 1] = {
+    nullptr, nullptr, ClassifyRow<2>, ClassifyRow<3>, ClassifyRow<4>, ClassifyRow<5>};
 
 // The exact colours in order of first appearance, up to 256; past that only a count of pixels.
 struct ExactColours {
@@ -229,21 +269,13 @@ struct ExactColours {
 
 // Records the exact colours of a picture, top row first, then classifies its runs, rows in
 // memory order.
-int ClassifyImage(ColourCube* cube, ExactColours* exact, const DibView& v) {
+int ClassifyImage(ColourCube* cube, ExactColours* exact, CellSums* sums, const DibView& v) {
   const LevelDistances& dist = Distances();
   exact->Scan(v);
   double rootError = cube->root->quantiseError;
-  ColourPath path;
-  path.node[0] = cube->root;
   int ok = 1;
-  for (int32_t y = 0; y < v.height && ok; ++y) {
-    if (cube->nodes > MaxColourNodes) {
-      PruneLevel(cube, cube->root);
-      --cube->depth;
-      path.red = path.green = path.blue = -1;  // the leaves it held are merged away
-    }
-    ok = kRowClassifiers[cube->depth](cube, dist, &path, &rootError, DibRow(v, y), v.width);
-  }
+  for (int32_t y = 0; y < v.height && ok; ++y)
+    ok = kRowClassifiers[cube->depth](cube, dist, sums, &rootError, DibRow(v, y), v.width);
   cube->root->quantiseError = rootError;
   return ok;
 }
@@ -504,6 +536,11 @@ int32_t QuantiseFrames(int32_t* request, uint8_t* palette, const FrameList* fram
   cube->options->colourCount = target;
   cube->options->useWeights = 1;
   ExactColours* exact = reinterpret_cast<ExactColours*>(cube->options + 1);
+  ScopedBlock sumsBlock(MovableAlloc(CellSums::kBytes));
+  ScopedLock sumsLock(sumsBlock.handle);
+  if (!sumsLock) return kQuantiseMemoryError;
+  CellSums sums;
+  sums.Point(sumsLock.bytes);
   exact->Clear();
   cube->depth = depth;
   cube->palette = palette;
@@ -529,9 +566,10 @@ int32_t QuantiseFrames(int32_t* request, uint8_t* palette, const FrameList* fram
       if (!lock || !OpenDibView(lock.bytes, MovableSize(record.image), &view) ||
           view.bitCount != 24)
         return 0;
-      if (!ClassifyImage(cube, exact, view)) return 0;
+      if (!ClassifyImage(cube, exact, &sums, view)) return 0;
     }
   }
+  FoldCellSums(cube, &sums);
 
   if (exact->count > asked) {
     const int reduced = ReduceTreeByEvents(cube, target);
