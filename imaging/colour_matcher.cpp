@@ -29,6 +29,53 @@ inline void AxisSpan(int32_t value, int32_t low, int32_t* nearest, int32_t* fart
       std::max(value > low ? value - low : low - value, value > high ? value - high : high - value);
 }
 
+// Each entry's smallest weighted distance to the cell at (lowRed, lowGreen, lowBlue), into
+// `nearest`; returns the smallest over the entries of the largest distance to the cell.
+int32_t CellDistances(const ColourMatcher* m, int32_t lowRed, int32_t lowGreen, int32_t lowBlue,
+                      int32_t* nearest) {
+#if defined(__SSE2__)
+  // Eight entries at a time; the padding copies the last entry, which changes no smallest.
+  const __m128i zero = _mm_setzero_si128();
+  const __m128i lows[3] = {_mm_set1_epi16(static_cast<int16_t>(lowRed)),
+                           _mm_set1_epi16(static_cast<int16_t>(lowGreen)),
+                           _mm_set1_epi16(static_cast<int16_t>(lowBlue))};
+  const __m128i seven = _mm_set1_epi16(7);
+  __m128i bound = _mm_set1_epi32(0x7FFFFFFF);
+  for (int32_t i = 0; i < m->count; i += 8) {
+    const int16_t* channels[3] = {m->red + i, m->green + i, m->blue + i};
+    __m128i near[3], far[3];
+    for (int32_t k = 0; k < 3; ++k) {
+      const __m128i v = _mm_load_si128(reinterpret_cast<const __m128i*>(channels[k]));
+      const __m128i low = lows[k], high = _mm_add_epi16(lows[k], seven);
+      const __m128i belowLow = _mm_sub_epi16(low, v), aboveHigh = _mm_sub_epi16(v, high);
+      near[k] = _mm_max_epi16(_mm_max_epi16(belowLow, aboveHigh), zero);
+      far[k] = _mm_max_epi16(_mm_max_epi16(belowLow, _mm_sub_epi16(v, low)),
+                             _mm_max_epi16(aboveHigh, _mm_sub_epi16(high, v)));
+    }
+    __m128i nearLow, nearHigh, farLow, farHigh;
+    WeightedSquares(near[0], near[1], near[2], &nearLow, &nearHigh);
+    WeightedSquares(far[0], far[1], far[2], &farLow, &farHigh);
+    _mm_store_si128(reinterpret_cast<__m128i*>(nearest + i), nearLow);
+    _mm_store_si128(reinterpret_cast<__m128i*>(nearest + i + 4), nearHigh);
+    bound = SmallerLanes(bound, SmallerLanes(farLow, farHigh));
+  }
+  bound = SmallerLanes(bound, _mm_shuffle_epi32(bound, _MM_SHUFFLE(1, 0, 3, 2)));
+  bound = SmallerLanes(bound, _mm_shuffle_epi32(bound, _MM_SHUFFLE(2, 3, 0, 1)));
+  return _mm_cvtsi128_si32(bound);
+#else
+  int32_t bound = 0x7FFFFFFF;
+  for (int32_t i = 0; i < m->count; ++i) {
+    int32_t nr, fr, ng, fg, nb, fb;
+    AxisSpan(m->red[i], lowRed, &nr, &fr);
+    AxisSpan(m->green[i], lowGreen, &ng, &fg);
+    AxisSpan(m->blue[i], lowBlue, &nb, &fb);
+    nearest[i] = 3 * nr * nr + 4 * ng * ng + 2 * nb * nb;
+    bound = std::min(bound, 3 * fr * fr + 4 * fg * fg + 2 * fb * fb);
+  }
+  return bound;
+#endif
+}
+
 int GrowPool(ColourMatcher* m) {
   const uint32_t size = m->poolSize * 2;
   MovableUnlock(m->poolBlock);
@@ -49,16 +96,8 @@ uint32_t ListCell(ColourMatcher* m, int32_t cell) {
   const int32_t lowRed = (cell & 31) << 3;
   const int32_t lowGreen = (cell >> 5 & 31) << 3;
   const int32_t lowBlue = (cell >> 10) << 3;
-  int32_t nearest[256];
-  int32_t bound = 0x7FFFFFFF;
-  for (int32_t i = 0; i < m->count; ++i) {
-    int32_t nr, fr, ng, fg, nb, fb;
-    AxisSpan(m->red[i], lowRed, &nr, &fr);
-    AxisSpan(m->green[i], lowGreen, &ng, &fg);
-    AxisSpan(m->blue[i], lowBlue, &nb, &fb);
-    nearest[i] = 3 * nr * nr + 4 * ng * ng + 2 * nb * nb;
-    bound = std::min(bound, 3 * fr * fr + 4 * fg * fg + 2 * fb * fb);
-  }
+  alignas(16) int32_t nearest[256];
+  const int32_t bound = CellDistances(m, lowRed, lowGreen, lowBlue, nearest);
   uint8_t chosen[256];
   int32_t length = 0;
   int32_t best = 0x7FFFFFFF;
@@ -107,11 +146,16 @@ int OpenColourMatcher(ColourMatcher* m, const uint8_t* palette, int32_t count) {
     m->green[i] = palette[i * 3 + 1];
     m->blue[i] = palette[i * 3 + 2];
   }
+  for (int32_t i = m->count; i < ((m->count + 7) & ~7); ++i) {
+    m->red[i] = m->red[m->count - 1];
+    m->green[i] = m->green[m->count - 1];
+    m->blue[i] = m->blue[m->count - 1];
+  }
   m->poolUsed = 0;
   m->poolSize = kInitialPool;
-  // Cell records, recent colours, recent indices, then the coarse table.
+  // Cell records, recent answers, then the coarse table.
   m->cellBlock =
-      MovableAlloc(kCoarseCells * (sizeof(uint32_t) + 1) + kRecentColours * (sizeof(uint32_t) + 1));
+      MovableAlloc(kCoarseCells * (sizeof(uint32_t) + 1) + kRecentColours * sizeof(uint32_t));
   m->poolBlock = m->cellBlock ? MovableAlloc(kInitialPool) : nullptr;
   if (m->poolBlock) {
     m->cellRecord = static_cast<uint32_t*>(MovableLock(m->cellBlock));
@@ -121,10 +165,13 @@ int OpenColourMatcher(ColourMatcher* m, const uint8_t* palette, int32_t count) {
     CloseColourMatcher(m);
     return 0;
   }
-  m->recentColour = m->cellRecord + kCoarseCells;
-  std::memset(m->recentColour, 0xFF, kRecentColours * sizeof(uint32_t));
-  m->recentIndex = reinterpret_cast<uint8_t*>(m->recentColour + kRecentColours);
-  m->coarse = m->recentIndex + kRecentColours;
+  m->recent = m->cellRecord + kCoarseCells;
+  for (uint32_t slot = 0; slot < kRecentColours; ++slot) {
+    uint32_t stranger = 0;
+    while (RecentSlot(stranger) == slot) ++stranger;
+    m->recent[slot] = stranger;
+  }
+  m->coarse = reinterpret_cast<uint8_t*>(m->recent + kRecentColours);
   return 1;
 }
 
@@ -145,8 +192,7 @@ void CloseColourMatcher(ColourMatcher* m) {
   m->cellBlock = m->poolBlock = nullptr;
   m->cellRecord = nullptr;
   m->coarse = nullptr;
-  m->recentColour = nullptr;
-  m->recentIndex = nullptr;
+  m->recent = nullptr;
   m->pool = nullptr;
 }
 

@@ -94,38 +94,54 @@ ColourMatcher* ChooseMatcher(ColourMatcher* shared, ColourMatcher* local, const 
   return OpenColourMatcher(local, palette, count) ? local : nullptr;
 }
 
-// One row of the colour path. `below` holds what the previous row sent to this one and receives
-// what this row sends on. The 16-bit wrap is modular, so each slot may gather its shares in a
-// wider register and be stored once: the stored value is the same as after adding one by one.
+// Red, green, blue and a fourth lane held at 0, in 16 bits each: one pixel's colour, error or
+// shares as one register. No value of the colour path leaves 16 bits: an error is at most 255 in
+// size, what a row sends on at most 144, and a sum before clamping at most 511.
+typedef int16_t ColourLanes __attribute__((vector_size(8)));
+typedef uint8_t ByteLanes4 __attribute__((vector_size(4)));
+constexpr ColourLanes kThreeLanes = {-1, -1, -1, 0};
+
+inline ColourLanes LoadLanes(const int16_t* p) {
+  ColourLanes v;
+  std::memcpy(&v, p, sizeof v);
+  return v & kThreeLanes;
+}
+
+inline ColourLanes LoadByteLanes(const uint8_t* p) {
+  ByteLanes4 b;
+  std::memcpy(&b, p, sizeof b);
+  return __builtin_convertvector(b, ColourLanes) & kThreeLanes;
+}
+
+// One row of the colour path. `in` holds what the previous row sent to this one; `out` receives
+// what this row sends on (the same row may serve as both: slot x is read before slot x is
+// written). Rows are read and written four lanes at a time, so each has one slot of room at its
+// end; a store's fourth lane falls on the next pixel's first slot, which the next step writes.
 template <int kTargetBits>
-int DitherColourRow(const uint8_t* rgb, int16_t* below, uint8_t* target, int32_t w,
-                    const uint8_t* pal, Lookup* lookup) {
-  int32_t carry[3] = {0, 0, 0};     // this row's 7/16 share for pixel x
-  int32_t previous[3] = {0, 0, 0};  // next row, pixel x - 1, without pixel x's share
-  int32_t current[3] = {0, 0, 0};   // next row, pixel x, without pixel x's shares
+int DitherColourRow(const uint8_t* rgb, int16_t* errors, uint8_t* target, int32_t w,
+                    const ColourLanes* entries, Lookup* lookup) {
+  ColourLanes carry = {};     // this row's 7/16 share for pixel x
+  ColourLanes previous = {};  // next row, pixel x - 1, without pixel x's share
+  ColourLanes current = {};   // next row, pixel x, without pixel x's shares
   for (int32_t x = 0; x < w; ++x) {
-    int32_t v[3];
-    for (int32_t k = 0; k < 3; ++k) {
-      const int16_t c = static_cast<int16_t>(below[x * 3 + k] + rgb[x * 3 + k] + carry[k]);
-      v[k] = ClampByte(c);
-    }
+    ColourLanes v = LoadLanes(errors + x * 3) + LoadByteLanes(rgb + x * 3) + carry;
+    v = v < 0 ? 0 : v;
+    v = v > 255 ? 255 : v;
     const int32_t index = lookup->Find(v[0], v[1], v[2]);
     if (index < 0) return 0;
     if (kTargetBits == 8)
       target[x] = static_cast<uint8_t>(index);
     else
       target[x >> 1] |= static_cast<uint8_t>(x & 1 ? index & 0x0F : (index & 0x0F) << 4);
-    for (int32_t k = 0; k < 3; ++k) {
-      const int32_t e = v[k] - pal[index * 3 + k];
-      carry[k] = (e * 7) >> 4;
-      // Pixel 1 gives nothing down-left, though pixel 0 lies there.
-      if (x >= 2) previous[k] += (e * 3) >> 4;
-      if (x >= 1) below[(x - 1) * 3 + k] = static_cast<int16_t>(previous[k]);
-      previous[k] = current[k] + ((e * 5) >> 4);
-      current[k] = e >> 4;  // reaches pixel x + 1, which exists unless this is the last
-    }
+    const ColourLanes e = v - entries[index];
+    carry = (e * 7) >> 4;
+    // Pixel 1 gives nothing down-left, though pixel 0 lies there.
+    if (x >= 2) previous += (e * 3) >> 4;
+    if (x >= 1) std::memcpy(errors + (x - 1) * 3, &previous, sizeof previous);
+    previous = current + ((e * 5) >> 4);
+    current = e >> 4;  // reaches pixel x + 1, which exists unless this is the last
   }
-  for (int32_t k = 0; k < 3; ++k) below[(w - 1) * 3 + k] = static_cast<int16_t>(previous[k]);
+  std::memcpy(errors + (w - 1) * 3, &previous, sizeof previous);
   return 1;
 }
 
@@ -135,22 +151,26 @@ int DitherColour(const DibView& src, const DibView& dst, const uint8_t* palette,
   ColourMatcher local;
   ColourMatcher* matcher = ChooseMatcher(shared, &local, palette, count);
   if (!matcher) return 0;
-  // One error row of width x 3 values, then one expanded source row. The top row of the picture
-  // is the last one taken; what it sends on is never read.
-  const size_t errorBytes = static_cast<size_t>(w) * 3 * sizeof(int16_t);
-  ScopedBlock rows(MovableAlloc(errorBytes + static_cast<size_t>(w) * 3));
+  // One error row of width x 3 values, then one expanded source row, each with a slot of room.
+  // The top row of the picture is the last one taken; what it sends on is never read.
+  const size_t errorBytes = (static_cast<size_t>(w) * 3 + 1) * sizeof(int16_t);
+  ScopedBlock rows(MovableAlloc(errorBytes + static_cast<size_t>(w) * 3 + 1));
   ScopedLock rowsLock(rows.handle);
   if (!rowsLock) return 0;
-  int16_t* below = reinterpret_cast<int16_t*>(rowsLock.bytes);
+  int16_t* errors = reinterpret_cast<int16_t*>(rowsLock.bytes);
   uint8_t* rgb = rowsLock.bytes + errorBytes;
   uint8_t triples[kPaletteBytes];
   if (src.bitCount <= 8) TableTriples(src, triples);
+  // Entry 0 also when the palette is empty: every index is then 0.
+  ColourLanes entries[256] = {};
+  for (int32_t i = 0; i < std::clamp(count, 1, 256); ++i)
+    entries[i] = ColourLanes{palette[i * 3], palette[i * 3 + 1], palette[i * 3 + 2], 0};
   Lookup lookup{matcher, settings.fastRemap};
   for (int32_t y = 0; y < src.height; ++y) {
     ExpandRow(src, DibRow(src, y), triples, rgb);
     const int ok = dst.bitCount == 8
-                       ? DitherColourRow<8>(rgb, below, DibRow(dst, y), w, palette, &lookup)
-                       : DitherColourRow<4>(rgb, below, DibRow(dst, y), w, palette, &lookup);
+                       ? DitherColourRow<8>(rgb, errors, DibRow(dst, y), w, entries, &lookup)
+                       : DitherColourRow<4>(rgb, errors, DibRow(dst, y), w, entries, &lookup);
     if (!ok) return 0;
   }
   return 1;
