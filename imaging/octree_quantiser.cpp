@@ -103,16 +103,28 @@ constexpr size_t kIndexedCells = 8 + 64 + 512 + 4096 + 32768;
 constexpr size_t kInnerCells = 8 + 64 + 512 + 4096;  // the levels that are never the depth
 static_assert(kIndexedCells + 1 <= MaxColourNodes);
 
+// A leaf's sums. Its error is a running sum of rounded additions and stays a double. Its pixel
+// count and channel totals are whole numbers: they are kept in 32 bits, which halves what the
+// leaves take in the caches, and added into the node's doubles (exactly, as whole numbers below
+// 2^53 are) before they could overflow. Every centre at these depths lies halfway between two
+// channel values, so a leaf that holds a pixel has an error of at least 0.75: an error of 0 is a
+// leaf without a node.
 struct LeafSums {
-  double error, unique, red, green, blue;
+  double error;
+  uint32_t unique, red, green, blue;
+  uint32_t spare[2];  // 32 bytes: a leaf never straddles two cache lines
 };
+static_assert(sizeof(LeafSums) == 32);
+// Pixels that 32-bit channel totals can take; a picture's row, at most 2^24 wide, always fits.
+constexpr int64_t kLeafCountPixels = 0xFFFFFFFF / 255;
 
 struct CellSums {
   ColourNode** node[kIndexedDepth + 1];  // per level, 8^level cells; null where there is no node
   double* error[kIndexedDepth];          // per level above the deepest possible one
   LeafSums* leaf;                        // per cell at the tree's depth
-  static constexpr size_t kBytes =
-      kIndexedCells * sizeof(ColourNode*) + kInnerCells * sizeof(double) + 32768 * sizeof(LeafSums);
+  int64_t pendingPixels = 0;             // classified since the counts were last moved
+  static constexpr size_t kBytes = kIndexedCells * sizeof(ColourNode*) +
+                                   kInnerCells * sizeof(double) + 32768 * sizeof(LeafSums) + 64;
   void Point(uint8_t* bytes) {
     for (int32_t l = 1; l <= kIndexedDepth; ++l) {
       node[l] = reinterpret_cast<ColourNode**>(bytes);
@@ -122,7 +134,8 @@ struct CellSums {
       error[l] = reinterpret_cast<double*>(bytes);
       bytes += sizeof(double) << (3 * l);
     }
-    leaf = reinterpret_cast<LeafSums*>(bytes);
+    // The leaves from the next 64-byte boundary; kBytes leaves room for it.
+    leaf = reinterpret_cast<LeafSums*>(bytes + (-reinterpret_cast<uintptr_t>(bytes) & 63));
   }
 };
 
@@ -155,8 +168,23 @@ int MakeNodes(ColourCube* cube, CellSums* sums, int32_t depth, uint32_t red, uin
   return 1;
 }
 
+// Adds the leaves' pixel counts and channel totals into their nodes and clears them.
+void MoveLeafCounts(const ColourCube* cube, CellSums* sums) {
+  for (uint32_t cell = 0; cell < 1u << (3 * cube->depth); ++cell) {
+    ColourNode* node = sums->node[cube->depth][cell];
+    LeafSums& leaf = sums->leaf[cell];
+    if (!node || !leaf.unique) continue;
+    node->uniqueCount += leaf.unique;
+    node->redTotal += leaf.red;
+    node->greenTotal += leaf.green;
+    node->blueTotal += leaf.blue;
+    leaf.unique = leaf.red = leaf.green = leaf.blue = 0;
+  }
+  sums->pendingPixels = 0;
+}
+
 // Moves the running sums of every cell into its node.
-void FoldCellSums(const ColourCube* cube, const CellSums* sums) {
+void FoldCellSums(const ColourCube* cube, CellSums* sums) {
   for (int32_t level = 1; level <= cube->depth; ++level)
     for (uint32_t cell = 0; cell < 1u << (3 * level); ++cell) {
       ColourNode* node = sums->node[level][cell];
@@ -165,19 +193,14 @@ void FoldCellSums(const ColourCube* cube, const CellSums* sums) {
         node->quantiseError = sums->error[level][cell];
         continue;
       }
-      const LeafSums& leaf = sums->leaf[cell];
-      node->quantiseError = leaf.error;
-      node->uniqueCount = leaf.unique;
-      node->redTotal = leaf.red;
-      node->greenTotal = leaf.green;
-      node->blueTotal = leaf.blue;
+      node->quantiseError = sums->leaf[cell].error;
     }
+  MoveLeafCounts(cube, sums);
 }
 
 // Classifies the runs of one row into a tree of depth `Depth`. The root's error is kept by the
 // caller in `rootError` and stored back when classification ends; it is one long chain of
-// rounded additions, so it stays in a register and its additions stay in level order. A leaf's
-// cell holds pixels from the moment its node is made, so an empty cell is a missing node.
+// rounded additions, so it stays in a register and its additions stay in level order.
 template <int32_t Depth>
 int ClassifyRow(ColourCube* cube, const LevelDistances& dist, CellSums* sums, double* rootError,
                 const uint8_t* row, int32_t width) {
@@ -188,11 +211,12 @@ int ClassifyRow(ColourCube* cube, const LevelDistances& dist, CellSums* sums, do
     while (end < width && row[end * 3] == p[0] && row[end * 3 + 1] == p[1] &&
            row[end * 3 + 2] == p[2])
       ++end;
-    const double count = static_cast<double>(end - x);
+    const uint32_t pixels = static_cast<uint32_t>(end - x);
+    const double count = pixels;
     x = end;
     const uint32_t red = p[2], green = p[1], blue = p[0];
     LeafSums* leaf = &sums->leaf[CellAt(Depth, red, green, blue)];
-    if (leaf->unique == 0 && !MakeNodes(cube, sums, Depth, red, green, blue)) {
+    if (leaf->error == 0 && !MakeNodes(cube, sums, Depth, red, green, blue)) {
       *rootError = root;
       return 0;
     }
@@ -206,10 +230,10 @@ int ClassifyRow(ColourCube* cube, const LevelDistances& dist, CellSums* sums, do
     square += 256;
     leaf->error += count * (square[red] + square[green] + square[blue]);
     root += leaf->error;
-    leaf->unique += count;
-    leaf->red += count * red;
-    leaf->green += count * green;
-    leaf->blue += count * blue;
+    leaf->unique += pixels;
+    leaf->red += pixels * red;
+    leaf->green += pixels * green;
+    leaf->blue += pixels * blue;
   }
   *rootError = root;
   return 1;
@@ -274,8 +298,11 @@ int ClassifyImage(ColourCube* cube, ExactColours* exact, CellSums* sums, const D
   exact->Scan(v);
   double rootError = cube->root->quantiseError;
   int ok = 1;
-  for (int32_t y = 0; y < v.height && ok; ++y)
+  for (int32_t y = 0; y < v.height && ok; ++y) {
+    if (sums->pendingPixels + v.width > kLeafCountPixels) MoveLeafCounts(cube, sums);
+    sums->pendingPixels += v.width;
     ok = kRowClassifiers[cube->depth](cube, dist, sums, &rootError, DibRow(v, y), v.width);
+  }
   cube->root->quantiseError = rootError;
   return ok;
 }

@@ -151,3 +151,22 @@ TEST(QuantiseFrames, AllocationFailuresLeakNothing) {
 }
 
 }  // namespace
+
+// Over 2^32 / 255 pixels of one colour: the leaf's channel totals pass 32 bits, and its average
+// must still be that colour.
+TEST(QuantiseFrames, LeafTotalsPastThirtyTwoBits) {
+  const int32_t w = 4100, h = 4200;
+  Frames f;
+  f.images.push_back(CreatePackedDib(w, h, nullptr, 24));
+  {
+    ScopedLock lock(f.images[0]);
+    ASSERT_TRUE(lock);
+    for (int32_t y = 0; y < h; ++y) {
+      uint8_t* row = DibBits(lock.bytes) + static_cast<size_t>(y) * DibStride(w, 24);
+      for (int32_t x = 0; x < w; ++x) row[x * 3] = 253, row[x * 3 + 1] = 254, row[x * 3 + 2] = 255;
+    }
+  }
+  int32_t request = 0;
+  EXPECT_EQ(f.Quantise(&request, 1), (Palette{255, 254, 253}));
+  EXPECT_EQ(request, 1);
+}
