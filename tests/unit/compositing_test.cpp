@@ -41,71 +41,26 @@ TEST(BlendPixel, TruncatesEachTermAndKeepsTheUnderAlpha) {
   EXPECT_EQ(BlendPixel(0x00000010, 0x00FF0020, 0x180), 0x00800017u);  // only the low byte counts
 }
 
-TEST(Layers, ShadowWindowStartsAtTheShadowCorner) {
-  MovableHandle canvas = Filled(6, 5, 24, 0x00101010);
-  MovableHandle mask = Filled(6, 5, 8, 255);
-  MovableHandle shadow = RandomImage(6, 5, 24, 7);
+TEST(Layers, FillIsAnchoredToTheCanvasCorner) {
+  // A fill picture narrower than the canvas: the columns beyond it stay as they were.
+  ScopedBlock canvas(Filled(5, 3, 24, 0)), fill(RandomImage(4, 3, 24, 3));
+  ScopedBlock mask(Filled(5, 3, 8, 255)), plane(Filled(5, 3, 8, 0));
   {
-    ScopedLock c(canvas), m(mask), s(shadow);
-    CompositeShadowLayer(c.bytes, nullptr, m.bytes, s.bytes, 2, 1);
-  }
-  EXPECT_EQ(Pixel(canvas, 1, 3), 0x00101010u);  // left of the window: untouched
-  EXPECT_EQ(Pixel(canvas, 3, 0), 0x00101010u);  // above it
-  EXPECT_EQ(Pixel(canvas, 2, 1), Pixel(shadow, 0, 0));
-  EXPECT_EQ(Pixel(canvas, 5, 4), Pixel(shadow, 3, 3));
-  // With an alpha plane the canvas stays and only coverage adds up, saturating.
-  MovableHandle plane = Filled(6, 5, 8, 200);
-  MovableHandle half = Filled(6, 5, 8, 40);
-  {
-    ScopedLock c(canvas), m(half), p(plane), s(shadow);
-    CompositeShadowLayer(c.bytes, p.bytes, m.bytes, s.bytes, 1, 0);
-    CompositeShadowLayer(c.bytes, p.bytes, m.bytes, s.bytes, 1, 0);
-  }
-  EXPECT_EQ(Pixel(canvas, 3, 2), Pixel(shadow, 1, 1));
-  EXPECT_EQ(Pixel(plane, 0, 0), 200u);
-  EXPECT_EQ(Pixel(plane, 1, 0), 255u);
-  for (MovableHandle h : {canvas, mask, shadow, plane, half}) MovableFree(h);
-}
-
-TEST(Layers, FillIsAnchoredToTheCanvasAndOutlineReadsOneColumnRight) {
-  MovableHandle canvas = Filled(5, 3, 24, 0x00000000);
-  MovableHandle fill = RandomImage(4, 3, 24, 3);  // narrower than the canvas
-  MovableHandle mask = Filled(5, 3, 8, 255);
-  MovableHandle plane = Filled(5, 3, 8, 0);
-  {
-    ScopedLock c(canvas), f(fill), m(mask), p(plane);
+    ScopedLock c(canvas.handle), f(fill.handle), m(mask.handle), p(plane.handle);
     WriteDibPixel(m.bytes, 1, 1, 0);
     CompositeFillLayer(c.bytes, p.bytes, m.bytes, f.bytes);
   }
-  EXPECT_EQ(Pixel(canvas, 0, 0), Pixel(fill, 0, 0));
-  EXPECT_EQ(Pixel(canvas, 1, 1), 0u);
-  EXPECT_EQ(Pixel(canvas, 4, 0), 0u);  // beyond the fill picture
-  EXPECT_EQ(Pixel(plane, 2, 2), 255u);
-  EXPECT_EQ(Pixel(plane, 1, 1), 0u);
-
-  MovableHandle ring = Filled(9, 3, 8, 0);
-  {
-    ScopedLock r(ring);
-    WriteDibPixel(r.bytes, 0, 0, 255);  // column 0 is never read
-    WriteDibPixel(r.bytes, 3, 1, 255);
-    WriteDibPixel(r.bytes, 5, 2, 128);
-  }
-  MovableHandle flat = Filled(5, 3, 24, 0x00FFFFFF);
-  MovableHandle alpha = Filled(5, 3, 8, 0);
-  {
-    ScopedLock c(flat), r(ring), p(alpha);
-    CompositeOutlineLayer(c.bytes, p.bytes, r.bytes, 0x000000FF);
-  }
-  EXPECT_EQ(Pixel(flat, 0, 0), 0x00FFFFFFu);
-  EXPECT_EQ(Pixel(flat, 2, 1), 0x000000FFu);
-  EXPECT_EQ(Pixel(flat, 4, 2), 0x007F7FFFu);  // 127 + 0 for green and blue, 127 + 128 for red
-  EXPECT_EQ(Pixel(alpha, 4, 2), 128u);
-  for (MovableHandle h : {canvas, fill, mask, plane, ring, flat, alpha}) MovableFree(h);
+  EXPECT_EQ(Pixel(canvas.handle, 0, 0), Pixel(fill.handle, 0, 0));
+  EXPECT_EQ(Pixel(canvas.handle, 1, 1), 0u);
+  EXPECT_EQ(Pixel(canvas.handle, 4, 0), 0u);
+  EXPECT_EQ(Pixel(plane.handle, 2, 2), 255u);
+  EXPECT_EQ(Pixel(plane.handle, 1, 1), 0u);
 }
 
+// Canvas-sized pictures, walked row by row, against the per-pixel definition: the shadow window
+// off every side of the canvas, coverage adding up and saturating in the alpha plane, and the
+// outline read one column right from a ring four columns wider.
 TEST(Layers, RowLoopsMatchThePixelDefinitionOnRandomPictures) {
-  // Canvas-sized pictures (walked row by row) against the per-pixel definition, with the shadow
-  // window off every side of the canvas and a ring four columns wider.
   const int w = 37, h = 9;
   for (int shift : {-5, 0, 3}) {
     for (int withPlane : {0, 1}) {
