@@ -63,7 +63,9 @@ void ThinLines(RenderSurface* s) {
   SurfaceLine(s, 60, 62, 12, 20, kBlue, 1);
 }
 
-void WideLine(RenderSurface* s) { SurfaceLine(s, 8, 50, 56, 14, kWhite, 7); }
+void WideLine(RenderSurface* s) {
+  SurfaceLine(s, 8, 50, 56, 14, kWhite, 7);
+}
 
 }  // namespace
 
@@ -73,7 +75,8 @@ const ShapeScene kShapeScenes[] = {
     {"rectangle-thin-pen", 0, RectangleThinPen},
     {"polygon-axis", 0, AxisPolygon},
     // Measured against GDI under Wine: 0, 8, 2, 1, 22 and 48 pixels. Thin lines differ in
-    // which end point is drawn and in the stepping of diagonals; wide pens by a pixel along one side.
+    // which end point is drawn and in the stepping of diagonals; wide pens by a pixel along one
+    // side.
     {"ellipse-null-pen", 4, EllipseNullPen},
     {"ellipse-thin-pen", 16, EllipseThinPen},
     {"star-alternate", 8, StarAlternate},
@@ -89,17 +92,4 @@ MovableHandle RenderShapeScene(const ShapeScene* scene) {
   scene->draw(&surface);
   ReleaseRenderSurface(&surface, kSurfaceKeepImage);
   return surface.handle;
-}
-
-int64_t CountDifferentPixels(MovableHandle a, MovableHandle b) {
-  ScopedLock la(a), lb(b);
-  if (!la || !lb) return -1;
-  const BitmapInfoHeader* ha = reinterpret_cast<const BitmapInfoHeader*>(la.bytes);
-  const BitmapInfoHeader* hb = reinterpret_cast<const BitmapInfoHeader*>(lb.bytes);
-  if (ha->biWidth != hb->biWidth || ha->biHeight != hb->biHeight) return -1;
-  int64_t different = 0;
-  for (int32_t y = 0; y < ha->biHeight; ++y)
-    for (int32_t x = 0; x < ha->biWidth; ++x)
-      different += ReadDibPixel(la.bytes, x, y) != ReadDibPixel(lb.bytes, x, y);
-  return different;
 }

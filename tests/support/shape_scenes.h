@@ -19,5 +19,3 @@ constexpr int32_t kShapeSceneSize = 64;
 
 // Renders one scene into a new 24-bit Packed DIB, or null.
 MovableHandle RenderShapeScene(const ShapeScene* scene);
-// Counts the pixels in which two 24-bit images of the same size differ; -1 if the sizes differ.
-int64_t CountDifferentPixels(MovableHandle a, MovableHandle b);
