@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <functional>
+#include <numeric>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -39,20 +40,8 @@ struct TestFont {
   }
 };
 
-std::vector<uint8_t> Pixels(MovableHandle mask) {
-  ScopedLock lock(mask);
-  const BitmapInfoHeader* h = reinterpret_cast<const BitmapInfoHeader*>(lock.bytes);
-  std::vector<uint8_t> out;
-  for (int32_t y = 0; y < h->biHeight; ++y)
-    for (int32_t x = 0; x < h->biWidth; ++x)
-      out.push_back(static_cast<uint8_t>(ReadDibPixel(lock.bytes, x, y)));
-  return out;
-}
-
-long Sum(const std::vector<uint8_t>& pixels) {
-  long sum = 0;
-  for (uint8_t v : pixels) sum += v;
-  return sum;
+std::vector<uint32_t> Pixels(MovableHandle mask) {
+  return ReadPicture(mask).values;
 }
 
 }  // namespace
@@ -88,15 +77,17 @@ TEST(RenderTextMask, LevelSetsTheMaximumAndPlacementIsExact) {
   // x, width, level, antialias; hard edges on Wine's GDI+ are not guaranteed, so only the level.
   const int32_t masks[][4] = {{3, 120, 255, 1}, {3, 120, 128, 1}, {10, 127, 255, 1},
                               {3, 120, 128, 0}, {3, 120, 0, 1},   {3, 30, 255, 1}};
-  std::vector<uint8_t> p[6];
+  std::vector<uint32_t> p[6];
   for (int i = 0; i < 6; ++i) {
     ScopedBlock mask(f.Mask("Hi ", a.data(), masks[i][0], masks[i][1], masks[i][2], masks[i][3]));
     ASSERT_NE(mask.handle, nullptr) << i;  // a mask narrower than the text is cut off, not refused
     p[i] = Pixels(mask.handle);
-    EXPECT_EQ(*std::max_element(p[i].begin(), p[i].end()), masks[i][2]) << i;
+    EXPECT_EQ(*std::max_element(p[i].begin(), p[i].end()), static_cast<uint32_t>(masks[i][2])) << i;
   }
   // Coverage sums scale with the level, give or take the engine's rounding per pixel.
-  EXPECT_NEAR(static_cast<double>(Sum(p[1])) / Sum(p[0]), 128.0 / 255, 0.01);
+  EXPECT_NEAR(std::accumulate(p[1].begin(), p[1].end(), 0.0) /
+                  std::accumulate(p[0].begin(), p[0].end(), 0.0),
+              128.0 / 255, 0.01);
   // Moving by whole pixels moves the same ink, and cutting keeps the ink left of the cut.
   for (int32_t y = 0; y < 44; ++y)
     for (int32_t x = 0; x < 120; ++x) {
@@ -115,7 +106,7 @@ TEST(RenderTextMask, OverlapsMergeByMaximum) {
   const uint32_t single[1] = {0};
   MovableHandle first = f.Mask("O", single, 2, 100, 255);
   MovableHandle second = f.Mask("O", single, 2 + static_cast<int32_t>(a[0]), 100, 255);
-  const std::vector<uint8_t> both = Pixels(pair), one = Pixels(first), two = Pixels(second);
+  const std::vector<uint32_t> both = Pixels(pair), one = Pixels(first), two = Pixels(second);
   int overlap = 0;
   for (size_t i = 0; i < both.size(); ++i) {
     ASSERT_EQ(both[i], std::max(one[i], two[i])) << i;
