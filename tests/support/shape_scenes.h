@@ -1,5 +1,6 @@
 // Shape scenes drawn through the render-surface port on both platforms, so that the pictures of the
-// Windows build (under Wine) can be compared with the native ones. Each scene is a 64 by 64 surface.
+// Windows build (under Wine) can be compared with the native ones. Each scene is a 64 by 64
+// surface.
 #pragma once
 
 #include <cstdint>
