@@ -14,6 +14,7 @@
 #include "cli/render_command.h"
 #include "host/bmp_file.h"
 #include "shell/packed_dib.h"
+#include "tests/support/parity_files.h"
 
 TEST(DialogParity, ADialogBuildMatchesTheNativeBuildOfItsDocument) {
   const char* dir = std::getenv("GM5_PARITY_DIR");
@@ -42,31 +43,23 @@ TEST(DialogParity, ADialogBuildMatchesTheNativeBuildOfItsDocument) {
     const std::vector<uint8_t> file = ReadWholeFile((std::string(dir) + name).c_str());
     ScopedBlock windows(BmpToPackedDib(file.data(), file.size()));
     ScopedBlock native(CopyToMovableBlock(built.frames[i].dib.data(), built.frames[i].dib.size()));
-    ScopedLock a(native.handle), b(windows.handle);
-    ASSERT_TRUE(a && b) << i;
     nativeDelays += built.frames[i].delay;
-    const BitmapInfoHeader* ha = reinterpret_cast<const BitmapInfoHeader*>(a.bytes);
-    const BitmapInfoHeader* hb = reinterpret_cast<const BitmapInfoHeader*>(b.bytes);
-    ASSERT_EQ(ha->biBitCount, 8);
-    ASSERT_EQ(hb->biBitCount, 8);
+    PictureDifference d;
+    ASSERT_EQ(ComparePictures(native.handle, windows.handle, &d), 1) << i;
+    std::printf("dialog-%zu native %dx%d windows %dx%d differing %.4f\n", i, d.width[0],
+                d.height[0], d.width[1], d.height[1], d.share);
+    ScopedLock a(native.handle), b(windows.handle);
+    ASSERT_EQ(reinterpret_cast<const BitmapInfoHeader*>(a.bytes)->biBitCount, 8);
+    ASSERT_EQ(reinterpret_cast<const BitmapInfoHeader*>(b.bytes)->biBitCount, 8);
     EXPECT_EQ(std::memcmp(DibTable(a.bytes), DibTable(b.bytes), 256 * 4), 0) << "fixed palette";
     // The engines round the cell height apart by a pixel at most, and Wine measures each
-    // character up to a space's advance narrower.
-    EXPECT_LE(std::abs(ha->biHeight - hb->biHeight), 1) << i;
-    EXPECT_LE(std::abs(ha->biWidth - hb->biWidth), kSpaceAdvance * kCharacters) << i;
-    const int32_t width = std::min(ha->biWidth, hb->biWidth);
-    const int32_t height = std::min(ha->biHeight, hb->biHeight);
-    double differing = 0;
-    for (int32_t y = 0; y < height; ++y)
-      for (int32_t x = 0; x < width; ++x)
-        differing += ReadDibPixel(a.bytes, x, y) != ReadDibPixel(b.bytes, x, y);
-    // Pixels differ only inside the text, as both pictures share the background's index.
-    const double share = differing / (static_cast<double>(width) * height);
-    std::printf("dialog-%zu native %dx%d windows %dx%d differing %.4f\n", i, ha->biWidth,
-                ha->biHeight, hb->biWidth, hb->biHeight, share);
+    // character up to a space's advance narrower. Pixels differ only inside the text, as both
+    // pictures share the background's index.
+    EXPECT_LE(std::abs(d.height[0] - d.height[1]), 1) << i;
+    EXPECT_LE(std::abs(d.width[0] - d.width[1]), kSpaceAdvance * kCharacters) << i;
     EXPECT_EQ(ReadDibPixel(a.bytes, 0, 0), ReadDibPixel(b.bytes, 0, 0)) << "background";
     if (i + 1 == built.frames.size()) {
-      EXPECT_EQ(differing, 0) << "the last frame holds no glyph";
+      EXPECT_EQ(d.differing, 0) << "the last frame holds no glyph";
     }
   }
   // The pause falls on the frame where the text comes to rest, which the canvas width moves, so

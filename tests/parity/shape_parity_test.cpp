@@ -13,15 +13,13 @@ TEST(ShapeParity, NativeShapesMatchGdiWithinTheirBounds) {
   ASSERT_NE(dir, nullptr) << "GM5_PARITY_DIR must name the Windows run's parity folder";
   for (int32_t i = 0; i < kShapeSceneCount; ++i) {
     const ShapeScene& scene = kShapeScenes[i];
-    MovableHandle gdi = ReadParityFile(std::string(dir) + "/shape-" + scene.name + ".dib");
-    ASSERT_NE(gdi, nullptr) << scene.name;
-    MovableHandle native = RenderShapeScene(&scene);
-    const int64_t different = CountDifferentPixels(gdi, native);
+    ScopedBlock gdi(ReadParityFile(std::string(dir) + "/shape-" + scene.name + ".dib"));
+    ScopedBlock native(RenderShapeScene(&scene));
+    PictureDifference d;
+    ASSERT_EQ(ComparePictures(gdi.handle, native.handle, &d), 1) << scene.name;
     std::printf("%-20s %4lld pixels differ (bound %d)\n", scene.name,
-                static_cast<long long>(different), scene.tolerance);
-    EXPECT_GE(different, 0) << scene.name;
-    EXPECT_LE(different, scene.tolerance) << scene.name;
-    MovableFree(gdi);
-    MovableFree(native);
+                static_cast<long long>(d.differing), scene.tolerance);
+    EXPECT_TRUE(d.width[0] == d.width[1] && d.height[0] == d.height[1]) << scene.name;
+    EXPECT_LE(d.differing, scene.tolerance) << scene.name;
   }
 }

@@ -1,5 +1,6 @@
 // Shape scenes drawn through the render-surface port on both platforms, so that the pictures of the
-// Windows build (under Wine) can be compared with the native ones. Each scene is a 64 by 64 surface.
+// Windows build (under Wine) can be compared with the native ones. Each scene is a 64 by 64
+// surface.
 #pragma once
 
 #include <cstdint>
@@ -19,5 +20,3 @@ constexpr int32_t kShapeSceneSize = 64;
 
 // Renders one scene into a new 24-bit Packed DIB, or null.
 MovableHandle RenderShapeScene(const ShapeScene* scene);
-// Counts the pixels in which two 24-bit images of the same size differ; -1 if the sizes differ.
-int64_t CountDifferentPixels(MovableHandle a, MovableHandle b);

@@ -1,4 +1,4 @@
-// Random pictures and block comparison for the image tests.
+// Random pictures, block comparison and pixel read-out for the image tests.
 #include "tests/support/test_images.h"
 
 #include <cstring>
@@ -22,4 +22,20 @@ int SameBlocks(MovableHandle a, MovableHandle b) {
   if (!a || !b || MovableSize(a) != MovableSize(b)) return 0;
   ScopedLock la(a), lb(b);
   return la && lb && std::memcmp(la.bytes, lb.bytes, MovableSize(a)) == 0;
+}
+
+PictureValues ReadPicture(MovableHandle image) {
+  PictureValues p;
+  ScopedLock lock(image);
+  if (!lock) return p;
+  const BitmapInfoHeader* h = reinterpret_cast<const BitmapInfoHeader*>(lock.bytes);
+  p.width = h->biWidth, p.height = h->biHeight, p.bits = h->biBitCount;
+  for (int32_t y = 0; y < p.height; ++y)
+    for (int32_t x = 0; x < p.width; ++x) p.values.push_back(ReadDibPixel(lock.bytes, x, y));
+  return p;
+}
+
+PictureValues TakePicture(MovableHandle image) {
+  ScopedBlock owner(image);
+  return ReadPicture(image);
 }

@@ -41,81 +41,36 @@ TEST(BlendPixel, TruncatesEachTermAndKeepsTheUnderAlpha) {
   EXPECT_EQ(BlendPixel(0x00000010, 0x00FF0020, 0x180), 0x00800017u);  // only the low byte counts
 }
 
-TEST(Layers, ShadowWindowStartsAtTheShadowCorner) {
-  MovableHandle canvas = Filled(6, 5, 24, 0x00101010);
-  MovableHandle mask = Filled(6, 5, 8, 255);
-  MovableHandle shadow = RandomImage(6, 5, 24, 7);
+TEST(Layers, FillIsAnchoredToTheCanvasCorner) {
+  // A fill picture narrower than the canvas: the columns beyond it stay as they were.
+  ScopedBlock canvas(Filled(5, 3, 24, 0)), fill(RandomImage(4, 3, 24, 3));
+  ScopedBlock mask(Filled(5, 3, 8, 255)), plane(Filled(5, 3, 8, 0));
   {
-    ScopedLock c(canvas), m(mask), s(shadow);
-    CompositeShadowLayer(c.bytes, nullptr, m.bytes, s.bytes, 2, 1);
-  }
-  EXPECT_EQ(Pixel(canvas, 1, 3), 0x00101010u);  // left of the window: untouched
-  EXPECT_EQ(Pixel(canvas, 3, 0), 0x00101010u);  // above it
-  EXPECT_EQ(Pixel(canvas, 2, 1), Pixel(shadow, 0, 0));
-  EXPECT_EQ(Pixel(canvas, 5, 4), Pixel(shadow, 3, 3));
-  // With an alpha plane the canvas stays and only coverage adds up, saturating.
-  MovableHandle plane = Filled(6, 5, 8, 200);
-  MovableHandle half = Filled(6, 5, 8, 40);
-  {
-    ScopedLock c(canvas), m(half), p(plane), s(shadow);
-    CompositeShadowLayer(c.bytes, p.bytes, m.bytes, s.bytes, 1, 0);
-    CompositeShadowLayer(c.bytes, p.bytes, m.bytes, s.bytes, 1, 0);
-  }
-  EXPECT_EQ(Pixel(canvas, 3, 2), Pixel(shadow, 1, 1));
-  EXPECT_EQ(Pixel(plane, 0, 0), 200u);
-  EXPECT_EQ(Pixel(plane, 1, 0), 255u);
-  for (MovableHandle h : {canvas, mask, shadow, plane, half}) MovableFree(h);
-}
-
-TEST(Layers, FillIsAnchoredToTheCanvasAndOutlineReadsOneColumnRight) {
-  MovableHandle canvas = Filled(5, 3, 24, 0x00000000);
-  MovableHandle fill = RandomImage(4, 3, 24, 3);  // narrower than the canvas
-  MovableHandle mask = Filled(5, 3, 8, 255);
-  MovableHandle plane = Filled(5, 3, 8, 0);
-  {
-    ScopedLock c(canvas), f(fill), m(mask), p(plane);
+    ScopedLock c(canvas.handle), f(fill.handle), m(mask.handle), p(plane.handle);
     WriteDibPixel(m.bytes, 1, 1, 0);
     CompositeFillLayer(c.bytes, p.bytes, m.bytes, f.bytes);
   }
-  EXPECT_EQ(Pixel(canvas, 0, 0), Pixel(fill, 0, 0));
-  EXPECT_EQ(Pixel(canvas, 1, 1), 0u);
-  EXPECT_EQ(Pixel(canvas, 4, 0), 0u);  // beyond the fill picture
-  EXPECT_EQ(Pixel(plane, 2, 2), 255u);
-  EXPECT_EQ(Pixel(plane, 1, 1), 0u);
-
-  MovableHandle ring = Filled(9, 3, 8, 0);
-  {
-    ScopedLock r(ring);
-    WriteDibPixel(r.bytes, 0, 0, 255);  // column 0 is never read
-    WriteDibPixel(r.bytes, 3, 1, 255);
-    WriteDibPixel(r.bytes, 5, 2, 128);
-  }
-  MovableHandle flat = Filled(5, 3, 24, 0x00FFFFFF);
-  MovableHandle alpha = Filled(5, 3, 8, 0);
-  {
-    ScopedLock c(flat), r(ring), p(alpha);
-    CompositeOutlineLayer(c.bytes, p.bytes, r.bytes, 0x000000FF);
-  }
-  EXPECT_EQ(Pixel(flat, 0, 0), 0x00FFFFFFu);
-  EXPECT_EQ(Pixel(flat, 2, 1), 0x000000FFu);
-  EXPECT_EQ(Pixel(flat, 4, 2), 0x007F7FFFu);  // 127 + 0 for green and blue, 127 + 128 for red
-  EXPECT_EQ(Pixel(alpha, 4, 2), 128u);
-  for (MovableHandle h : {canvas, fill, mask, plane, ring, flat, alpha}) MovableFree(h);
+  EXPECT_EQ(Pixel(canvas.handle, 0, 0), Pixel(fill.handle, 0, 0));
+  EXPECT_EQ(Pixel(canvas.handle, 1, 1), 0u);
+  EXPECT_EQ(Pixel(canvas.handle, 4, 0), 0u);
+  EXPECT_EQ(Pixel(plane.handle, 2, 2), 255u);
+  EXPECT_EQ(Pixel(plane.handle, 1, 1), 0u);
 }
 
+// Canvas-sized pictures, walked row by row, against the per-pixel definition: the shadow window
+// off every side of the canvas, coverage adding up and saturating in the alpha plane, and the
+// outline read one column right from a ring four columns wider.
 TEST(Layers, RowLoopsMatchThePixelDefinitionOnRandomPictures) {
-  // Canvas-sized pictures (walked row by row) against the per-pixel definition, with the shadow
-  // window off every side of the canvas and a ring four columns wider.
   const int w = 37, h = 9;
   for (int shift : {-5, 0, 3}) {
     for (int withPlane : {0, 1}) {
-      MovableHandle canvas = RandomImage(w, h, 24, 1), expected = RandomImage(w, h, 24, 1);
-      MovableHandle plane = RandomImage(w, h, 8, 2), expectedPlane = RandomImage(w, h, 8, 2);
-      MovableHandle mask = RandomImage(w, h, 8, 3), picture = RandomImage(w, h, 24, 4);
-      MovableHandle ring = RandomImage(w + 4, h, 8, 5);
+      ScopedBlock canvas(RandomImage(w, h, 24, 1)), expected(RandomImage(w, h, 24, 1));
+      ScopedBlock plane(RandomImage(w, h, 8, 2)), expectedPlane(RandomImage(w, h, 8, 2));
+      ScopedBlock mask(RandomImage(w, h, 8, 3)), picture(RandomImage(w, h, 24, 4));
+      ScopedBlock ring(RandomImage(w + 4, h, 8, 5));
       {
-        ScopedLock c(canvas), p(plane), m(mask), s(picture), r(ring), e(expected),
-            ep(expectedPlane);
+        ScopedLock c(canvas.handle), p(plane.handle), m(mask.handle), s(picture.handle),
+            r(ring.handle), e(expected.handle), ep(expectedPlane.handle);
         void* pl = withPlane ? p.bytes : nullptr;
         CompositeShadowLayer(c.bytes, pl, m.bytes, s.bytes, shift, -shift);
         CompositeFillLayer(c.bytes, pl, m.bytes, s.bytes);
@@ -145,34 +100,26 @@ TEST(Layers, RowLoopsMatchThePixelDefinitionOnRandomPictures) {
             if (withPlane) add(x, y, v), add(x, y, o);
           }
       }
-      EXPECT_TRUE(SameBlocks(canvas, expected)) << shift << " " << withPlane;
-      EXPECT_TRUE(SameBlocks(plane, expectedPlane)) << shift << " " << withPlane;
-      for (MovableHandle m : {canvas, expected, plane, expectedPlane, mask, picture, ring})
-        MovableFree(m);
+      EXPECT_TRUE(SameBlocks(canvas.handle, expected.handle)) << shift << " " << withPlane;
+      EXPECT_TRUE(SameBlocks(plane.handle, expectedPlane.handle)) << shift << " " << withPlane;
     }
   }
 }
 
 TEST(Conversions, FlattenExpandAndAlpha) {
-  MovableHandle argb = CreatePackedDib32(2, 1);
+  ScopedBlock argb(CreatePackedDib32(2, 1));
   {
-    ScopedLock lock(argb);
+    ScopedLock lock(argb.handle);
     WriteDibPixel(lock.bytes, 0, 0, 0x80FF0000);
     WriteDibPixel(lock.bytes, 1, 0, 0x00123456);
   }
-  MovableHandle flat = FlattenOnColour(argb, 0x000000FF);
-  EXPECT_EQ(Pixel(flat, 0, 0), 0x0080007Fu);
-  EXPECT_EQ(Pixel(flat, 1, 0), 0x000000FFu);
-  MovableHandle mask = AlphaToMask(argb);
-  EXPECT_EQ(Pixel(mask, 0, 0), 0x80u);
-  EXPECT_EQ(FlattenOnColour(flat, 0), nullptr);
-  MovableHandle opaque = AlphaToMask(flat);
-  EXPECT_EQ(Pixel(opaque, 1, 0), 255u);
-  MovableHandle expanded = ExpandToArgb(mask);  // grey table: 0x80 -> 0x808080
-  EXPECT_EQ(Pixel(expanded, 0, 0), 0xFF808080u);
-  MovableHandle again = ExpandToArgb(argb);
-  EXPECT_EQ(Pixel(again, 1, 0), 0xFF123456u);
-  for (MovableHandle h : {argb, flat, mask, opaque, expanded, again}) MovableFree(h);
+  ScopedBlock flat(FlattenOnColour(argb.handle, 0x000000FF)), mask(AlphaToMask(argb.handle));
+  EXPECT_EQ(ReadPicture(flat.handle).values, (std::vector<uint32_t>{0x0080007F, 0x000000FF}));
+  EXPECT_EQ(Pixel(mask.handle, 0, 0), 0x80u);
+  EXPECT_EQ(FlattenOnColour(flat.handle, 0), nullptr);
+  EXPECT_EQ(TakePicture(AlphaToMask(flat.handle)).At(1, 0), 255u);
+  EXPECT_EQ(TakePicture(ExpandToArgb(mask.handle)).At(0, 0), 0xFF808080u);  // the grey table
+  EXPECT_EQ(TakePicture(ExpandToArgb(argb.handle)).At(1, 0), 0xFF123456u);
 }
 
 TEST(Conversions, BitmapFileWithAShortTable) {
@@ -184,11 +131,9 @@ TEST(Conversions, BitmapFileWithAShortTable) {
   const uint8_t table[8] = {0x30, 0x20, 0x10, 0, 0xCC, 0xBB, 0xAA, 0};
   std::memcpy(file.data() + 54, table, 8);
   file[62] = 1, file[63] = 0;
-  MovableHandle flat = FlattenBitmapFile(file.data(), file.size(), 0);
-  EXPECT_EQ(Pixel(flat, 0, 0), 0x00CCBBAAu);
-  EXPECT_EQ(Pixel(flat, 1, 0), 0x00302010u);
+  EXPECT_EQ(TakePicture(FlattenBitmapFile(file.data(), file.size(), 0)).values,
+            (std::vector<uint32_t>{0x00CCBBAA, 0x00302010}));
   EXPECT_EQ(FlattenBitmapFile(file.data(), file.size() - 1, 0), nullptr);
-  MovableFree(flat);
   EXPECT_TRUE(SweepAllocationFailures([&] {
     MovableHandle made = FlattenBitmapFile(file.data(), file.size(), 0);
     MovableFree(made);
@@ -197,23 +142,19 @@ TEST(Conversions, BitmapFileWithAShortTable) {
 }
 
 TEST(Layers, SofteningBlursOnlyWhenSoftAndFinishingCombinesAlpha) {
-  MovableHandle mask = RandomImage(50, 45, 8, 8);
-  MovableHandle same = mask;
-  ASSERT_EQ(SoftenShadowMask(&mask, 0), 1);
-  EXPECT_EQ(mask, same);
-  MovableHandle copy = CopyMovableBlock(mask);
-  MovableHandle expected = GaussianBlur(copy, 200, 12);
-  ASSERT_EQ(SoftenShadowMask(&mask, 10), 1);  // the default softness: sigma 1.2
-  EXPECT_TRUE(SameBlocks(mask, expected));
-  for (MovableHandle h : {mask, copy, expected}) MovableFree(h);
+  ScopedBlock mask(RandomImage(50, 45, 8, 8));
+  const MovableHandle same = mask.handle;
+  ASSERT_EQ(SoftenShadowMask(&mask.handle, 0), 1);
+  EXPECT_EQ(mask.handle, same);
+  ScopedBlock copy(CopyMovableBlock(mask.handle)), expected(GaussianBlur(copy.handle, 200, 12));
+  ASSERT_EQ(SoftenShadowMask(&mask.handle, 10), 1);  // the default softness: sigma 1.2
+  EXPECT_TRUE(SameBlocks(mask.handle, expected.handle));
 
   const long live = MovableLiveCount();
   MovableHandle canvas = Filled(3, 2, 24, 0x00123456);
   EXPECT_EQ(FinishTextFrame(canvas, nullptr), canvas);
-  MovableHandle plane = Filled(3, 2, 8, 77);
-  MovableHandle argb = FinishTextFrame(canvas, plane);
-  EXPECT_EQ(Pixel(argb, 2, 1), 0x4D123456u);
-  MovableFree(argb);
+  // With a plane, both inputs are consumed and the ARGB frame comes back.
+  EXPECT_EQ(TakePicture(FinishTextFrame(canvas, Filled(3, 2, 8, 77))).At(2, 1), 0x4D123456u);
   EXPECT_EQ(MovableLiveCount(), live);
 }
 

@@ -14,23 +14,12 @@
 #include "shell/packed_dib.h"
 #include "tests/support/alloc_sweep.h"
 #include "tests/support/imaging_reference.h"
+#include "tests/support/test_images.h"
 
 namespace {
 
-// The pixel values of a picture, top-left first.
 std::vector<uint32_t> Pixels(MovableHandle image) {
-  std::vector<uint32_t> out;
-  ScopedLock lock(image);
-  if (!lock) return out;
-  const auto* h = reinterpret_cast<const BitmapInfoHeader*>(lock.bytes);
-  for (int32_t y = 0; y < h->biHeight; ++y)
-    for (int32_t x = 0; x < h->biWidth; ++x) out.push_back(ReadDibPixel(lock.bytes, x, y));
-  return out;
-}
-
-int32_t Depth(MovableHandle image) {
-  ScopedLock lock(image);
-  return reinterpret_cast<const BitmapInfoHeader*>(lock.bytes)->biBitCount;
+  return ReadPicture(image).values;
 }
 
 const uint32_t kWhite = 0xFFFFFF;
@@ -45,7 +34,7 @@ TEST(DitherToPalette, ColourPathSpreadsUpwardAndOnlyDownInOneColumn) {
   BuildFixedPalette(palette, nullptr, 0);
   Owned out(DitherToPalette(image.h, palette, 2, 2));
   ASSERT_TRUE(out.h);
-  EXPECT_EQ(Depth(out.h), 4);
+  EXPECT_EQ(ReadPicture(out.h).bits, 4);
   EXPECT_EQ(Pixels(out.h), std::vector<uint32_t>({1, 0}));
   // The plain remap spreads nothing.
   Owned plain(RemapToPalette(image.h, palette, 2, 2));
@@ -77,7 +66,7 @@ TEST(DitherToPalette, BiLevelFlatGreyFollowsTheToneMap) {
   // The key of this grey is 127, so low = high = middle = 127. The default map lifts 127 to 150:
   // every pixel is set.
   Owned lifted(DitherToPalette(grey.h, palette, 1, 2));
-  EXPECT_EQ(Depth(lifted.h), 1);
+  EXPECT_EQ(ReadPicture(lifted.h).bits, 1);
   EXPECT_EQ(Pixels(lifted.h), std::vector<uint32_t>(15, 1));
   // An identity map leaves 127, which is not above the middle: every pixel is clear.
   Owned level(DitherToPalette(grey.h, palette, 1, 2, {0, 0, 0}));

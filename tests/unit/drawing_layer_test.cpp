@@ -1,11 +1,14 @@
 #include "text/drawing_layer.h"
 
+#include <algorithm>
+
 #include <gtest/gtest.h>
 
 #include "platform/font.h"
 #include "shell/packed_dib.h"
 #include "tests/support/alloc_sweep.h"
 #include "tests/support/drawing_session.h"
+#include "tests/support/test_images.h"
 
 namespace {
 
@@ -29,21 +32,10 @@ class DrawingSession : public testing::Environment {
 
 testing::Environment* const kSession = testing::AddGlobalTestEnvironment(new DrawingSession);
 
-struct Picture {
-  MovableHandle handle;
-  int32_t width = 0, height = 0, bits = 0;
-  explicit Picture(uint64_t result) : handle(reinterpret_cast<MovableHandle>(result)) {
-    ScopedLock lock(handle);
-    if (!lock) return;
-    const BitmapInfoHeader* h = reinterpret_cast<const BitmapInfoHeader*>(lock.bytes);
-    width = h->biWidth, height = h->biHeight, bits = h->biBitCount;
-  }
-  ~Picture() { MovableFree(handle); }
-  uint32_t At(int32_t x, int32_t y) const {
-    ScopedLock lock(handle);
-    return ReadDibPixel(lock.bytes, x, y);
-  }
-};
+// Performs a drawing request and reads out (and frees) the picture it returns.
+PictureValues Draw(DrawRequest* request) {
+  return TakePicture(reinterpret_cast<MovableHandle>(DispatchDraw(request)));
+}
 
 DrawRequest TextRequest(const LayoutFont& font, const char* text, int32_t mode) {
   DrawRequest r = {};
@@ -88,7 +80,7 @@ TEST(DispatchDraw, MeasuringSubtractsOneSpaceFromPrintableFirstBytes) {
   EXPECT_EQ(DispatchDraw(&space), 1u);
   EXPECT_EQ(DispatchDraw(&letter), 1u);
   EXPECT_EQ(DispatchDraw(&empty), 1u);
-  Picture picture(DispatchDraw(&drawn));
+  const PictureValues picture = Draw(&drawn);
   EXPECT_GT(space.measuredWidth, 0);
   EXPECT_GT(letter.measuredWidth, space.measuredWidth);
   // Drawing does not subtract: its picture is the full measured box.
@@ -109,19 +101,16 @@ void CountGlyphPixels(int32_t antialias, int* full, int* partial) {
   ASSERT_EQ(CreateLayoutFont(nullptr, kTestFace, 40, 1, 0, &font), 1);
   DrawRequest r = TextRequest(font, "O", kTextBitmap);
   r.antialias = antialias;
-  Picture picture(DispatchDraw(&r));
+  const PictureValues picture = Draw(&r);
   DeleteLayoutFont(&font);
-  ASSERT_NE(picture.handle, nullptr);
+  ASSERT_FALSE(picture.values.empty());
   *full = *partial = 0;
-  for (int32_t y = 0; y < picture.height; ++y)
-    for (int32_t x = 0; x < picture.width; ++x) {
-      const uint32_t v = picture.At(x, y);
-      ASSERT_EQ(v & 0xFF, (v >> 8) & 0xFF);
-      ASSERT_EQ(v & 0xFF, (v >> 16) & 0xFF);
-      ASSERT_LE(v & 0xFF, 200u);
-      *full += (v & 0xFF) == 200;
-      *partial += (v & 0xFF) != 200 && (v & 0xFF) != 0;
-    }
+  for (uint32_t v : picture.values) {
+    ASSERT_EQ(v, (v & 0xFF) * 0x010101u);
+    ASSERT_LE(v & 0xFF, 200u);
+    *full += (v & 0xFF) == 200;
+    *partial += (v & 0xFF) != 200 && (v & 0xFF) != 0;
+  }
 }
 
 TEST(DispatchDraw, GlyphsAreGreyOnBlack) {
@@ -139,50 +128,27 @@ TEST(DispatchDraw, ShapesKeepTheirGeometry) {
   polygon.bounds = {0, 0, 32, 24};
   polygon.vertices = triangle;
   polygon.vertexCount = 3;
-  polygon.polygonFill = -1;
-  polygon.polygonOutline = -1;
-  Picture black(DispatchDraw(&polygon));
-  ASSERT_NE(black.handle, nullptr);
-  EXPECT_EQ(black.width, 40);
-  EXPECT_EQ(black.At(10, 8), 0u);
+  polygon.polygonFill = polygon.polygonOutline = -1;
+  const PictureValues black = Draw(&polygon);
   polygon.polygonFill = 0x0000FF;
-  Picture red(DispatchDraw(&polygon));
-  EXPECT_EQ(red.At(8, 8), 0x000000FFu);
-  EXPECT_EQ(red.At(28, 18), 0u);
+  const PictureValues red = Draw(&polygon);
 
-  // The rounded rectangle stands c = p / 2 + 4 pixels short on the right and lower sides.
+  // The rounded rectangle stands c = p / 2 + 4 = 5 pixels short on the right and lower sides. At
+  // 100% the arcs take the reduced box's full shorter side, d = min(58 - 5, 38 - 5) = 33: the
+  // corners are round through and the middle stays filled.
   DrawRequest rect = {};
   rect.operation = kDrawRectangle;
   rect.bounds = {0, 0, 60, 40};
   rect.shapePenWidth = 2;
   rect.shapeFill = 0xFFFFFF;
   rect.shapeOutline = -1;
-  Picture square(DispatchDraw(&rect));
+  const PictureValues square = Draw(&rect);
   rect.cornerPercent = 20;
-  Picture rounded(DispatchDraw(&rect));
-  ASSERT_EQ(square.width, 68);
-  ASSERT_EQ(rounded.width, 68);
-  auto lastLit = [](const Picture& p, int32_t y) {
-    int32_t last = -1;
-    for (int32_t x = 0; x < p.width; ++x)
-      if (p.At(x, y)) last = x;
-    return last;
-  };
-  const int32_t c = 2 / 2 + 4;
-  EXPECT_NEAR(lastLit(square, 30) - lastLit(rounded, 30), c, 1);
-  // At 100% the arcs take the reduced box's full shorter side, d = min(58 - 5, 38 - 5) = 33: the
-  // corners are round through and the middle stays filled.
+  const PictureValues rounded = Draw(&rect);
   rect.cornerPercent = 100;
-  Picture round(DispatchDraw(&rect));
-  EXPECT_EQ(round.At(c + 2, c + 2), 0u);
-  EXPECT_EQ(round.At(c + 2, 21), 0x00FFFFFFu);
-  EXPECT_EQ(round.At(30, c + 1), 0x00FFFFFFu);
-
-  DrawRequest ellipse = rect;
-  ellipse.operation = kDrawEllipse;
-  Picture oval(DispatchDraw(&ellipse));
-  EXPECT_EQ(oval.At(34, 24), 0x00FFFFFFu);
-  EXPECT_EQ(oval.At(6, 6), 0u);
+  const PictureValues round = Draw(&rect);
+  rect.operation = kDrawEllipse;
+  const PictureValues oval = Draw(&rect);
 
   DrawRequest line = {};
   line.operation = kDrawLine;
@@ -190,12 +156,31 @@ TEST(DispatchDraw, ShapesKeepTheirGeometry) {
   line.lineX1 = 10, line.lineY1 = 5, line.lineX2 = 30, line.lineY2 = 5;
   line.lineWidth = 3;
   line.lineColour = 0x00FF00;
-  Picture stroke(DispatchDraw(&line));
   // (3 / 2 + 3) * 2 + 8 = 16 of margin; the line runs at y = 3 + 4 + 1 = 8.
-  EXPECT_EQ(stroke.width, 36);
+  const PictureValues stroke = Draw(&line);
   EXPECT_EQ(stroke.height, 16);
-  EXPECT_EQ(stroke.At(15, 8), 0x0000FF00u);
-  EXPECT_EQ(stroke.At(15, 2), 0u);
+
+  const struct {
+    const PictureValues& picture;
+    int32_t width, x, y;
+    uint32_t expected;
+  } checks[] = {{black, 40, 10, 8, 0},        {red, 40, 8, 8, 0xFF},
+                {red, 40, 28, 18, 0},         {round, 68, 7, 7, 0},
+                {round, 68, 7, 21, 0xFFFFFF}, {round, 68, 30, 6, 0xFFFFFF},
+                {oval, 68, 34, 24, 0xFFFFFF}, {oval, 68, 6, 6, 0},
+                {stroke, 36, 15, 8, 0xFF00},  {stroke, 36, 15, 2, 0}};
+  for (const auto& c : checks) {
+    ASSERT_EQ(c.picture.width, c.width) << c.x << "," << c.y;
+    EXPECT_EQ(c.picture.At(c.x, c.y), c.expected) << c.x << "," << c.y;
+  }
+  ASSERT_EQ(square.width + rounded.width, 2 * 68);
+  auto lastLit = [](const PictureValues& p, int32_t y) {
+    int32_t last = -1;
+    for (int32_t x = 0; x < p.width; ++x)
+      if (p.At(x, y)) last = x;
+    return last;
+  };
+  EXPECT_NEAR(lastLit(square, 30) - lastLit(rounded, 30), 5, 1);
 }
 
 TEST(DispatchDraw, PathGradientsCentreOnTheirPercentages) {
@@ -205,25 +190,24 @@ TEST(DispatchDraw, PathGradientsCentreOnTheirPercentages) {
   r.gradientHeight = 20;
   r.gradientKind = 2;
   r.gradientFrom = 0xFFFFFF;
-  r.gradientTo = 0x000000;
   r.gradientCentreX = 100;
-  Picture right(DispatchDraw(&r));
-  ASSERT_EQ(right.width, 40);
-  EXPECT_GT(right.At(38, 10) & 0xFF, right.At(20, 10) & 0xFF);
-  EXPECT_GT(right.At(20, 10) & 0xFF, right.At(2, 10) & 0xFF);
+  const PictureValues right = Draw(&r);
   r.gradientCentreX = -100;
-  Picture left(DispatchDraw(&r));
-  EXPECT_GT(left.At(1, 10) & 0xFF, left.At(20, 10) & 0xFF);
-  EXPECT_GT(left.At(20, 10) & 0xFF, left.At(38, 10) & 0xFF);
+  const PictureValues left = Draw(&r);
+  ASSERT_EQ(right.width, 40);
+  auto red = [](const PictureValues& p, int32_t x) { return p.At(x, 10) & 0xFF; };
+  EXPECT_GT(red(right, 38), red(right, 20));
+  EXPECT_GT(red(right, 20), red(right, 2));
+  EXPECT_GT(red(left, 1), red(left, 20));
+  EXPECT_GT(red(left, 20), red(left, 38));
   r.gradientKind = 1;
   r.gradientCentreX = 0;
   r.gradientTo = 0x0000FF;
-  Picture oval(DispatchDraw(&r));
+  const PictureValues oval = Draw(&r);
   EXPECT_EQ(oval.At(0, 0), 0x000000FFu);  // corners outside the ellipse take the surround
   EXPECT_GT((oval.At(20, 10) >> 8) & 0xFF, 200u);
   r.gradientKind = 0;
-  r.gradientAngle = 0;
-  Picture linear(DispatchDraw(&r));
+  const PictureValues linear = Draw(&r);
   EXPECT_GT((linear.At(2, 10) >> 8) & 0xFF, (linear.At(37, 10) >> 8) & 0xFF);
 }
 
@@ -259,18 +243,14 @@ TEST(DispatchDraw, TextPathsFillAndOutlineInTheirOwnColours) {
     DrawRequest r = TextRequest(font, "Hg", c.mode);
     r.textColour = c.colour;
     r.textPenWidth = 3;
-    Picture picture(DispatchDraw(&r));
-    ASSERT_NE(picture.handle, nullptr) << c.mode;
+    const PictureValues picture = Draw(&r);
+    ASSERT_FALSE(picture.values.empty()) << c.mode;
     EXPECT_EQ(picture.width, r.measuredWidth);
-    int inked = 0;
-    for (int32_t y = 0; y < picture.height; ++y)
-      for (int32_t x = 0; x < picture.width; ++x) {
-        const uint32_t v = picture.At(x, y);
-        if (!v) continue;
-        ASSERT_EQ(v, c.expected) << c.mode << " at " << x << "," << y;
-        ++inked;
-      }
+    const auto inked = std::count(picture.values.begin(), picture.values.end(), c.expected);
     EXPECT_GT(inked, 100) << c.mode;
+    EXPECT_EQ(inked + std::count(picture.values.begin(), picture.values.end(), 0u),
+              static_cast<long>(picture.values.size()))
+        << "every pixel is black or the pen's colour, mode " << c.mode;
   }
   DeleteLayoutFont(&font);
 }

@@ -7,6 +7,7 @@
 #include "shell/packed_dib.h"
 #include "tests/support/alloc_sweep.h"
 #include "tests/support/drawing_session.h"
+#include "tests/support/test_images.h"
 
 namespace {
 
@@ -39,20 +40,12 @@ struct Frame {
 };
 
 Frame Render(const FrameSettings& settings, int x = 0, int y = 0) {
-  Frame f;
-  ScopedBlock image(RenderStandardFrame(nullptr, &settings, x, y));
-  ScopedLock lock(image.handle);
-  if (!lock) return f;
-  const BitmapInfoHeader* h = reinterpret_cast<const BitmapInfoHeader*>(lock.bytes);
-  f.width = h->biWidth;
-  f.height = h->biHeight;
-  f.bits = h->biBitCount;
-  for (int py = 0; py < f.height; ++py)
-    for (int px = 0; px < f.width; ++px) {
-      const uint32_t v = ReadDibPixel(lock.bytes, px, py);
-      ++f.colours[v & 0xFFFFFF];
-      if (f.bits == 32) ++f.alphas[v >> 24];
-    }
+  const PictureValues p = TakePicture(RenderStandardFrame(nullptr, &settings, x, y));
+  Frame f{p.width, p.height, p.bits, {}, {}};
+  for (uint32_t v : p.values) {
+    ++f.colours[v & 0xFFFFFF];
+    if (f.bits == 32) ++f.alphas[v >> 24];
+  }
   return f;
 }
 

@@ -7,29 +7,9 @@
 
 #include "shell/packed_dib.h"
 #include "tests/support/alloc_sweep.h"
+#include "tests/support/test_images.h"
 
 namespace {
-
-// The pixels of an image, row by row from the top, freed with the image.
-struct Pixels {
-  int32_t width = 0, height = 0;
-  std::vector<uint32_t> values;
-  uint32_t At(int x, int y) const { return values[static_cast<size_t>(y) * width + x]; }
-};
-
-Pixels Take(MovableHandle image) {
-  Pixels p;
-  ScopedBlock owner(image);
-  ScopedLock lock(image);
-  if (!lock) return p;
-  const BitmapInfoHeader* h = reinterpret_cast<const BitmapInfoHeader*>(lock.bytes);
-  EXPECT_EQ(h->biBitCount, 24);
-  p.width = h->biWidth;
-  p.height = h->biHeight;
-  for (int y = 0; y < p.height; ++y)
-    for (int x = 0; x < p.width; ++x) p.values.push_back(ReadDibPixel(lock.bytes, x, y));
-  return p;
-}
 
 std::vector<uint32_t> Table(const GradientSpec& spec, const FountainGradient* fountain, int count) {
   std::vector<uint32_t> entries;
@@ -57,27 +37,22 @@ int Channel(uint32_t colour, int shift) {
 }  // namespace
 
 TEST(FountainGradient, MarkerSetsResetTheListAndKeepTheFlags) {
-  FountainGradient g;
-  std::memset(&g, 0x5A, sizeof(g));
-  g.flags = kFountainLooped;
-  InitFountainGradient(&g, 7);
-  EXPECT_EQ(std::memcmp(g.magic, "COBLFOUN", 8), 0);
-  EXPECT_EQ(g.version, 0x04000001u);
-  EXPECT_EQ(g.size, 585u);
-  EXPECT_EQ(g.flags, kFountainLooped);
-  EXPECT_EQ(g.markerCount, 7u);
-  EXPECT_EQ(g.markers[0], 0x20FF0000u);
-  EXPECT_EQ(g.markers[6], 0xE0CC0099u);
-  EXPECT_EQ(g.markers[7], 0u);
-  EXPECT_EQ(g.name[0], 0);
-  EXPECT_EQ(g.leftColour, 0u);
-  EXPECT_EQ(g.rightColour, 0xFFFFFFFFu);
-  InitFountainGradient(&g, 1);
-  EXPECT_EQ(g.markerCount, 1u);
-  EXPECT_EQ(g.markers[0], 0x80808080u);
-  EXPECT_EQ(g.markers[1], 0u);
-  InitFountainGradient(&g, 0);
-  EXPECT_EQ(g.markerCount, 0u);
+  const uint32_t sets[][3] = {{7, 7, 0x20FF0000}, {1, 1, 0x80808080}, {0, 0, 0}};
+  for (const auto& set : sets) {
+    FountainGradient g;
+    std::memset(&g, 0x5A, sizeof(g));
+    g.flags = kFountainLooped;
+    InitFountainGradient(&g, static_cast<int32_t>(set[0]));
+    EXPECT_EQ(std::memcmp(g.magic, "COBLFOUN", 8), 0);
+    EXPECT_EQ(g.version, 0x04000001u);
+    EXPECT_EQ(g.size, 585u);
+    EXPECT_EQ(g.flags, kFountainLooped);
+    EXPECT_EQ(g.markerCount, set[1]);
+    EXPECT_EQ(g.markers[0], set[2]);
+    EXPECT_EQ(g.markers[set[1]], 0u) << "markers past the count are zeroed";
+    EXPECT_EQ(g.name[0] | g.leftColour, 0u);
+    EXPECT_EQ(g.rightColour, 0xFFFFFFFFu);
+  }
 }
 
 TEST(GradientLookup, TwoColourTablesPadEndsAndForceTheirColours) {
@@ -130,14 +105,14 @@ TEST(FountainStrip, SegmentsStepLoopAndStartAtAMarkerOnZero) {
   InitFountainGradient(&g, 0);
   g.leftColour = 0x000000;
   g.rightColour = 0xFFFFFFFF;  // the top byte is ignored
-  Pixels p = Take(FountainStrip(&g, 200, 2));
+  PictureValues p = TakePicture(FountainStrip(&g, 200, 2));
   ASSERT_EQ(p.width, 200);
   EXPECT_LE(Channel(p.At(0, 0), 0), 8);
   EXPECT_GE(Channel(p.At(199, 1), 0), 0xF7);
   EXPECT_EQ(p.At(199, 1) >> 24, 0u);
 
   g.flags = kFountainLooped;  // back to black at the end
-  p = Take(FountainStrip(&g, 200, 1));
+  p = TakePicture(FountainStrip(&g, 200, 1));
   EXPECT_LE(Channel(p.At(199, 0), 0), 8);
 
   // A marker on 0 replaces the left colour; two markers on one position make a hard step.
@@ -147,7 +122,7 @@ TEST(FountainStrip, SegmentsStepLoopAndStartAtAMarkerOnZero) {
   g.markers[1] = 0x80u << 24 | 0x0000FF;
   g.markers[2] = 0x80u << 24 | 0x00FF00;
   g.rightColour = 0x00FF00;
-  p = Take(FountainStrip(&g, 255, 1));
+  p = TakePicture(FountainStrip(&g, 255, 1));
   EXPECT_EQ(p.At(0, 0), 0x0000FFu);
   EXPECT_EQ(p.At(127, 0), 0x0000FFu);
   EXPECT_EQ(p.At(128, 0), 0x00FF00u);
@@ -158,18 +133,19 @@ TEST(LinearGradient, BandsFollowTheTableAndTheRotation) {
   // Unrotated, with 256 rows of bands over height + 4, row r is band r + 2.
   const GradientSpec spec = TwoColours(0x000000, 0xFFFFFF);
   const std::vector<uint32_t> t = Table(spec, nullptr, 256);
-  Pixels p = Take(MakeGradientImage(3, 252, &spec, nullptr));
+  PictureValues p = TakePicture(MakeGradientImage(3, 252, &spec, nullptr));
   ASSERT_EQ(p.height, 252);
+  ASSERT_EQ(p.bits, 24);
   for (int y = 0; y < 252; ++y)
     for (int x = 0; x < 3; ++x) ASSERT_EQ(p.At(x, y), t[y + 2]) << x << "," << y;
 
   // Plain mode runs the other way: the top shows `second`.
-  p = Take(MakeRampImage(0x0000FF, 0xFF0000, 3, 252, 0, 0, 0, 0));
+  p = TakePicture(MakeRampImage(0x0000FF, 0xFF0000, 3, 252, 0, 0, 0, 0));
   EXPECT_EQ(p.At(1, 0), BlendColours(0xFF0000, 0x0000FF, 2 / 256.0));
 
   // Rotated bands overlap and leave no pixel unpainted (the surface starts black).
   for (int rotation : {30, 45, 117, -200, 333}) {
-    p = Take(MakeRampImage(0x204060, 0x604020, 41, 29, 0, 0, rotation, 0));
+    p = TakePicture(MakeRampImage(0x204060, 0x604020, 41, 29, 0, 0, rotation, 0));
     ASSERT_EQ(p.width, 41);
     for (uint32_t v : p.values) ASSERT_GE(Channel(v, 8), 0x40) << rotation;
   }
@@ -177,28 +153,30 @@ TEST(LinearGradient, BandsFollowTheTableAndTheRotation) {
 
 TEST(ConicalGradient, AnglesMirrorAroundTheCentre) {
   const uint32_t a = 0x000000, b = 0xFFFFFF, half = BlendColours(a, b, 0.5);
-  Pixels p = Take(MakeRampImage(a, b, 9, 9, 0, 0, 0, kGradientConical));
+  PictureValues p = TakePicture(MakeRampImage(a, b, 9, 9, 0, 0, 0, kGradientConical));
   ASSERT_EQ(p.width, 9);
   EXPECT_EQ(p.At(8, 4), b);  // right of the centre
   EXPECT_EQ(p.At(0, 4), a);  // left of it
   EXPECT_EQ(p.At(4, 0), half);
   EXPECT_EQ(p.At(4, 8), half);
-  p = Take(MakeRampImage(a, b, 9, 9, 0, 0, 180, kGradientConical));
+  p = TakePicture(MakeRampImage(a, b, 9, 9, 0, 0, 180, kGradientConical));
   EXPECT_EQ(p.At(8, 4), a);
   EXPECT_EQ(p.At(0, 4), b);
   // A positive centreY moves the centre up: row 2 of 8 is now its row.
-  p = Take(MakeRampImage(a, b, 8, 8, 0, 25, 0, kGradientConical));
+  p = TakePicture(MakeRampImage(a, b, 8, 8, 0, 25, 0, kGradientConical));
   EXPECT_EQ(p.At(7, 2), b);
   EXPECT_EQ(p.At(0, 2), a);
 }
 
 TEST(ShrinkingShapes, BackgroundDriftAndTheEmptyCase) {
   // One pixel: no shape at all, only the background.
-  EXPECT_EQ(Take(MakeRampImage(0x123456, 0xFFFFFF, 1, 1, 0, 0, 0, kGradientElliptical)).At(0, 0),
-            0x123456u);
+  EXPECT_EQ(
+      TakePicture(MakeRampImage(0x123456, 0xFFFFFF, 1, 1, 0, 0, 0, kGradientElliptical)).At(0, 0),
+      0x123456u);
   GradientSpec spec = TwoColours(0x404040, 0xC0C0C0);
   spec.type = kGradientRectangular;
-  EXPECT_EQ(Take(MakeGradientImage(1, 1, &spec, nullptr)).At(0, 0), 0u) << "empty table: black";
+  EXPECT_EQ(TakePicture(MakeGradientImage(1, 1, &spec, nullptr)).At(0, 0), 0u)
+      << "empty table: black";
 
   // The innermost shape lies off centre by centreX percent; the brightest plateau is a few pixels
   // wide and the first of it is taken.
@@ -206,7 +184,8 @@ TEST(ShrinkingShapes, BackgroundDriftAndTheEmptyCase) {
     int brightest[3];
     const int centres[3] = {-40, 0, 40};
     for (int k = 0; k < 3; ++k) {
-      Pixels p = Take(MakeRampImage(0x000000, 0xFFFFFF, 60, 60, centres[k], 0, 0, type));
+      PictureValues p =
+          TakePicture(MakeRampImage(0x000000, 0xFFFFFF, 60, 60, centres[k], 0, 0, type));
       ASSERT_EQ(p.width, 60);
       brightest[k] = 0;
       for (int x = 0; x < 60; ++x)

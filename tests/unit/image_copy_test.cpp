@@ -1,5 +1,7 @@
 #include "text/image_copy.h"
 
+#include <vector>
+
 #include <gtest/gtest.h>
 
 #include "shell/packed_dib.h"
@@ -37,25 +39,25 @@ TEST(CopyImageRect, MatchesPixelByPixelCopiesWithClipping) {
 TEST(Rolls, WrapAroundAndKeepThePictureAtTheLimits) {
   ScopedBlock owner(RandomImage(5, 4, 24, 21));
   MovableHandle image = owner.handle;
-  ScopedLock in(image);
-  for (int d : {0, 1, 3, 4}) {
-    ScopedBlock down(RollDown(image, d)), up(RollUp(image, d));
-    ScopedLock a(down.handle), b(up.handle);
-    for (int y = 0; y < 4; ++y)
-      for (int x = 0; x < 5; ++x) {
-        ASSERT_EQ(ReadDibPixel(a.bytes, x, (y + d) % 4), ReadDibPixel(in.bytes, x, y)) << d;
-        ASSERT_EQ(ReadDibPixel(b.bytes, x, y), ReadDibPixel(in.bytes, x, (y + d) % 4)) << d;
-      }
-  }
-  for (int d : {0, 2, 5}) {
-    ScopedBlock right(RollRight(image, d)), left(RollLeft(image, d));
-    ScopedLock a(right.handle), b(left.handle);
-    for (int y = 0; y < 4; ++y)
-      for (int x = 0; x < 5; ++x) {
-        ASSERT_EQ(ReadDibPixel(a.bytes, (x + d) % 5, y), ReadDibPixel(in.bytes, x, y)) << d;
-        ASSERT_EQ(ReadDibPixel(b.bytes, x, y), ReadDibPixel(in.bytes, (x + d) % 5, y)) << d;
-      }
-  }
+  const PictureValues in = ReadPicture(image);
+  // Where pixel (x, y) lands: moved by distance times (dx, dy), wrapped.
+  const struct {
+    MovableHandle (*roll)(MovableHandle, int32_t);
+    int dx, dy;
+    std::vector<int> distances;
+  } rolls[] = {{RollDown, 0, 1, {0, 1, 3, 4}},
+               {RollUp, 0, -1, {0, 1, 3, 4}},
+               {RollRight, 1, 0, {0, 2, 5}},
+               {RollLeft, -1, 0, {0, 2, 5}}};
+  for (const auto& r : rolls)
+    for (int d : r.distances) {
+      const PictureValues out = TakePicture(r.roll(image, d));
+      ASSERT_EQ(out.values.size(), in.values.size());
+      for (int y = 0; y < 4; ++y)
+        for (int x = 0; x < 5; ++x)
+          ASSERT_EQ(out.At((x + r.dx * d + 5) % 5, (y + r.dy * d + 4) % 4), in.At(x, y))
+              << r.dx << "," << r.dy << " by " << d;
+    }
   EXPECT_TRUE(SweepAllocationFailures([&] {
     MovableHandle rolled = RollLeft(image, 2);
     MovableFree(rolled);

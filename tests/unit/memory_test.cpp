@@ -7,32 +7,22 @@
 #include "tests/support/alloc_sweep.h"
 
 TEST(Memory, BlocksAreZeroFilledAndGrowZeroFilled) {
-  MovableHandle h = MovableAlloc(100);
-  ASSERT_NE(h, nullptr);
-  EXPECT_GE(MovableSize(h), 100u);
-  uint8_t* bytes = static_cast<uint8_t*>(MovableLock(h));
-  ASSERT_NE(bytes, nullptr);
-  for (int i = 0; i < 100; ++i) ASSERT_EQ(bytes[i], 0) << i;
-  std::memset(bytes, 0xAB, 100);
-  MovableUnlock(h);
-
-  MovableHandle grown = MovableReAlloc(h, 5000);
-  ASSERT_NE(grown, nullptr);
-  bytes = static_cast<uint8_t*>(MovableLock(grown));
-  EXPECT_EQ(bytes[99], 0xAB);
-  for (int i = 100; i < 5000; ++i) ASSERT_EQ(bytes[i], 0) << i;
-  MovableUnlock(grown);
-  EXPECT_EQ(MovableFree(grown), nullptr);
-}
-
-TEST(Memory, LiveCountFollowsAllocAndFree) {
   const long before = MovableLiveCount();
-  MovableHandle a = MovableAlloc(8);
-  MovableHandle b = MovableAlloc(8);
-  EXPECT_EQ(MovableLiveCount(), before + 2);
-  MovableFree(a);
-  MovableFree(b);
-  EXPECT_EQ(MovableLiveCount(), before);
+  ScopedBlock block(MovableAlloc(100));
+  ASSERT_NE(block.handle, nullptr);
+  EXPECT_GE(MovableSize(block.handle), 100u);
+  EXPECT_EQ(MovableLiveCount(), before + 1);
+  {
+    ScopedLock lock(block.handle);
+    ASSERT_TRUE(lock);
+    for (int i = 0; i < 100; ++i) ASSERT_EQ(lock.bytes[i], 0) << i;
+    std::memset(lock.bytes, 0xAB, 100);
+  }
+  block.handle = MovableReAlloc(block.handle, 5000);
+  ASSERT_NE(block.handle, nullptr);
+  ScopedLock lock(block.handle);
+  EXPECT_EQ(lock.bytes[99], 0xAB);
+  for (int i = 100; i < 5000; ++i) ASSERT_EQ(lock.bytes[i], 0) << i;
   EXPECT_EQ(MovableFree(nullptr), nullptr);
   EXPECT_EQ(MovableSize(nullptr), 0u);
   EXPECT_EQ(MovableLock(nullptr), nullptr);
@@ -41,9 +31,7 @@ TEST(Memory, LiveCountFollowsAllocAndFree) {
 TEST(Memory, InjectedFailureHitsOnlyTheNthAllocation) {
   const long before = MovableLiveCount();
   MovableFailAllocation(2);
-  MovableHandle first = MovableAlloc(4);
-  MovableHandle second = MovableAlloc(4);
-  MovableHandle third = MovableAlloc(4);
+  MovableHandle first = MovableAlloc(4), second = MovableAlloc(4), third = MovableAlloc(4);
   MovableFailAllocation(0);
   EXPECT_NE(first, nullptr);
   EXPECT_EQ(second, nullptr);
@@ -57,23 +45,16 @@ TEST(Memory, InjectedFailureHitsOnlyTheNthAllocation) {
   MovableFailAllocation(0);
   EXPECT_EQ(static_cast<uint8_t*>(MovableLock(first))[0], 7);
   MovableUnlock(first);
-  MovableFree(first);
+  EXPECT_EQ(MovableFree(first), nullptr);
   MovableFree(third);
   EXPECT_EQ(MovableLiveCount(), before);
 }
 
 TEST(Memory, ScopedGuardsPairLockAndFree) {
   const long before = MovableLiveCount();
-  {
-    ScopedBlock block(MovableAlloc(16));
-    ScopedLock lock(block.handle);
-    ASSERT_TRUE(lock);
-    lock.bytes[0] = 1;
-  }
-  EXPECT_EQ(MovableLiveCount(), before);
   MovableHandle kept;
   {
-    ScopedBlock block(MovableAlloc(16));
+    ScopedBlock freed(MovableAlloc(16)), block(MovableAlloc(16));
     { ScopedLock lock(block.handle); }
     kept = block.Release();
   }
@@ -88,10 +69,8 @@ TEST(AllocationSweep, CatchesALeakOnTheFailurePath) {
   // An operation that forgets its first block when the second allocation fails.
   MovableHandle forgotten = nullptr;
   auto leaky = [&forgotten] {
-    MovableHandle a = MovableAlloc(4);
-    if (!a) return 0;
-    forgotten = a;
-    MovableHandle b = MovableAlloc(4);
+    MovableHandle a = forgotten = MovableAlloc(4);
+    MovableHandle b = a ? MovableAlloc(4) : nullptr;
     if (!b) return 0;
     MovableFree(a);
     MovableFree(b);

@@ -1,6 +1,7 @@
 #include "shell/packed_dib.h"
 
 #include <cstring>
+#include <functional>
 
 #include <gtest/gtest.h>
 
@@ -61,48 +62,37 @@ TEST(PackedDib, PaletteFillsOnlyTheTableEntriesAsBlueGreenRed) {
   EXPECT_EQ(DibBits(lock.bytes)[0], 0);
 }
 
-TEST(PackedDib, PixelsRunTopDownOverBottomUpRows) {
-  ScopedBlock image(CreatePackedDib(5, 3, nullptr, 24));
-  ScopedLock lock(image.handle);
-  WriteDibPixel(lock.bytes, 1, 0, 0x00332211);
-  // y = 0 is the last row in memory; red is stored at +2.
-  const uint8_t* top = DibBits(lock.bytes) + 2 * DibStride(5, 24) + 3;
-  EXPECT_EQ(top[0], 0x33);
-  EXPECT_EQ(top[1], 0x22);
-  EXPECT_EQ(top[2], 0x11);
-  EXPECT_EQ(ReadDibPixel(lock.bytes, 1, 0), 0x00332211u);
+TEST(PackedDib, PixelBytesSitInBottomUpRows) {
+  // y = 0 is the last row in memory; red is stored at +2; the leftmost 1-bit pixel is bit 7 and
+  // only bit 0 of a value counts.
+  ScopedBlock colour(CreatePackedDib(5, 3, nullptr, 24)), bits(CreatePackedDib(9, 2, nullptr, 1));
+  ScopedLock c(colour.handle), b(bits.handle);
+  WriteDibPixel(c.bytes, 1, 0, 0x00332211);
+  const uint8_t* top = DibBits(c.bytes) + 2 * DibStride(5, 24) + 3;
+  EXPECT_EQ(top[0] << 16 | top[1] << 8 | top[2], 0x332211);
+  WriteDibPixel(b.bytes, 0, 0, 1);
+  WriteDibPixel(b.bytes, 8, 0, 3);
+  const uint8_t* lastRow = DibBits(b.bytes) + DibStride(9, 1);
+  EXPECT_EQ(lastRow[0] << 8 | lastRow[1], 0x8080);
+  WriteDibPixel(b.bytes, 0, 0, 2);
+  EXPECT_EQ(lastRow[0], 0x00);
 }
 
 TEST(PackedDib, EveryDepthRoundTripsAndKeepsNeighbours) {
   const int32_t depths[] = {1, 4, 8, 24, 32};
   const uint32_t masks[] = {0x1, 0xF, 0xFF, 0xFFFFFF, 0xFFFFFFFF};
+  auto value = [](int x, int y) { return x * 2654435761u + y * 40503u; };
   for (int d = 0; d < 5; ++d) {
     // Odd width so that rows carry padding and 4-bit pixels end on a half byte.
-    MovableHandle h = CreatePackedDib(11, 4, nullptr, depths[d]);
-    uint8_t* image = static_cast<uint8_t*>(MovableLock(h));
+    ScopedBlock image(CreatePackedDib(11, 4, nullptr, depths[d]));
+    ScopedLock lock(image.handle);
     for (int y = 0; y < 4; ++y)
-      for (int x = 0; x < 11; ++x) WriteDibPixel(image, x, y, (x * 2654435761u + y * 40503u));
+      for (int x = 0; x < 11; ++x) WriteDibPixel(lock.bytes, x, y, value(x, y));
     for (int y = 0; y < 4; ++y)
       for (int x = 0; x < 11; ++x)
-        ASSERT_EQ(ReadDibPixel(image, x, y), (x * 2654435761u + y * 40503u) & masks[d])
+        ASSERT_EQ(ReadDibPixel(lock.bytes, x, y), value(x, y) & masks[d])
             << "depth " << depths[d] << " at " << x << "," << y;
-    MovableUnlock(h);
-    MovableFree(h);
   }
-}
-
-TEST(PackedDib, OneBitLeftmostPixelIsBitSevenOfTheLastRow) {
-  MovableHandle h = CreatePackedDib(9, 2, nullptr, 1);
-  uint8_t* image = static_cast<uint8_t*>(MovableLock(h));
-  WriteDibPixel(image, 0, 0, 1);
-  WriteDibPixel(image, 8, 0, 3);  // only bit 0 of the value counts
-  const uint8_t* lastRow = DibBits(image) + DibStride(9, 1);
-  EXPECT_EQ(lastRow[0], 0x80);
-  EXPECT_EQ(lastRow[1], 0x80);
-  WriteDibPixel(image, 0, 0, 2);
-  EXPECT_EQ(lastRow[0], 0x00);
-  MovableUnlock(h);
-  MovableFree(h);
 }
 
 TEST(PackedDib, OutsideReadsAllOnesAndWritesNothing) {
@@ -125,38 +115,23 @@ TEST(PackedDib, OutsideReadsAllOnesAndWritesNothing) {
   MovableFree(h);
 }
 
-TEST(PackedDib, CopiesAreWholeAndIndependent) {
+TEST(PackedDib, CopiesAreWholeAndIndependentAndLeakNothingWhenAllocationFails) {
   const char text[] = "packed";
-  MovableHandle a = CopyToMovableBlock(text, sizeof text);
-  ASSERT_NE(a, nullptr);
-  MovableHandle b = CopyMovableBlock(a);
-  MovableHandle c = DuplicateHandle(a);
-  ASSERT_NE(b, nullptr);
-  ASSERT_NE(c, nullptr);
-  EXPECT_NE(b, a);
-  static_cast<char*>(MovableLock(a))[0] = 'P';
-  MovableUnlock(a);
-  EXPECT_STREQ(static_cast<char*>(MovableLock(b)), "packed");
-  EXPECT_STREQ(static_cast<char*>(MovableLock(c)), "packed");
-  MovableUnlock(b);
-  MovableUnlock(c);
+  ScopedBlock a(CopyToMovableBlock(text, sizeof text));
+  ScopedBlock b(CopyMovableBlock(a.handle)), c(DuplicateHandle(a.handle));
+  ASSERT_TRUE(a.handle && b.handle && c.handle);
+  EXPECT_NE(b.handle, a.handle);
+  ScopedLock la(a.handle), lb(b.handle), lc(c.handle);
+  la.bytes[0] = 'P';
+  EXPECT_STREQ(reinterpret_cast<char*>(lb.bytes), "packed");
+  EXPECT_STREQ(reinterpret_cast<char*>(lc.bytes), "packed");
   EXPECT_EQ(CopyMovableBlock(nullptr), nullptr);
-  MovableFree(a);
-  MovableFree(b);
-  MovableFree(c);
-}
-
-TEST(PackedDib, MakersLeakNothingWhenAllocationFails) {
-  EXPECT_TRUE(SweepAllocationFailures([] {
-    MovableHandle h = CreatePackedDib(7, 7, nullptr, 8);
-    MovableFree(h);
-    return h != nullptr;
-  }));
-  MovableHandle source = CreatePackedDib32(3, 3);
-  EXPECT_TRUE(SweepAllocationFailures([source] {
-    MovableHandle h = CopyMovableBlock(source);
-    MovableFree(h);
-    return h != nullptr;
-  }));
-  MovableFree(source);
+  const std::function<MovableHandle()> makers[] = {[] { return CreatePackedDib(7, 7, nullptr, 8); },
+                                                   [&] { return CopyMovableBlock(a.handle); }};
+  for (const auto& make : makers)
+    EXPECT_TRUE(SweepAllocationFailures([&] {
+      MovableHandle h = make();
+      MovableFree(h);
+      return h != nullptr;
+    }));
 }

@@ -4,12 +4,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <cstring>
 #include <random>
 #include <string>
 #include <vector>
 
+#include "host/bmp_file.h"
 #include "shell/packed_dib.h"
 #include "tests/support/imaging_reference.h"
 
@@ -34,18 +34,17 @@ TEST(FixedPalette, CountsDepthsEntriesAndNumbersOutOfRange) {
   std::memset(ten, 0xAB, sizeof ten);
   BuildFixedPalette(ten, nullptr, 10);
   EXPECT_EQ(std::memcmp(six, ten, 768), 0);
-  // Level sets and nesting: palette 4 and 6 share one eight-step set, 7 has the other; 5 has
-  // green outermost; 7 puts its grey run in the middle; every palette clears past its count.
+  // Level sets and nesting (palettes 5 and 7 are compared whole with their resources below);
+  // every palette clears past its count.
   const struct {
     int32_t number, entry;
     Rgb rgb;
-  } entries[] = {{0, 1, {255, 255, 255}},   {0, 2, {0, 0, 0}},         {1, 8, {192, 192, 192}},
-                 {1, 11, {255, 255, 0}},    {2, 1, {0, 0, 255}},       {2, 2, {0, 85, 0}},
-                 {4, 12, {0, 108, 0}},      {5, 1, {0, 0, 51}},        {5, 6, {51, 0, 0}},
-                 {5, 36, {0, 51, 0}},       {5, 216, {0, 0, 0}},       {6, 12, {0, 108, 0}},
-                 {6, 255, {255, 255, 255}}, {7, 12, {0, 109, 0}},      {7, 111, {128, 109, 255}},
-                 {7, 112, {1, 1, 1}},       {7, 143, {254, 254, 254}}, {7, 144, {128, 146, 0}},
-                 {8, 200, {200, 200, 200}}, {9, 5, {255, 0, 255}},     {9, 8, {0, 0, 0}}};
+  } entries[] = {{0, 1, {255, 255, 255}},   {0, 2, {0, 0, 0}},     {1, 8, {192, 192, 192}},
+                 {1, 11, {255, 255, 0}},    {2, 1, {0, 0, 255}},   {2, 2, {0, 85, 0}},
+                 {4, 12, {0, 108, 0}},      {5, 216, {0, 0, 0}},   {6, 12, {0, 108, 0}},
+                 {6, 255, {255, 255, 255}},
+
+                 {8, 200, {200, 200, 200}}, {9, 5, {255, 0, 255}}, {9, 8, {0, 0, 0}}};
   uint8_t p[768];
   for (const auto& e : entries) {
     std::memset(p, 0xAB, sizeof p);
@@ -54,28 +53,16 @@ TEST(FixedPalette, CountsDepthsEntriesAndNumbersOutOfRange) {
   }
 }
 
-// The resources are kept in the source tree beside the tests' root folder.
-std::vector<uint8_t> ReadResource(const char* name) {
-  std::string root = __FILE__;
-  root.resize(root.size() - std::strlen("tests/unit/palette_test.cpp"));
-  std::vector<uint8_t> bytes;
-  if (FILE* f = std::fopen((root + "resources/" + name).c_str(), "rb")) {
-    uint8_t buffer[1024];
-    size_t n;
-    while ((n = std::fread(buffer, 1, sizeof buffer, f)) > 0)
-      bytes.insert(bytes.end(), buffer, buffer + n);
-    std::fclose(f);
-  }
-  return bytes;
-}
-
 TEST(FixedPalette, ResourcesHoldPalettesFiveAndSeven) {
   const struct {
     const char* file;
     int32_t number;
   } cases[] = {{"PALETTE216.bin", 5}, {"PALETTE256G.bin", 7}};
   for (const auto& c : cases) {
-    const std::vector<uint8_t> file = ReadResource(c.file);
+    // The resources are kept in the source tree beside the tests' root folder.
+    std::string path = __FILE__;
+    path.resize(path.size() - std::strlen("tests/unit/palette_test.cpp"));
+    const std::vector<uint8_t> file = ReadWholeFile((path + "resources/" + c.file).c_str());
     ASSERT_EQ(file.size(), 853u) << c.file;
     EXPECT_EQ(std::memcmp(file.data(), "COBLRSRC", 8), 0);
     char description[65] = {};

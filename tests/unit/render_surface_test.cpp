@@ -21,9 +21,17 @@ MovableHandle DrawOn(int32_t width, int32_t height, Draw draw) {
 
 }  // namespace
 
-TEST(RenderSurface, WriteBackGivesATwentyFourBitTopDownPicture) {
-  ScopedBlock image(DrawOn(7, 5, [](RenderSurface* s) {
-    const SurfaceRect topLeft = {0, 0, 2, 1}, bottomRight = {6, 4, 7, 5};
+// Fills and rectangles land on exact pixels of a 24-bit top-down picture. Without a pen a
+// rectangle's interior stops one short of the right and lower sides; with a one-pixel pen the
+// outline covers the box's first and last columns and rows.
+TEST(RenderSurface, FillsAndRectanglesLandOnExactPixels) {
+  ScopedBlock image(DrawOn(12, 12, [](RenderSurface* s) {
+    const SurfaceRect topLeft = {0, 0, 2, 1}, bottomRight = {11, 11, 12, 12};
+    const SurfaceRect noPen = {1, 1, 5, 5}, withPen = {6, 6, 11, 11};
+    const SurfacePaint fill = {static_cast<int32_t>(kWhite), kSurfaceNone, 0};
+    const SurfacePaint outlined = {static_cast<int32_t>(kBlue), static_cast<int32_t>(kRed), 1};
+    SurfaceRectangle(s, &noPen, &fill);
+    SurfaceRectangle(s, &withPen, &outlined);
     SurfaceFillRect(s, &topLeft, 0x00332211);
     SurfaceFillRect(s, &bottomRight, kBlue);
   }));
@@ -31,15 +39,15 @@ TEST(RenderSurface, WriteBackGivesATwentyFourBitTopDownPicture) {
   ASSERT_TRUE(lock);
   const BitmapInfoHeader* header = reinterpret_cast<const BitmapInfoHeader*>(lock.bytes);
   EXPECT_EQ(header->biBitCount, 24);
-  EXPECT_EQ(header->biWidth, 7);
-  EXPECT_EQ(header->biHeight, 5);
-  EXPECT_EQ(MovableSize(image.handle), 40u + DibStride(7, 24) * 5);
-  EXPECT_EQ(ReadDibPixel(lock.bytes, 0, 0), 0x00332211u);
-  EXPECT_EQ(ReadDibPixel(lock.bytes, 1, 0), 0x00332211u);
-  EXPECT_EQ(ReadDibPixel(lock.bytes, 2, 0), 0u);
-  EXPECT_EQ(ReadDibPixel(lock.bytes, 0, 1), 0u);
-  EXPECT_EQ(ReadDibPixel(lock.bytes, 6, 4), kBlue);
-  EXPECT_EQ(ReadDibPixel(lock.bytes, 5, 4), 0u);
+  EXPECT_EQ(header->biWidth, 12);
+  EXPECT_EQ(header->biHeight, 12);
+  EXPECT_EQ(MovableSize(image.handle), 40u + DibStride(12, 24) * 12);
+  const uint32_t checks[][3] = {{0, 0, 0x332211}, {1, 0, 0x332211}, {2, 0, 0},      {0, 1, 0},
+                                {11, 11, kBlue},  {10, 11, 0},      {1, 1, kWhite}, {3, 3, kWhite},
+                                {4, 3, 0},        {3, 4, 0},        {6, 6, kRed},   {10, 10, kRed},
+                                {10, 8, kRed},    {8, 8, kBlue},    {11, 8, 0}};
+  for (const auto& c : checks)
+    EXPECT_EQ(ReadDibPixel(lock.bytes, c[0], c[1]), c[2]) << c[0] << "," << c[1];
 }
 
 TEST(RenderSurface, ReleaseFreesOrKeepsAndFailedCreationLeavesNothing) {
@@ -66,37 +74,13 @@ TEST(RenderSurface, ReleaseFreesOrKeepsAndFailedCreationLeavesNothing) {
   }));
 }
 
-TEST(RenderSurface, RectangleInteriorsFollowThePenRules) {
-  ScopedBlock image(DrawOn(12, 12, [](RenderSurface* s) {
-    const SurfaceRect noPen = {1, 1, 5, 5}, withPen = {6, 6, 11, 11};
-    const SurfacePaint fill = {static_cast<int32_t>(kWhite), kSurfaceNone, 0};
-    const SurfacePaint outlined = {static_cast<int32_t>(kBlue), static_cast<int32_t>(kRed), 1};
-    SurfaceRectangle(s, &noPen, &fill);
-    SurfaceRectangle(s, &withPen, &outlined);
-  }));
-  ScopedLock lock(image.handle);
-  // Without a pen the interior stops one short of the right and lower sides.
-  EXPECT_EQ(ReadDibPixel(lock.bytes, 1, 1), kWhite);
-  EXPECT_EQ(ReadDibPixel(lock.bytes, 3, 3), kWhite);
-  EXPECT_EQ(ReadDibPixel(lock.bytes, 4, 3), 0u);
-  EXPECT_EQ(ReadDibPixel(lock.bytes, 3, 4), 0u);
-  // With a one-pixel pen the outline covers the box's first and last columns and rows.
-  EXPECT_EQ(ReadDibPixel(lock.bytes, 6, 6), kRed);
-  EXPECT_EQ(ReadDibPixel(lock.bytes, 10, 10), kRed);
-  EXPECT_EQ(ReadDibPixel(lock.bytes, 10, 8), kRed);
-  EXPECT_EQ(ReadDibPixel(lock.bytes, 8, 8), kBlue);
-  EXPECT_EQ(ReadDibPixel(lock.bytes, 11, 8), 0u);
-}
-
 TEST(RenderSurface, FillModesDecideTheStarsCentre) {
   const SurfacePoint star[] = {{32, 2}, {50, 60}, {3, 22}, {61, 22}, {14, 60}};
   const SurfacePaint white = {static_cast<int32_t>(kWhite), kSurfaceNone, 0};
-  ScopedBlock alternate(DrawOn(64, 64, [&](RenderSurface* s) {
-    SurfacePolygon(s, star, 5, &white, kFillAlternate);
-  }));
-  ScopedBlock winding(DrawOn(64, 64, [&](RenderSurface* s) {
-    SurfacePolygon(s, star, 5, &white, kFillWinding);
-  }));
+  ScopedBlock alternate(DrawOn(
+      64, 64, [&](RenderSurface* s) { SurfacePolygon(s, star, 5, &white, kFillAlternate); }));
+  ScopedBlock winding(
+      DrawOn(64, 64, [&](RenderSurface* s) { SurfacePolygon(s, star, 5, &white, kFillWinding); }));
   ScopedLock a(alternate.handle), w(winding.handle);
   EXPECT_EQ(ReadDibPixel(a.bytes, 32, 32), 0u);
   EXPECT_EQ(ReadDibPixel(w.bytes, 32, 32), kWhite);

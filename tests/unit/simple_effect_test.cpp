@@ -95,14 +95,5 @@ TEST(SimpleEffect, StillFramesAndFailures) {
   EXPECT_EQ(still.along, (std::vector<int32_t>{0}));
   EXPECT_EQ(still.delays, (std::vector<int32_t>{7}));
 
-  EXPECT_TRUE(SweepAllocationFailures([] {
-    FakeRenderer fake{8, 4, {}};
-    FrameList list{};
-    BuildContext context{};
-    context.frames = &list;
-    SimpleLoopSettings settings{1, 1, 1, 4, kScrollDown};
-    const int ok = RunSimpleFrames(&context, &settings, RenderFake, &fake);
-    FreeFrameList(&list);
-    return ok;
-  }));
+  EXPECT_TRUE(SweepAllocationFailures([] { return Build(8, 4, {1, 1, 1, 4, kScrollDown}).ok; }));
 }

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
+#include <numeric>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -38,20 +40,8 @@ struct TestFont {
   }
 };
 
-std::vector<uint8_t> Pixels(MovableHandle mask) {
-  ScopedLock lock(mask);
-  const BitmapInfoHeader* h = reinterpret_cast<const BitmapInfoHeader*>(lock.bytes);
-  std::vector<uint8_t> out;
-  for (int32_t y = 0; y < h->biHeight; ++y)
-    for (int32_t x = 0; x < h->biWidth; ++x)
-      out.push_back(static_cast<uint8_t>(ReadDibPixel(lock.bytes, x, y)));
-  return out;
-}
-
-long Sum(const std::vector<uint8_t>& pixels) {
-  long sum = 0;
-  for (uint8_t v : pixels) sum += v;
-  return sum;
+std::vector<uint32_t> Pixels(MovableHandle mask) {
+  return ReadPicture(mask).values;
 }
 
 }  // namespace
@@ -84,31 +74,28 @@ TEST(RenderTextMask, LevelSetsTheMaximumAndPlacementIsExact) {
   TestFont f(40);
   std::vector<uint32_t> a;
   f.Measure("Hi ", &a);
-  MovableHandle full = f.Mask("Hi ", a.data(), 3, 120, 255);
-  MovableHandle grey = f.Mask("Hi ", a.data(), 3, 120, 128);
-  MovableHandle moved = f.Mask("Hi ", a.data(), 10, 127, 255);
-  MovableHandle hard = f.Mask("Hi ", a.data(), 3, 120, 128, 0);
-  MovableHandle none = f.Mask("Hi ", a.data(), 3, 120, 0);
-  const std::vector<uint8_t> p = Pixels(full), g = Pixels(grey), m = Pixels(moved);
-  EXPECT_EQ(*std::max_element(p.begin(), p.end()), 255);
-  EXPECT_EQ(*std::max_element(g.begin(), g.end()), 128);
+  // x, width, level, antialias; hard edges on Wine's GDI+ are not guaranteed, so only the level.
+  const int32_t masks[][4] = {{3, 120, 255, 1}, {3, 120, 128, 1}, {10, 127, 255, 1},
+                              {3, 120, 128, 0}, {3, 120, 0, 1},   {3, 30, 255, 1}};
+  std::vector<uint32_t> p[6];
+  for (int i = 0; i < 6; ++i) {
+    ScopedBlock mask(f.Mask("Hi ", a.data(), masks[i][0], masks[i][1], masks[i][2], masks[i][3]));
+    ASSERT_NE(mask.handle, nullptr) << i;  // a mask narrower than the text is cut off, not refused
+    p[i] = Pixels(mask.handle);
+    EXPECT_EQ(*std::max_element(p[i].begin(), p[i].end()), static_cast<uint32_t>(masks[i][2])) << i;
+  }
   // Coverage sums scale with the level, give or take the engine's rounding per pixel.
-  EXPECT_NEAR(static_cast<double>(Sum(g)) / Sum(p), 128.0 / 255, 0.01);
-  EXPECT_EQ(Sum(Pixels(none)), 0);
-  // Moving by whole pixels moves the same ink.
+  EXPECT_NEAR(std::accumulate(p[1].begin(), p[1].end(), 0.0) /
+                  std::accumulate(p[0].begin(), p[0].end(), 0.0),
+              128.0 / 255, 0.01);
+  // Moving by whole pixels moves the same ink, and cutting keeps the ink left of the cut.
   for (int32_t y = 0; y < 44; ++y)
-    for (int32_t x = 0; x < 120; ++x)
-      ASSERT_EQ(p[y * 120 + x], m[y * 127 + x + 7]) << x << "," << y;
-  // Hard edges on Wine's GDI+ are not guaranteed (see text_edges_posix), so only check the level.
-  const std::vector<uint8_t> h = Pixels(hard);
-  EXPECT_EQ(*std::max_element(h.begin(), h.end()), 128);
-  // A mask narrower than the text is cut off, not refused.
-  MovableHandle narrow = f.Mask("Hi ", a.data(), 3, 9, 255);
-  ASSERT_NE(narrow, nullptr);
-  const std::vector<uint8_t> n = Pixels(narrow);
-  for (int32_t y = 0; y < 44; ++y)
-    for (int32_t x = 0; x < 9; ++x) ASSERT_EQ(n[y * 9 + x], p[y * 120 + x]);
-  for (MovableHandle k : {full, grey, moved, hard, none, narrow}) MovableFree(k);
+    for (int32_t x = 0; x < 120; ++x) {
+      ASSERT_EQ(p[0][y * 120 + x], p[2][y * 127 + x + 7]) << x << "," << y;
+      if (x < 30) {
+        ASSERT_EQ(p[5][y * 30 + x], p[0][y * 120 + x]) << x << "," << y;
+      }
+    }
 }
 
 TEST(RenderTextMask, OverlapsMergeByMaximum) {
@@ -119,7 +106,7 @@ TEST(RenderTextMask, OverlapsMergeByMaximum) {
   const uint32_t single[1] = {0};
   MovableHandle first = f.Mask("O", single, 2, 100, 255);
   MovableHandle second = f.Mask("O", single, 2 + static_cast<int32_t>(a[0]), 100, 255);
-  const std::vector<uint8_t> both = Pixels(pair), one = Pixels(first), two = Pixels(second);
+  const std::vector<uint32_t> both = Pixels(pair), one = Pixels(first), two = Pixels(second);
   int overlap = 0;
   for (size_t i = 0; i < both.size(); ++i) {
     ASSERT_EQ(both[i], std::max(one[i], two[i])) << i;
@@ -185,37 +172,33 @@ TEST(TextMasks, AllocationFailuresLeakNothing) {
   TestFont f(24);
   std::vector<uint32_t> a;
   f.Measure("Ab ", &a);
-  EXPECT_TRUE(SweepAllocationFailures([&] {
-    MovableHandle mask = f.Mask("Ab ", a.data(), 1, 60, 200);
-    MovableFree(mask);
-    return mask != nullptr;
-  }));
-  EXPECT_TRUE(SweepAllocationFailures([&] {
-    MovableHandle ring = RenderOutlineMask(nullptr, f.font.deviceContext, 1, 1, "Ab ", 60, 28, 1,
-                                           24, 0, 0, kTestFace, a.data(), f.font.logFont);
-    MovableFree(ring);
-    return ring != nullptr;
-  }));
+  const std::function<MovableHandle()> makers[] = {
+      [&] { return f.Mask("Ab ", a.data(), 1, 60, 200); },
+      [&] {
+        return RenderOutlineMask(nullptr, f.font.deviceContext, 1, 1, "Ab ", 60, 28, 1, 24, 0, 0,
+                                 kTestFace, a.data(), f.font.logFont);
+      }};
+  for (const auto& make : makers)
+    EXPECT_TRUE(SweepAllocationFailures([&] {
+      MovableHandle mask = make();
+      MovableFree(mask);
+      return mask != nullptr;
+    }));
 }
 
 TEST(TextLayout, PaddingPlacementAndCanvas) {
-  EXPECT_EQ(TextPadding(0, 0, 0), 0);
-  EXPECT_EQ(TextPadding(0, 0, 1), 1);
-  EXPECT_EQ(TextPadding(0, 1, 0), 1);
-  EXPECT_EQ(TextPadding(5, 40, 1), 10);
-  const TextShifts upLeft = ShadowPlacement(0, 4), left = ShadowPlacement(4, 3);
-  EXPECT_EQ(upLeft.textX, 4);
-  EXPECT_EQ(upLeft.textY, 4);
-  EXPECT_EQ(upLeft.shadowX, 0);
-  EXPECT_EQ(left.textX, 3);
-  EXPECT_EQ(left.textY, 0);
-  EXPECT_EQ(left.shadowY, 0);
-  const TextShifts downRight = ShadowPlacement(7, 2), other = ShadowPlacement(8, 2);
-  EXPECT_EQ(downRight.shadowX, 2);
-  EXPECT_EQ(downRight.shadowY, 2);
-  EXPECT_EQ(downRight.textX, 0);
-  EXPECT_EQ(other.shadowX + other.shadowY + other.textX + other.textY, 0);
-
+  const int32_t padding[][4] = {{0, 0, 0, 0}, {0, 0, 1, 1}, {0, 1, 0, 1}, {5, 40, 1, 10}};
+  for (const auto& p : padding) EXPECT_EQ(TextPadding(p[0], p[1], p[2]), p[3]) << p[0] << p[1];
+  // Shadow x, y and text x, y for each direction at offset 3; 8 puts the shadow on the text.
+  const int32_t shifts[9][4] = {{0, 0, 3, 3}, {0, 0, 0, 3}, {3, 0, 0, 3},
+                                {3, 0, 0, 0}, {0, 0, 3, 0}, {0, 3, 3, 0},
+                                {0, 3, 0, 0}, {3, 3, 0, 0}, {0, 0, 0, 0}};
+  for (int32_t d = 0; d < 9; ++d) {
+    const TextShifts s = ShadowPlacement(d, 3);
+    EXPECT_EQ((std::vector<int32_t>{s.shadowX, s.shadowY, s.textX, s.textY}),
+              std::vector<int32_t>(shifts[d], shifts[d] + 4))
+        << d;
+  }
   TextLayoutInput in = {"A", kTestFace, 30, 0, 0, 1, 100, 3, 0, 0, 1, 5, 0};
   TextLayout layout;
   ASSERT_EQ(BeginTextLayout(nullptr, &in, &layout), 1);
@@ -226,64 +209,53 @@ TEST(TextLayout, PaddingPlacementAndCanvas) {
   EXPECT_EQ(BeginTextLayout(nullptr, &in, &layout), 0);
 }
 
-TEST(MaskOperations, DilateWidenCombineAndFill) {
-  MovableHandle mask = CreateMask(5, 4);
+TEST(MaskOperations, CombineFillAndTheGreyTable) {
+  ScopedBlock mask(CreateMask(5, 4));
   {
-    ScopedLock lock(mask);
-    WriteDibPixel(lock.bytes, 0, 0, 90);
+    ScopedLock lock(mask.handle);
     WriteDibPixel(lock.bytes, 3, 2, 200);
   }
-  ScopedBlock owner(mask), grown(DilateMask(mask)), wide(WidenMask(mask, 8, 4, 2));
-  ScopedBlock colours(RandomImage(6, 4, 24, 4)), argb(CombineAlpha(colours.handle, mask));
+  ScopedBlock colours(RandomImage(6, 4, 24, 4)), argb(CombineAlpha(colours.handle, mask.handle));
   ScopedBlock flat(FilledImage(2, 3, 6, 5, 0x00112233));
-  ScopedLock g(grown.handle), w(wide.handle), c(argb.handle), src(colours.handle), fl(flat.handle);
-  EXPECT_EQ(ReadDibPixel(g.bytes, 1, 1), 90u);
-  EXPECT_EQ(ReadDibPixel(g.bytes, 2, 1), 200u);
-  EXPECT_EQ(ReadDibPixel(g.bytes, 4, 3), 200u);
-  EXPECT_EQ(ReadDibPixel(g.bytes, 2, 0), 0u);
-  EXPECT_EQ(ReadDibPixel(w.bytes, 5, 2), 200u);
-  EXPECT_EQ(ReadDibPixel(w.bytes, 2, 0), 90u);
-  EXPECT_EQ(ReadDibPixel(w.bytes, 0, 0), 0u);
+  ScopedLock m(mask.handle), c(argb.handle), src(colours.handle), fl(flat.handle);
   EXPECT_EQ(ReadDibPixel(c.bytes, 3, 2), (ReadDibPixel(src.bytes, 3, 2) & 0xFFFFFF) | 200u << 24);
   EXPECT_EQ(ReadDibPixel(c.bytes, 5, 1) >> 24, 255u);  // beyond the mask
   EXPECT_EQ(reinterpret_cast<const BitmapInfoHeader*>(fl.bytes)->biWidth, 4);
   EXPECT_EQ(ReadDibPixel(fl.bytes, 3, 1), 0x00112233u);
   // Masks carry the grey table: entry i is blue, green and red i.
-  const uint8_t* table = DibTable(g.bytes);
+  uint32_t entry;
   for (int i : {0, 1, 128, 255}) {
-    EXPECT_EQ(table[i * 4], i);
-    EXPECT_EQ(table[i * 4 + 1], i);
-    EXPECT_EQ(table[i * 4 + 2], i);
-    EXPECT_EQ(table[i * 4 + 3], 0);
+    std::memcpy(&entry, DibTable(m.bytes) + i * 4, 4);
+    EXPECT_EQ(entry, i * 0x010101u) << i;
   }
 }
 
-TEST(MaskOperations, FastDilateAndWidenMatchPixelByPixelVersions) {
+// Dilation takes the largest of the 3 by 3 neighbourhood; widening shifts rows into a wider or
+// narrower mask and clears what the source does not cover.
+TEST(MaskOperations, DilateAndWidenMatchPixelByPixelVersions) {
   for (uint32_t seed : {1u, 2u, 3u}) {
     const int32_t w = 13 + seed * 7, h = 5 + seed * 3;
-    ScopedBlock mask(RandomImage(w, h, 8, seed));
-    ScopedBlock dilated(DilateMask(mask.handle));
+    ScopedBlock mask(RandomImage(w, h, 8, seed)), dilated(DilateMask(mask.handle));
     ScopedLock in(mask.handle), out(dilated.handle);
+    auto at = [&](int32_t x, int32_t y) {
+      const uint32_t v = ReadDibPixel(in.bytes, x, y);
+      return v == 0xFFFFFFFF ? 0u : v;
+    };
     for (int32_t y = 0; y < h; ++y)
       for (int32_t x = 0; x < w; ++x) {
         uint32_t best = 0;
         for (int32_t dy = -1; dy <= 1; ++dy)
-          for (int32_t dx = -1; dx <= 1; ++dx) {
-            const uint32_t v = ReadDibPixel(in.bytes, x + dx, y + dy);
-            if (v != 0xFFFFFFFF && v > best) best = v;
-          }
+          for (int32_t dx = -1; dx <= 1; ++dx) best = std::max(best, at(x + dx, y + dy));
         ASSERT_EQ(ReadDibPixel(out.bytes, x, y), best) << x << "," << y;
       }
-    for (int32_t shift : {-3, 0, 1, 5}) {
+    for (int32_t shift : {-3, 0, 1, 5})
       for (int32_t width : {w - 4, w + 4}) {
         ScopedBlock wide(WidenMask(mask.handle, width, h + 1, shift));
         ScopedLock o(wide.handle);
         for (int32_t y = 0; y < h + 1; ++y)
-          for (int32_t x = 0; x < width; ++x) {
-            const uint32_t v = y < h ? ReadDibPixel(in.bytes, x - shift, y) : 0xFFFFFFFF;
-            ASSERT_EQ(ReadDibPixel(o.bytes, x, y), v == 0xFFFFFFFF ? 0u : v) << x << "," << shift;
-          }
+          for (int32_t x = 0; x < width; ++x)
+            ASSERT_EQ(ReadDibPixel(o.bytes, x, y), y < h ? at(x - shift, y) : 0u)
+                << x << "," << shift;
       }
-    }
   }
 }

@@ -1,0 +1,38 @@
+// Renders the shape, mask and Simple scenes through GDI and GDI+ and writes them to the folder
+// "parity" for the native comparison in tests/parity.
+#include <windows.h>
+
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "tests/support/mask_scenes.h"
+#include "tests/support/parity_files.h"
+#include "tests/support/shape_scenes.h"
+#include "tests/support/simple_scenes.h"
+
+TEST(Parity, WritesEveryShapeMaskAndSimpleFrame) {
+  StartDrawingForTests();
+  CreateDirectoryA("parity", nullptr);
+  for (int32_t i = 0; i < kShapeSceneCount; ++i) {
+    ScopedBlock image(RenderShapeScene(&kShapeScenes[i]));
+    EXPECT_TRUE(
+        WriteParityFile(std::string("parity/shape-") + kShapeScenes[i].name + ".dib", image.handle))
+        << kShapeScenes[i].name;
+  }
+  for (int32_t i = 0; i < kMaskSceneCount; ++i) {
+    MovableHandle mask, measures;
+    ASSERT_EQ(RenderMaskScene(&kMaskScenes[i], &mask, &measures), 1) << kMaskScenes[i].name;
+    ScopedBlock ownMask(mask), ownMeasures(measures);
+    const std::string base = std::string("parity/mask-") + kMaskScenes[i].name;
+    EXPECT_TRUE(WriteParityFile(base + ".dib", mask) &&
+                WriteParityFile(base + "-measures.dib", measures));
+  }
+  std::vector<SimpleSceneFrame> frames;
+  ASSERT_EQ(RenderSimpleScene(&frames), 1);
+  ASSERT_EQ(frames.size(), 6u);
+  for (size_t i = 0; i < frames.size(); ++i) {
+    ScopedBlock image(frames[i].image);
+    EXPECT_TRUE(WriteParityFile("parity/simple-" + std::to_string(i) + ".dib", image.handle));
+  }
+}
