@@ -195,7 +195,7 @@ TEST(HostSession, AnimationBlockFromBmpFilesPassesTheCheck) {
   for (int i = 0; i < 2; ++i) {
     ScopedBlock frame(MakeFrame(static_cast<uint8_t>(i)));
     const std::vector<uint8_t> dib = BlockBytes(frame.handle);
-    const std::string path = (folder / ("f" + std::to_string(i) + ".bmp")).string();
+    const std::string path = (folder / "f").string() + std::to_string(i) + ".bmp";
     ASSERT_TRUE(WriteWholeFile(path.c_str(), PackedDibToBmp(dib.data(), dib.size())));
     line += " " + path;
   }
