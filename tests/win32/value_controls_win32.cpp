@@ -62,6 +62,7 @@ TEST(ValueControlsWin32, PickersAndColourButtonsPaintTheirValues) {
   WindowHandle dialog = ScreenDialog();
   WindowHandle picker = DialogAddControl(dialog, 120, kControlShadowPicker, "3");
   WindowHandle button = DialogAddControl(dialog, 106, kControlColourButton, "255");
+  SetWindowPos(W(button), nullptr, 200, 0, 40, 40, SWP_NOZORDER);  // clear of the picker
   DialogPickerSetUp(picker, 3, nullptr);
   RedrawWindow(W(dialog), nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
   EXPECT_EQ(PixelOf(picker, 51, 26), GetSysColor(COLOR_BTNSHADOW));   // cell 3, selected
