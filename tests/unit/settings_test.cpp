@@ -81,7 +81,7 @@ TEST_F(Settings, SaveThenLoadGivesBackEveryReadableRowAndKeepsABackup) {
 // row), one run of "=" only, numbers as atoi, control characters end a line, long lines arrive in
 // pieces, strings keep 248 characters, rows never read keep their values, and with Shift held only
 // the scrambled rows are read.
-TEST_F(Settings, LinesReadAsTheOldReaderDid) {
+TEST_F(Settings, LinesReadWithTheReadersRules) {
   const struct {
     std::string text;
     int shift;
@@ -90,12 +90,14 @@ TEST_F(Settings, LinesReadAsTheOldReaderDid) {
   } cases[] = {
       {"Main = 7\n[PlugIn]\nNoSuchKey = 5\nMainDelay  ==  42\nMainPause= =3\n",
        0,
-       {{"MainAlphaTrans", 7}, {"MainDelay", 42}, {"MainPause", 0}, {"MainEffect", 12}}},
-      {"\n", 0, {{"AddDescriptiveCommentBlock", 0}}},
+       {{"MainAlphaTrans", 7}, {"MainDelay", 42}, {"MainPause", 0}, {"MainEffect", 12}},
+       {}},
+      {"\n", 0, {{"AddDescriptiveCommentBlock", 0}}, {}},
       {"MainPause = 12\x01"
        "34\nMainFontSize = -7abc\nMainPalette = 99999999999\n;MainDelay = 3\n",
        0,
-       {{"MainPause", 12}, {"MainFontSize", -7}, {"MainPalette", 2147483647}, {"MainDelay", 5}}},
+       {{"MainPause", 12}, {"MainFontSize", -7}, {"MainPalette", 2147483647}, {"MainDelay", 5}},
+       {}},
       {"MainText = " + std::string(248, 'x') +
            "MainFontName = Arial\nOpenPath = " + std::string(400, 'p') + "\n",
        0,
@@ -105,7 +107,8 @@ TEST_F(Settings, LinesReadAsTheOldReaderDid) {
         {"OpenPath", std::string(248, 'p')}}},
       {"PatchLevel = 9\nVersionNumber = 3\nUpdateDelay = 40\n",
        0,
-       {{"PatchLevel", 1}, {"VersionNumber", 512}, {"UpdateDelay", 40}}},
+       {{"PatchLevel", 1}, {"VersionNumber", 512}, {"UpdateDelay", 40}},
+       {}},
       {"MainEffect = 3\nRegistrationName = Someone   \nMainText = hello\n",
        1,
        {{"MainEffect", 12}},

@@ -113,19 +113,33 @@ TEST(MainDialog, ChangesRepaintTheSampleOnceAndBoxesInterlock) {
   EXPECT_EQ(run.Count("read-enabled id=1 enabled=1"), 1);
 }
 
-TEST(MainDialog, OpenAndSaveRoundTripThroughTheFileDialogs) {
+// Save on an untitled document asks for a name; once named, Save writes without asking, and Open
+// reads it back. Then a screenshot of the dialog with each effect's page, for looking at, goes to
+// build/windows/screenshots.
+TEST(MainDialog, OpenAndSaveRoundTripThroughTheFileDialogsAndEveryPageShows) {
   if (!DisplayAvailable()) GTEST_SKIP() << "no display";
   ForgetConfiguration();
   const std::string path = TempFolder() + "gm5_round_trip.gm5";
   DeleteFileA(path.c_str());
-  // Save on an untitled document asks for a name; once named, Save writes without asking.
+  const std::string bin = BuildPath(GM5_PLUGIN_PATH);
+  const std::string folder =
+      bin.substr(0, bin.find_last_of('\\', bin.find_last_of('\\') - 1)) + "\\screenshots";
+  CreateDirectoryA(folder.c_str(), nullptr);
+  std::string screenshots;
+  for (int row = 0; row < 21; ++row) {
+    char name[32];
+    std::snprintf(name, sizeof name, "\\page-%02d.png", row);
+    screenshots +=
+        "select 58 " + std::to_string(row) + "\nsleep 700\nscreenshot 0 " + folder + name + "\n";
+  }
   HostRun run =
       RunHost("--capabilities 3",
               "dialog-size 700 500\n" + Reads({"wait-dialog", "set-text 52 First", "click 38"}) +
                   "file-dialog " + path + "\n" +
                   Reads({"sleep 500", "set-text 52 Second", "click 38", "sleep 300",
                          "set-text 52 Changed", "click 37"}) +
-                  "file-dialog " + path + "\n" + Reads({"sleep 800", "read-text 52", "click 2"}));
+                  "file-dialog " + path + "\n" + Reads({"sleep 800", "read-text 52"}) +
+                  screenshots + "click 2\n");
   ASSERT_EQ(run.exitCode, 0u);
   EXPECT_EQ(run.Count("file-dialog"), 2);
   // Each file dialog takes the size the host keeps for them.
@@ -133,6 +147,10 @@ TEST(MainDialog, OpenAndSaveRoundTripThroughTheFileDialogs) {
   EXPECT_EQ(run.Line("file-dialog title=Open"), "file-dialog title=Open width=700 height=500");
   EXPECT_EQ(run.Value("read-text id=52 ", "text"), "Second");
   EXPECT_EQ(run.Count("box"), 0);
+  EXPECT_EQ(run.Count("screenshot path="), 21);
+  for (const std::string& line : run.lines)
+    if (line.rfind("screenshot", 0) == 0)
+      EXPECT_NE(line.find("result=1"), std::string::npos) << line;
   DeleteFileA(path.c_str());
   DeleteFileA((path + ".bak").c_str());
   ForgetConfiguration();
@@ -189,29 +207,5 @@ TEST(MainDialog, BuildWritesFramesForTheNativeComparison) {
   EXPECT_EQ(run.Count("call op=2 name=HostOpAddImage file=1"), 6);
   EXPECT_NE(GetFileAttributesA((folder + "\\dialog-build\\file1-frame005.bmp").c_str()),
             INVALID_FILE_ATTRIBUTES);
-  ForgetConfiguration();
-}
-
-// A screenshot of the dialog with each effect's page, for looking at: build/windows/screenshots.
-TEST(MainDialog, ScreenshotsOfEveryPage) {
-  if (!DisplayAvailable()) GTEST_SKIP() << "no display";
-  ForgetConfiguration();
-  const std::string bin = BuildPath(GM5_PLUGIN_PATH);
-  const std::string folder =
-      bin.substr(0, bin.find_last_of('\\', bin.find_last_of('\\') - 1)) + "\\screenshots";
-  CreateDirectoryA(folder.c_str(), nullptr);
-  std::string script = "wait-dialog\nsleep 500\n";
-  for (int row = 0; row < 21; ++row) {
-    char name[32];
-    std::snprintf(name, sizeof name, "\\page-%02d.png", row);
-    script +=
-        "select 58 " + std::to_string(row) + "\nsleep 700\nscreenshot 0 " + folder + name + "\n";
-  }
-  HostRun run = RunHost("--capabilities 3", script + "click 2\n");
-  ASSERT_EQ(run.exitCode, 0u);
-  EXPECT_EQ(run.Count("screenshot path="), 21);
-  for (const std::string& line : run.lines)
-    if (line.rfind("screenshot", 0) == 0)
-      EXPECT_NE(line.find("result=1"), std::string::npos) << line;
   ForgetConfiguration();
 }
