@@ -58,12 +58,13 @@ TEST_F(Settings, SaveThenLoadGivesBackEveryReadableRowAndKeepsABackup) {
   LoadSettings();
   for (int i = 0; i < kSettingCount; ++i) {
     const SettingEntry& e = SettingTable[i];
-    if (e.flags & kSettingNeverRead)
+    if (e.flags & kSettingNeverRead) {
       EXPECT_EQ(*static_cast<int32_t*>(e.value), std::strcmp(e.key, "PatchLevel") ? 512 : 1);
-    else if (e.flags & kSettingString)
+    } else if (e.flags & kSettingString) {
       EXPECT_STREQ(static_cast<char*>(e.value), ("value " + std::to_string(i)).c_str()) << e.key;
-    else if (std::strcmp(e.key, "Style002Frames") && std::strcmp(e.key, "MainPalette"))
+    } else if (std::strcmp(e.key, "Style002Frames") && std::strcmp(e.key, "MainPalette")) {
       EXPECT_EQ(*static_cast<int32_t*>(e.value), i * 7919 + 1000) << e.key;
+    }
   }
   // A negative number is written unsigned and comes back saturated.
   EXPECT_EQ(*SettingInteger("MainPalette"), 2147483647);
