@@ -54,7 +54,7 @@ TEST(DlgItemInt, TranslatesAsTheDialogManagerDoes) {
   } cases[] = {
       {"  42abc", 0, 42, 1},   {"-12", 1, static_cast<uint32_t>(-12), 1}, {"-12", 0, 0, 0},
       {"", 0, 0, 0},           {"4294967295", 0, 4294967295u, 1},         {"4294967296", 0, 0, 0},
-      {"2147483648", 1, 0, 0}, {"-2147483648", 1, 0x80000000u, 1}};
+      {"2147483648", 1, 0, 0}, {"-2147483648", 1, 0x80000000u, 1},        {"-2147483649", 1, 0, 0}};
   for (const auto& c : cases) {
     int ok = -1;
     EXPECT_EQ(ParseDlgItemInt(c.text, c.isSigned, &ok), c.value) << c.text;
