@@ -80,10 +80,11 @@ TEST_F(Documents, WriteThenReadRestoresEveryControlAndKeepsABackup) {
   for (size_t i = 0; i < loaded.size(); ++i) {
     // A picker takes the held value only; its text and setting wait for the read-back.
     const size_t held = changed[i].find(" held ");
-    if (held != std::string::npos)
+    if (held != std::string::npos) {
       EXPECT_EQ(loaded[i].substr(loaded[i].find(" held ")), changed[i].substr(held));
-    else
+    } else {
       EXPECT_EQ(loaded[i], changed[i]);
+    }
   }
   EXPECT_TRUE(g_shown.empty());
   DialogDestroy(other);

@@ -20,8 +20,9 @@ TEST(EffectTable, RowsKeepTheStoredOrderStylesAndClamps) {
   for (int32_t row = 0; row < kEffectCount; ++row) {
     styles.insert(EffectStyle[row]);
     EXPECT_EQ(EffectPageId(row), 7400 + EffectStyle[row]);
-    if (row > 0 && row != 5 && row != 6)
+    if (row > 0 && row != 5 && row != 6) {
       EXPECT_LT(std::string(EffectTable[row - 1].name), EffectTable[row].name) << row;
+    }
   }
   EXPECT_EQ(styles.size(), 21u);
   EXPECT_EQ(*styles.rbegin(), 20);

@@ -110,8 +110,9 @@ TEST(EffectPage, ResourcesMatchTheirTables) {
       EXPECT_TRUE(r.left >= area.left && r.top >= area.top && r.right <= area.right &&
                   r.bottom <= area.bottom)
           << "page " << resource << " id " << id << " outside the page area";
-      if (FindPickerShape(kind))
+      if (FindPickerShape(kind)) {
         EXPECT_TRUE(r.right - r.left >= 75 && r.bottom - r.top >= 75) << id;
+      }
       for (size_t j = 0; j < i; ++j) {
         RECT both;
         const RECT other = ClientRect(children[j]);
