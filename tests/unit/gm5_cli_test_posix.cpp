@@ -52,15 +52,6 @@ void ExpectFailures(const std::vector<Failure>& failures) {
   }
 }
 
-// What a progress bar wrote to a file, as text.
-std::string Written(FILE* out) {
-  rewind(out);
-  char text[512] = {};
-  fread(text, 1, sizeof text - 1, out);
-  fclose(out);
-  return text;
-}
-
 }  // namespace
 
 TEST(CommandLine, ReadsOptionsInBothFormsAndRejectsMalformedOnesWithOneLine) {
@@ -143,9 +134,13 @@ TEST(InProcessHost, ServesTheEngineAndShowsItsProgress) {
   EndInProcessHost(&host);
   EXPECT_EQ(service(nullptr, HostOpCreateFile, 0, reinterpret_cast<uint64_t>(&record)), 0u);
   EndProgress(&bar);
-  EXPECT_EQ(Written(out),
-            "\rQuantizing      \x1b[K"
-            "\rQuantizing       [###############...............] 5/10\x1b[K\n");
+  char written[512] = {};
+  rewind(out);
+  EXPECT_GT(fread(written, 1, sizeof written - 1, out), 0u);
+  fclose(out);
+  EXPECT_STREQ(written,
+               "\rQuantizing      \x1b[K"
+               "\rQuantizing       [###############...............] 5/10\x1b[K\n");
   BeginInProcessHost(&colour, 1, nullptr);
   EXPECT_EQ(colour.record.capabilities & kHostIndexed, 0u);
   EXPECT_EQ(InProcessDelayMilliseconds(&colour), 1);
@@ -165,7 +160,6 @@ TEST(Gm5Program, AnswersHelpVersionEffectsAndErrors) {
   EXPECT_EQ(help.out.rfind("usage: gm5 ", 0), 0u);
   ExpectFailures({{"", "no command given (see gm5 --help)"},
                   {"paint", "unknown command: paint (see gm5 --help)"},
-                  {"effects --bogus", "unknown option: --bogus"},
                   {"effects extra", "effects takes no arguments"},
                   {"effects --no-dither", "effects takes no options"},
                   {"effects -o x.gif", "effects takes no options"}});
