@@ -52,15 +52,6 @@ void ExpectFailures(const std::vector<Failure>& failures) {
   }
 }
 
-// What a progress bar wrote to a file, as text.
-std::string Written(FILE* out) {
-  rewind(out);
-  char text[512] = {};
-  fread(text, 1, sizeof text - 1, out);
-  fclose(out);
-  return text;
-}
-
 }  // namespace
 
 TEST(CommandLine, ReadsOptionsInBothFormsAndRejectsMalformedOnesWithOneLine) {
@@ -109,7 +100,9 @@ TEST(CommandLine, ReadsOptionsInBothFormsAndRejectsMalformedOnesWithOneLine) {
   EXPECT_EQ(FindEffectRow("Unplugged"), -1);
 }
 
-TEST(Progress, DrawsCaptionAndBarOnlyWhenEnabled) {
+// The in-process host serves the engine one host at a time, keeps the committed file, not the
+// test file, as the result, and draws the engine's progress, but only on a terminal.
+TEST(InProcessHost, ServesTheEngineAndShowsItsProgress) {
   FILE* out = tmpfile();
   ASSERT_NE(out, nullptr);
   ProgressBar bar;
@@ -117,20 +110,6 @@ TEST(Progress, DrawsCaptionAndBarOnlyWhenEnabled) {
   EXPECT_EQ(bar.enabled, 0);  // a file is not a terminal
   ProgressCaption(&bar, "Building");
   EXPECT_EQ(ftell(out), 0);
-  bar.enabled = 1;
-  ProgressCaption(&bar, "Quantizing");
-  ProgressStep(&bar, 5, 10);
-  EndProgress(&bar);
-  EXPECT_EQ(Written(out),
-            "\rQuantizing      \x1b[K"
-            "\rQuantizing       [###############...............] 5/10\x1b[K\n");
-}
-
-TEST(InProcessHost, ServesTheEngineAndShowsItsProgress) {
-  FILE* out = tmpfile();
-  ASSERT_NE(out, nullptr);
-  ProgressBar bar;
-  BeginProgress(&bar, out, 0);
   bar.enabled = 1;
   InProcessHost host, colour;
   BeginInProcessHost(&host, 0, &bar);
@@ -144,20 +123,25 @@ TEST(InProcessHost, ServesTheEngineAndShowsItsProgress) {
   record.bits = 8;
   record.width = record.height = 2;
   FileObjectRecord test = record;
-  service(nullptr, HostOpProgressCaption, 0, reinterpret_cast<uint64_t>("Remapping"));
-  service(nullptr, HostOpProgress, 1, 2);
+  service(nullptr, HostOpProgressCaption, 0, reinterpret_cast<uint64_t>("Quantizing"));
+  service(nullptr, HostOpProgress, 5, 10);
   ASSERT_EQ(service(nullptr, HostOpCreateFile, 0, reinterpret_cast<uint64_t>(&record)), 1u);
   EXPECT_EQ(service(&record, HostOpCloseFile, 1, 0), 1u);
   ASSERT_EQ(service(nullptr, HostOpCreateTestFile, 0, reinterpret_cast<uint64_t>(&test)), 1u);
   EXPECT_EQ(service(&test, HostOpCloseFile, 1, 0), 1u);
   ASSERT_NE(InProcessResult(&host), nullptr);
-  EXPECT_EQ(InProcessResult(&host)->serial, 1);  // the test file is not the result
+  EXPECT_EQ(InProcessResult(&host)->serial, 1);
   EndInProcessHost(&host);
   EXPECT_EQ(service(nullptr, HostOpCreateFile, 0, reinterpret_cast<uint64_t>(&record)), 0u);
   EndProgress(&bar);
-  EXPECT_NE(Written(out).find("\rRemapping        [###############...............] 1/2"),
-            std::string::npos);
-  BeginInProcessHost(&colour, 1, nullptr);  // one host at a time
+  char written[512] = {};
+  rewind(out);
+  EXPECT_GT(fread(written, 1, sizeof written - 1, out), 0u);
+  fclose(out);
+  EXPECT_STREQ(written,
+               "\rQuantizing      \x1b[K"
+               "\rQuantizing       [###############...............] 5/10\x1b[K\n");
+  BeginInProcessHost(&colour, 1, nullptr);
   EXPECT_EQ(colour.record.capabilities & kHostIndexed, 0u);
   EXPECT_EQ(InProcessDelayMilliseconds(&colour), 1);
   EXPECT_EQ(InProcessResult(&colour), nullptr);
@@ -176,7 +160,6 @@ TEST(Gm5Program, AnswersHelpVersionEffectsAndErrors) {
   EXPECT_EQ(help.out.rfind("usage: gm5 ", 0), 0u);
   ExpectFailures({{"", "no command given (see gm5 --help)"},
                   {"paint", "unknown command: paint (see gm5 --help)"},
-                  {"effects --bogus", "unknown option: --bogus"},
                   {"effects extra", "effects takes no arguments"},
                   {"effects --no-dither", "effects takes no options"},
                   {"effects -o x.gif", "effects takes no options"}});

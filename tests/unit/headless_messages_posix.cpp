@@ -12,7 +12,6 @@ TEST(HeadlessMessages, RecordTheTextAndNeverAnswerYes) {
   EXPECT_STREQ(LastShownMessage(), "Replace the file?");
   ShowMessage(nullptr, nullptr);
   EXPECT_STREQ(LastShownMessage(), "");
-  std::string longText(3000, 'x');
-  ShowMessage(nullptr, longText.c_str());
-  EXPECT_EQ(std::string(LastShownMessage()), longText.substr(0, 1023));
+  ShowMessage(nullptr, std::string(3000, 'x').c_str());
+  EXPECT_EQ(std::string(LastShownMessage()), std::string(1023, 'x'));
 }

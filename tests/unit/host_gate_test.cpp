@@ -5,16 +5,11 @@
 
 TEST(HostGate, VersionAsAnIntegerAndCompanyExactly) {
   const char* company = "Cobalt Lanternary";
-  EXPECT_TRUE(HostGateAccepts("16", company));
-  EXPECT_TRUE(HostGateAccepts("16.0.0.1", company));
-  EXPECT_TRUE(HostGateAccepts(" 16", company));
-  EXPECT_TRUE(HostGateAccepts("016", company));
-  EXPECT_FALSE(HostGateAccepts("0x10", company));
-  EXPECT_FALSE(HostGateAccepts("15", company));
-  EXPECT_FALSE(HostGateAccepts("", company));
-  EXPECT_FALSE(HostGateAccepts(nullptr, company));
-  EXPECT_FALSE(HostGateAccepts("16", nullptr));
-  EXPECT_FALSE(HostGateAccepts("16", "Cobalt Lanternary "));
-  EXPECT_FALSE(HostGateAccepts("16", "COBALT LANTERNARY"));
-  EXPECT_FALSE(HostGateAccepts("16", ""));
+  for (const char* version : {"16", "16.0.0.1", " 16", "016"})
+    EXPECT_TRUE(HostGateAccepts(version, company)) << version;
+  for (const char* version : {"0x10", "15", "", static_cast<const char*>(nullptr)})
+    EXPECT_FALSE(HostGateAccepts(version, company)) << (version ? version : "null");
+  for (const char* other :
+       {"Cobalt Lanternary ", "COBALT LANTERNARY", "", static_cast<const char*>(nullptr)})
+    EXPECT_FALSE(HostGateAccepts("16", other)) << (other ? other : "null");
 }

@@ -7,38 +7,24 @@
 
 #include "shell/host_interface.h"
 
-TEST(PluginParamsFill, FillsTheFieldsAndKeepsTheSize) {
-  PluginParams params;
-  memset(&params, 0xAA, sizeof params);
-  params.size = sizeof params;
-  EXPECT_EQ(FillPluginParams(&params), 1);
-  EXPECT_EQ(params.size, sizeof params);
-  EXPECT_EQ(params.version, 0x1000u);
-  EXPECT_STREQ(params.name, "Glyph Motion #5");
-  EXPECT_EQ(params.name[260], 0);  // zeroed beyond the text
-  EXPECT_LE(strlen(params.credit), 63u);
-  EXPECT_NE(strstr(params.credit, "Glyph Motion #5"), nullptr);
-  EXPECT_NE(strstr(params.credit, "Plugin"), nullptr);
-}
-
-TEST(PluginParamsFill, ASmallSizeLimitsOnlyTheZeroing) {
-  PluginParams params;
-  memset(&params, 0xAA, sizeof params);
-  params.size = 12;
-  FillPluginParams(&params);
-  EXPECT_EQ(params.size, 12u);
-  EXPECT_STREQ(params.name, "Glyph Motion #5");
-  EXPECT_EQ(static_cast<uint8_t>(params.name[20]), 0xAA);  // beyond size and the text: untouched
-  EXPECT_EQ(static_cast<uint8_t>(params.credit[63]), 0xAA);
+TEST(PluginParamsFill, FillsTheFieldsAndZeroesOnlyWithinTheSize) {
+  for (uint32_t size : {static_cast<uint32_t>(sizeof(PluginParams)), 12u}) {
+    PluginParams params;
+    memset(&params, 0xAA, sizeof params);
+    params.size = size;
+    EXPECT_EQ(FillPluginParams(&params), 1);
+    EXPECT_EQ(params.size, size);
+    EXPECT_EQ(params.version, 0x1000u);
+    EXPECT_STREQ(params.name, "Glyph Motion #5");
+    const bool whole = size == sizeof params;
+    EXPECT_EQ(static_cast<uint8_t>(params.name[260]), whole ? 0 : 0xAA) << size;
+    EXPECT_EQ(static_cast<uint8_t>(params.credit[63]), whole ? 0 : 0xAA) << size;
+  }
 }
 
 TEST(HostVersion, OnlyBits8To15Count) {
-  EXPECT_FALSE(HostVersionSupported(0x0FFF));
-  EXPECT_TRUE(HostVersionSupported(0x1000));
-  EXPECT_TRUE(HostVersionSupported(0x2000));
-  EXPECT_TRUE(HostVersionSupported(0xFF00));
-  EXPECT_FALSE(HostVersionSupported(0x7FFF0FFF));  // a high word does not help
-  EXPECT_FALSE(HostVersionSupported(0));
+  for (uint32_t version : {0x1000u, 0x2000u, 0xFF00u}) EXPECT_TRUE(HostVersionSupported(version));
+  for (uint32_t version : {0x0FFFu, 0x7FFF0FFFu, 0u}) EXPECT_FALSE(HostVersionSupported(version));
 }
 
 TEST(SwatchTable, IsTheEightByEightByFourCube) {
@@ -79,13 +65,12 @@ std::vector<uint8_t> MakeBlock(uint32_t entries, uint32_t declared) {
   PutU32(bytes, 4, 24);
   PutU32(bytes, 16, declared);
   size_t at = 24;
-  for (uint32_t i = 0; i < entries; ++i) {
+  for (uint32_t i = 0; i < entries; ++i, at += 24 + 44) {
     PutU32(bytes, at, kAnimationEntryMagic);
     PutU32(bytes, at + 4, 24);
     PutU32(bytes, at + 16, 44);
     PutU32(bytes, at + 24, 40);
     PutU32(bytes, at + 24 + 40, 0);
-    at += 24 + 44;
   }
   PutU32(bytes, at, kAnimationEndMagic);
   return bytes;
@@ -93,30 +78,26 @@ std::vector<uint8_t> MakeBlock(uint32_t entries, uint32_t declared) {
 
 }  // namespace
 
-TEST(AnimationBlockCheck, AcceptsWellFormedAndEarlyEndedBlocks) {
-  std::vector<uint8_t> block = MakeBlock(3, 3);
-  EXPECT_TRUE(CheckAnimationBlock(block.data(), block.size()));
-  block = MakeBlock(2, 5);  // end mark before the declared count
-  EXPECT_TRUE(CheckAnimationBlock(block.data(), block.size()));
-  block = MakeBlock(0, 0);
-  EXPECT_TRUE(CheckAnimationBlock(block.data(), block.size()));
-}
-
-TEST(AnimationBlockCheck, RefusesDamageAndNeverReadsOutside) {
-  std::vector<uint8_t> good = MakeBlock(2, 2);
-  std::vector<uint8_t> block = good;
-  PutU32(block, 0, kAnimationEndMagic);
-  EXPECT_FALSE(CheckAnimationBlock(block.data(), block.size()));
-  block = good;
-  PutU32(block, 24 + 68, 0x414E4D66);  // second entry's magic
-  EXPECT_FALSE(CheckAnimationBlock(block.data(), block.size()));
-  block = good;
-  PutU32(block, 24 + 24, 12);  // first DIB's header size
-  EXPECT_FALSE(CheckAnimationBlock(block.data(), block.size()));
-  block = MakeBlock(2, 1);  // more entries than declared: no end mark where the walk stops
-  EXPECT_FALSE(CheckAnimationBlock(block.data(), block.size()));
-  block = good;
-  PutU32(block, 24 + 16, 0xFFFFFFF0);  // data size past the end
+// Well-formed blocks, and blocks ended early, pass; damage anywhere fails without a read outside.
+TEST(AnimationBlockCheck, AcceptsWellFormedBlocksAndRefusesDamage) {
+  for (auto [entries, declared] : {std::pair{3u, 3u}, {2u, 5u}, {0u, 0u}}) {
+    std::vector<uint8_t> block = MakeBlock(entries, declared);
+    EXPECT_TRUE(CheckAnimationBlock(block.data(), block.size())) << entries << " " << declared;
+  }
+  const std::vector<uint8_t> good = MakeBlock(2, 2);
+  const struct {
+    size_t at;
+    uint32_t value;
+  } damage[] = {{0, kAnimationEndMagic},  // the head's magic
+                {24 + 68, 0x414E4D66},    // the second entry's magic
+                {24 + 24, 12},            // the first DIB's header size
+                {24 + 16, 0xFFFFFFF0}};   // a data size past the end
+  for (const auto& d : damage) {
+    std::vector<uint8_t> block = good;
+    PutU32(block, d.at, d.value);
+    EXPECT_FALSE(CheckAnimationBlock(block.data(), block.size())) << d.at;
+  }
+  std::vector<uint8_t> block = MakeBlock(2, 1);  // more entries than declared: no end mark there
   EXPECT_FALSE(CheckAnimationBlock(block.data(), block.size()));
   for (size_t cut = 0; cut < good.size(); ++cut) {
     std::vector<uint8_t> truncated(good.begin(), good.begin() + cut);

@@ -1,36 +1,28 @@
 // The string table: every id gives the text of the one list (on Windows through the compiled
 // string table), a missing id gives the fallback, and the buffer is shared between calls.
-#include <cstring>
 #include <string>
 
 #include <gtest/gtest.h>
 
 #include "shell/messages.h"
 
-TEST(LoadMessage, GivesTheTextsOfTheList) {
+TEST(LoadMessage, GivesTheTextsOfTheListOrTheFallbackInOneBuffer) {
   EXPECT_STREQ(LoadMessage(kMessageReadError), "Error reading file");
   EXPECT_STREQ(LoadMessage(kMessageMemoryError), "Memory error");
   EXPECT_STREQ(LoadMessage(kMessageWriteError), "Error writing file");
-
   // The palette names stand at 1600 to 1608 in the order of the palette box.
-  const std::string names =
-      "Black and white;Sixteen-color Windows;32-color orthogonal;64-color orthogonal;"
-      "128-color orthogonal;216-color safe;256-color orthogonal;256-color with gray;"
-      "256 gray levels";
   std::string joined;
   for (int32_t id = kMessagePaletteBlackWhite; id <= kMessagePaletteGray256; ++id) {
-    if (!joined.empty()) joined += ';';
-    joined += LoadMessage(id);
+    joined += std::string(joined.empty() ? "" : ";") + LoadMessage(id);
     EXPECT_STREQ(LoadMessage(id), FindMessageText(id)) << id;
   }
-  EXPECT_EQ(joined, names);
-}
-
-TEST(LoadMessage, MissingStringGivesTheFallbackInTheSharedBuffer) {
+  EXPECT_EQ(joined,
+            "Black and white;Sixteen-color Windows;32-color orthogonal;64-color orthogonal;"
+            "128-color orthogonal;216-color safe;256-color orthogonal;256-color with gray;"
+            "256 gray levels");
   const char* first = LoadMessage(kMessageReadError);
-  const char* missing = LoadMessage(5);
-  EXPECT_EQ(first, missing);
-  EXPECT_STREQ(missing, "String table error - this application may be damaged");
+  EXPECT_EQ(LoadMessage(5), first);
+  EXPECT_STREQ(first, "String table error - this application may be damaged");
   EXPECT_STREQ(LoadMessage(-1), kMissingMessageText);
   EXPECT_STREQ(LoadMessage(70000), kMissingMessageText);
   EXPECT_EQ(FindMessageText(1609), nullptr);

@@ -219,27 +219,16 @@ TEST(AnimationOutput, FailuresLeaveNothingBehind) {
   const HostFile* indexed = MakeFile(&session, 3, 8, 4, 2, kSupercompressed);
   const HostFile* trueColour =
       MakeFile(&session, 24, 24, 2, 2, {{{0xFF0000FFu, 0xFF00FF00u, 0xFFFF0000u, 0u}, 40, 0, -1}});
-  const std::string bmp = scratch.Path("a.bmp"), gif = scratch.Path("colour.gif"),
-                    nowhere = scratch.Path("none/a.gif");
-  const struct {
-    const HostFile* file;
-    std::string path, message;
-  } cases[] = {
-      {indexed, bmp, "unknown output type: " + bmp + " (use .gif, .webp, .png or a folder)"},
-      {trueColour, gif,
-       "cannot write " + gif + ": GIF needs an indexed build (not true colour or alpha)"},
-      {indexed, nowhere, "cannot write " + nowhere + ": no folder " + scratch.Path("none")},
-  };
-  for (const auto& c : cases) {
-    std::string error;
-    EXPECT_EQ(WriteAnimationOutput(c.file, 10, c.path, &error), 0);
-    EXPECT_EQ(error, c.message);
-    EXPECT_TRUE(scratch.Names().empty()) << c.message;
-  }
-  // A place that cannot take the file (a folder of that name) fails at the rename, and the
-  // temporary file goes.
-  fs::create_directories(scratch.Path("taken.gif/inside"));
+  // Unknown types and missing folders are refused as gm5 render shows; here a true-colour file
+  // given to GIF, and a place that cannot take the file (a folder of that name), which fails at
+  // the rename with the temporary file gone.
+  const std::string gif = scratch.Path("colour.gif");
   std::string error;
+  EXPECT_EQ(WriteAnimationOutput(trueColour, 10, gif, &error), 0);
+  EXPECT_EQ(error,
+            "cannot write " + gif + ": GIF needs an indexed build (not true colour or alpha)");
+  EXPECT_TRUE(scratch.Names().empty());
+  fs::create_directories(scratch.Path("taken.gif/inside"));
   EXPECT_EQ(WriteAnimationOutput(indexed, 10, scratch.Path("taken.gif"), &error), 0);
   EXPECT_EQ(error.rfind("cannot write " + scratch.Path("taken.gif") + ": ", 0), 0u) << error;
   EXPECT_EQ(scratch.Names(), std::vector<std::string>{"taken.gif"});

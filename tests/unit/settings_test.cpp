@@ -5,6 +5,7 @@
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -31,9 +32,8 @@ class Settings : public testing::Test {
     std::fclose(file);
   }
   static std::string Read(const std::string& path) {
-    std::ifstream in(path);
     std::stringstream all;
-    all << in.rdbuf();
+    all << std::ifstream(path).rdbuf();
     return all.str();
   }
   std::string folder_;
@@ -41,7 +41,9 @@ class Settings : public testing::Test {
 
 }  // namespace
 
-TEST_F(Settings, SaveThenLoadGivesBackEveryReadableRow) {
+TEST_F(Settings, SaveThenLoadGivesBackEveryReadableRowAndKeepsABackup) {
+  SaveSettings();
+  const std::string first = Read(Path());
   for (int i = 0; i < kSettingCount; ++i) {
     const SettingEntry& e = SettingTable[i];
     if (e.flags & kSettingString)
@@ -49,7 +51,9 @@ TEST_F(Settings, SaveThenLoadGivesBackEveryReadableRow) {
     else
       *static_cast<int32_t*>(e.value) = i * 7919 + 1000;
   }
+  *SettingInteger("MainPalette") = -1;
   SaveSettings();
+  EXPECT_EQ(Read(Path() + ".bak"), first);
   ResetSettings();
   LoadSettings();
   for (int i = 0; i < kSettingCount; ++i) {
@@ -58,10 +62,12 @@ TEST_F(Settings, SaveThenLoadGivesBackEveryReadableRow) {
       EXPECT_EQ(*static_cast<int32_t*>(e.value), std::strcmp(e.key, "PatchLevel") ? 512 : 1);
     } else if (e.flags & kSettingString) {
       EXPECT_STREQ(static_cast<char*>(e.value), ("value " + std::to_string(i)).c_str()) << e.key;
-    } else if (std::strcmp(e.key, "Style002Frames") != 0) {
+    } else if (std::strcmp(e.key, "Style002Frames") && std::strcmp(e.key, "MainPalette")) {
       EXPECT_EQ(*static_cast<int32_t*>(e.value), i * 7919 + 1000) << e.key;
     }
   }
+  // A negative number is written unsigned and comes back saturated.
+  EXPECT_EQ(*SettingInteger("MainPalette"), 2147483647);
   const std::string text = Read(Path());
   EXPECT_EQ(text.rfind(";Cobalt Lanternary animtion plugin configuration file\n"
                        ";Edit this at your own risk\n;Last updated ",
@@ -69,67 +75,52 @@ TEST_F(Settings, SaveThenLoadGivesBackEveryReadableRow) {
             0u);
   EXPECT_NE(text.find("\n;\n[PlugIn]\nAddDescriptiveCommentBlock = 1000\n"), std::string::npos);
   EXPECT_NE(text.find("\nPatchLevel = 278165\n"), std::string::npos);  // written though never read
+  EXPECT_NE(text.find("\nMainPalette = 4294967295\n"), std::string::npos);
 }
 
-TEST_F(Settings, NegativeNumbersAreWrittenUnsignedAndComeBackSaturated) {
-  *SettingInteger("MainPalette") = -1;
-  SaveSettings();
-  EXPECT_NE(Read(Path()).find("\nMainPalette = 4294967295\n"), std::string::npos);
-  LoadSettings();
-  EXPECT_EQ(*SettingInteger("MainPalette"), 2147483647);
-}
-
-TEST_F(Settings, SavingKeepsTheOldFileAsBackup) {
-  SaveSettings();
-  const std::string first = Read(Path());
-  *SettingInteger("MainDelay") = 77;
-  SaveSettings();
-  EXPECT_EQ(Read(Path() + ".bak"), first);
-  EXPECT_NE(Read(Path()).find("MainDelay = 77\n"), std::string::npos);
-}
-
-TEST_F(Settings, ShortKeysMatchTheFirstRowThatStartsWithThem) {
-  Load("Main = 7\n[PlugIn]\nNoSuchKey = 5\nMainDelay  ==  42\nMainPause= =3\n");
-  EXPECT_EQ(*SettingInteger("MainAlphaTrans"), 7);
-  EXPECT_EQ(*SettingInteger("MainDelay"), 42);
-  EXPECT_EQ(*SettingInteger("MainPause"), 0);  // one run of "=" only
-  EXPECT_EQ(*SettingInteger("MainEffect"), 12);
-  // A key of no characters is a prefix of every key: a blank line sets the first row.
-  Load("\n");
-  EXPECT_EQ(*SettingInteger("AddDescriptiveCommentBlock"), 0);
-}
-
-TEST_F(Settings, LongLinesArriveInPiecesAndStringsKeep260Characters) {
-  const std::string text(248, 'x');
-  Load("MainText = " + text + "MainFontName = Arial\n");
-  EXPECT_EQ(std::string(SettingString("MainText")), text);
-  EXPECT_STREQ(SettingString("MainFontName"), "Arial");
-  Load("OpenPath = " + std::string(400, 'p') + "\n");
-  EXPECT_EQ(std::strlen(SettingString("OpenPath")), 248u);
-}
-
-TEST_F(Settings, RowsNeverReadKeepTheirValues) {
-  Load("PatchLevel = 9\nVersionNumber = 3\nUpdateDelay = 40\n");
-  EXPECT_EQ(*SettingInteger("PatchLevel"), 1);
-  EXPECT_EQ(*SettingInteger("VersionNumber"), 512);
-  EXPECT_EQ(*SettingInteger("UpdateDelay"), 40);
-}
-
-TEST_F(Settings, ShiftReadsOnlyTheScrambledRows) {
-  Load("MainEffect = 3\nRegistrationName = Someone   \nMainText = hello\n", 1);
-  EXPECT_EQ(*SettingInteger("MainEffect"), 12);
-  EXPECT_STREQ(SettingString("MainText"), "This space for rent...");
-  EXPECT_STREQ(SettingString("RegistrationName"), "Someone");
-}
-
-TEST_F(Settings, ControlCharactersEndALineAndNumbersReadAsAtoi) {
-  Load(
-      "MainPause = 12\x01"
-      "34\nMainFontSize = -7abc\nMainPalette = 99999999999\n;MainDelay = 3\n");
-  EXPECT_EQ(*SettingInteger("MainPause"), 12);
-  EXPECT_EQ(*SettingInteger("MainFontSize"), -7);
-  EXPECT_EQ(*SettingInteger("MainPalette"), 2147483647);
-  EXPECT_EQ(*SettingInteger("MainDelay"), 5);
+// How lines read: a short key sets the first row that starts with it (a blank line the first
+// row), one run of "=" only, numbers as atoi, control characters end a line, long lines arrive in
+// pieces, strings keep 248 characters, rows never read keep their values, and with Shift held only
+// the scrambled rows are read.
+TEST_F(Settings, LinesReadWithTheReadersRules) {
+  const struct {
+    std::string text;
+    int shift;
+    std::vector<std::pair<const char*, int32_t>> numbers;
+    std::vector<std::pair<const char*, std::string>> strings;
+  } cases[] = {
+      {"Main = 7\n[PlugIn]\nNoSuchKey = 5\nMainDelay  ==  42\nMainPause= =3\n",
+       0,
+       {{"MainAlphaTrans", 7}, {"MainDelay", 42}, {"MainPause", 0}, {"MainEffect", 12}},
+       {}},
+      {"\n", 0, {{"AddDescriptiveCommentBlock", 0}}, {}},
+      {"MainPause = 12\x01"
+       "34\nMainFontSize = -7abc\nMainPalette = 99999999999\n;MainDelay = 3\n",
+       0,
+       {{"MainPause", 12}, {"MainFontSize", -7}, {"MainPalette", 2147483647}, {"MainDelay", 5}},
+       {}},
+      {"MainText = " + std::string(248, 'x') +
+           "MainFontName = Arial\nOpenPath = " + std::string(400, 'p') + "\n",
+       0,
+       {},
+       {{"MainText", std::string(248, 'x')},
+        {"MainFontName", "Arial"},
+        {"OpenPath", std::string(248, 'p')}}},
+      {"PatchLevel = 9\nVersionNumber = 3\nUpdateDelay = 40\n",
+       0,
+       {{"PatchLevel", 1}, {"VersionNumber", 512}, {"UpdateDelay", 40}},
+       {}},
+      {"MainEffect = 3\nRegistrationName = Someone   \nMainText = hello\n",
+       1,
+       {{"MainEffect", 12}},
+       {{"MainText", "This space for rent..."}, {"RegistrationName", "Someone"}}},
+  };
+  for (const auto& c : cases) {
+    ResetSettings();
+    Load(c.text, c.shift);
+    for (const auto& [key, value] : c.numbers) EXPECT_EQ(*SettingInteger(key), value) << key;
+    for (const auto& [key, value] : c.strings) EXPECT_EQ(SettingString(key), value) << key;
+  }
 }
 
 TEST_F(Settings, NoFolderMeansNoLoadAndNoSave) {

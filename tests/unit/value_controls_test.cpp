@@ -1,6 +1,6 @@
 #include "controls/value_controls.h"
 
-#include <cstring>
+#include <cstdio>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -8,6 +8,7 @@
 #include "controls/direction_picker.h"
 #include "controls/page_setup.h"
 #include "documents/settings.h"
+#include "host/host_session.h"
 #include "shell/host_interface.h"
 #include "tests/support/alloc_sweep.h"
 #include "tests/support/value_dialog.h"
@@ -24,7 +25,6 @@ class ValueControls : public testing::Test {
   }
   void TearDown() override {
     DialogDestroy(dialog_);
-    SetColourChooser(nullptr);
     ResetSettings();
   }
   WindowHandle Item(int32_t id) { return DialogItem(dialog_, id); }
@@ -34,57 +34,54 @@ class ValueControls : public testing::Test {
     FormatControlLine(Item(id), line, sizeof line);
     return line;
   }
+  uint32_t Timer() { return DialogTimerPeriod(dialog_, kUpdateTimerId); }
   WindowHandle dialog_ = nullptr;
 };
 
-uint32_t g_offered = 0;
-uint8_t g_swatches[768];
-int ChooseTeal(WindowHandle, uint32_t* colour, const uint8_t* swatches) {
-  g_offered = *colour;
-  std::memcpy(g_swatches, swatches, sizeof g_swatches);
-  *colour = 0x808000;
-  return 1;
-}
-int Cancel(WindowHandle, uint32_t*, const uint8_t*) {
-  return 0;
+HostSession* g_session = nullptr;
+uint64_t Serve(void* object, int32_t opcode, uint64_t a, uint64_t b) {
+  return ServeHostCall(g_session, object, opcode, a, b);
 }
 
 }  // namespace
 
 TEST(DlgItemInt, TranslatesAsTheDialogManagerDoes) {
-  int ok = 0;
-  EXPECT_EQ(ParseDlgItemInt("  42abc", 0, &ok), 42u);
-  EXPECT_EQ(ok, 1);
-  EXPECT_EQ(static_cast<int32_t>(ParseDlgItemInt("-12", 1, &ok)), -12);
-  EXPECT_EQ(ParseDlgItemInt("-12", 0, &ok), 0u);
-  EXPECT_EQ(ok, 0);
-  EXPECT_EQ(ParseDlgItemInt("", 0, &ok), 0u);
-  EXPECT_EQ(ok, 0);
-  EXPECT_EQ(ParseDlgItemInt("4294967295", 0, &ok), 4294967295u);
-  EXPECT_EQ(ParseDlgItemInt("4294967296", 0, &ok), 0u);
-  EXPECT_EQ(ParseDlgItemInt("2147483648", 1, &ok), 0u);
-  EXPECT_EQ(static_cast<int32_t>(ParseDlgItemInt("-2147483648", 1, &ok)), INT32_MIN);
+  const struct {
+    const char* text;
+    int isSigned;
+    uint32_t value;
+    int ok;
+  } cases[] = {
+      {"  42abc", 0, 42, 1},   {"-12", 1, static_cast<uint32_t>(-12), 1}, {"-12", 0, 0, 0},
+      {"", 0, 0, 0},           {"4294967295", 0, 4294967295u, 1},         {"4294967296", 0, 0, 0},
+      {"2147483648", 1, 0, 0}, {"-2147483648", 1, 0x80000000u, 1},        {"-2147483649", 1, 0, 0}};
+  for (const auto& c : cases) {
+    int ok = -1;
+    EXPECT_EQ(ParseDlgItemInt(c.text, c.isSigned, &ok), c.value) << c.text;
+    EXPECT_EQ(ok, c.ok) << c.text;
+  }
 }
 
 TEST_F(ValueControls, ReadDlgValueClampsToTheUpdownRange) {
-  SetText(108, "300");  // Fill opacity, 0..255
-  EXPECT_EQ(ReadDlgValue(dialog_, 108), 255);
+  const struct {
+    int32_t id;
+    const char *range, *text;
+    int32_t value;
+  } cases[] = {{108, nullptr, "300", 255},                                // Fill opacity, 0..255
+               {116, nullptr, "", 1},                                     // Shadow offset, 1..255
+               {108, nullptr, "", 0},         {108, "junk", "150", 100},  // no range: 0..100
+               {108, "-50,50,0", "-20", -20},  // a negative minimum reads the edit as signed
+               {108, "10", "500", 100}};       // a scan that stops early keeps the default max
+  for (const auto& c : cases) {
+    if (c.range) SetText(10000 + c.id, c.range);
+    SetText(c.id, c.text);
+    EXPECT_EQ(ReadDlgValue(dialog_, c.id), c.value) << c.text;
+  }
   char text[16];
+  SetText(108, "300");
+  ReadDlgValue(dialog_, 108);
   DialogGetText(Item(108), text, sizeof text);
-  EXPECT_STREQ(text, "300");
-  SetText(116, "");  // Shadow offset, 1..255
-  EXPECT_EQ(ReadDlgValue(dialog_, 116), 1);
-  SetText(108, "");
-  EXPECT_EQ(ReadDlgValue(dialog_, 108), 0);
-  SetText(10000 + 108, "junk");  // no range: 0..100
-  SetText(108, "150");
-  EXPECT_EQ(ReadDlgValue(dialog_, 108), 100);
-  SetText(10000 + 108, "-50,50,0");  // a negative minimum reads the edit as signed
-  SetText(108, "-20");
-  EXPECT_EQ(ReadDlgValue(dialog_, 108), -20);
-  SetText(10000 + 108, "10");  // a scan that stops early keeps min and the default max
-  SetText(108, "500");
-  EXPECT_EQ(ReadDlgValue(dialog_, 108), 100);
+  EXPECT_STREQ(text, "300") << "reading leaves the text alone";
 }
 
 TEST_F(ValueControls, ControlsStartFromTheirSettingsAndStoreChanges) {
@@ -101,19 +98,21 @@ TEST_F(ValueControls, ControlsStartFromTheirSettingsAndStoreChanges) {
   EXPECT_EQ(*SettingInteger("Style004Rotation"), 22);
   DialogNotify(dialog_, 306, kComboSelectionChanged);
   EXPECT_EQ(*SettingInteger("Style004Rotation"), 3);
-}
+  // An updown's own id has no partner updown: the range is 0..100 and its text reads as 0.
+  DialogNotify(dialog_, 10108, 0);
+  EXPECT_EQ(*SettingInteger("Style000FillOpacity"), 0);
 
-TEST_F(ValueControls, ChangesFromId50OnRestartTheUpdateTimer) {
+  // Only changes from id 50 on restart the update timer, with the UpdateDelay period.
   SetText(11, "30");
   DialogKillTimer(dialog_, kUpdateTimerId);
   DialogNotify(dialog_, 11, 0);
   EXPECT_EQ(*SettingInteger("MainDelay"), 30);
-  EXPECT_EQ(DialogTimerPeriod(dialog_, kUpdateTimerId), 0u);
+  EXPECT_EQ(Timer(), 0u);
   DialogNotify(dialog_, 57, 0);
-  EXPECT_EQ(DialogTimerPeriod(dialog_, kUpdateTimerId), 250u);
+  EXPECT_EQ(Timer(), 250u);
   *SettingInteger("UpdateDelay") = 90;
   DialogNotify(dialog_, 122, 0);
-  EXPECT_EQ(DialogTimerPeriod(dialog_, kUpdateTimerId), 90u);
+  EXPECT_EQ(Timer(), 90u);
 }
 
 TEST_F(ValueControls, AnEmptyTextDisablesBuildAndAComboChoiceKeepsItDisabled) {
@@ -129,29 +128,36 @@ TEST_F(ValueControls, AnEmptyTextDisablesBuildAndAComboChoiceKeepsItDisabled) {
   EXPECT_TRUE(DialogItemEnabled(Item(1)));
 }
 
-TEST_F(ValueControls, ColourButtonsStoreOnlyAChosenColour) {
-  DialogNotify(dialog_, 106, 0);  // no host to ask: as if cancelled
-  EXPECT_EQ(*SettingInteger("Style000OutlineColor"), 3355443);
-  SetColourChooser(Cancel);
+// A colour button asks the host, offering the button's colour and the swatch cube, and stores
+// only a chosen colour; without a host, or when the host cancels, nothing changes.
+TEST_F(ValueControls, ColourButtonsStoreOnlyTheHostsChosenColour) {
   DialogNotify(dialog_, 106, 0);
   EXPECT_EQ(*SettingInteger("Style000OutlineColor"), 3355443);
-  EXPECT_EQ(DialogTimerPeriod(dialog_, kUpdateTimerId), 0u);
-  SetColourChooser(ChooseTeal);
+  HostSession session;
+  g_session = &session;
+  session.log = std::tmpfile();
+  ASSERT_NE(session.log, nullptr);
+  ReadHostAnswerLine(&session, "colour 0x808000");
+  HostRecord record = {};
+  record.version = kInterfaceVersion;
+  record.service = Serve;
+  CurrentHost = &record;
   DialogNotify(dialog_, 106, 0);
-  EXPECT_EQ(g_offered, 3355443u);
-  const uint8_t entry45[3] = {36, 108, 85};  // (r 1 * 8 + g 3) * 4 + k 1
-  EXPECT_EQ(std::memcmp(g_swatches + 45 * 3, entry45, 3), 0);
-  EXPECT_EQ(g_swatches[767], 255);
   EXPECT_EQ(*SettingInteger("Style000OutlineColor"), 0x808000);
   EXPECT_EQ(Line(106), "CLRBTN106=8421376");
-  EXPECT_EQ(DialogTimerPeriod(dialog_, kUpdateTimerId), 250u);
-}
-
-TEST_F(ValueControls, AnUpdownCommandReadsWithItsOwnId) {
-  // The partner of an updown's id doesn't exist, so the range is 0..100 and its own text
-  // "0,255,255" reads as 0.
-  DialogNotify(dialog_, 10108, 0);
-  EXPECT_EQ(*SettingInteger("Style000FillOpacity"), 0);
+  EXPECT_EQ(Timer(), 250u);
+  DialogKillTimer(dialog_, kUpdateTimerId);
+  DialogNotify(dialog_, 106, 0);  // no colour left in the script: a cancel
+  EXPECT_EQ(*SettingInteger("Style000OutlineColor"), 0x808000);
+  EXPECT_EQ(Timer(), 0u);
+  CurrentHost = nullptr;
+  char line[256] = "";
+  std::rewind(session.log);
+  std::fgets(line, sizeof line, session.log);
+  std::fclose(session.log);
+  EXPECT_STREQ(line,
+               "call op=11 name=HostOpChooseColour swatches=cube colour=0x333333 "
+               "chosen=0x808000 result=1\n");
 }
 
 TEST_F(ValueControls, LinesOfEachKind) {
@@ -174,46 +180,37 @@ TEST_F(ValueControls, LinesOfEachKind) {
   EXPECT_STREQ(SettingString("MainFontName"), "Courier New");
 }
 
-// Kinds that no table uses yet: a signed spin edit, a list box and the horizontal-or-vertical
-// picker, on a dialog of their own.
-TEST(ValueControlKinds, SignedSpinListBoxAndHvPickerKeepTheirValues) {
+// Kinds that no table uses yet, and a control of a resource that takes its kind later.
+TEST(ValueControlKinds, SignedSpinListBoxHvPickerAndLateKindsKeepTheirValues) {
   WindowHandle dialog = DialogCreate();
   ASSERT_NE(dialog, nullptr);
   WindowHandle spin = DialogAddControl(dialog, 700, kControlSignedSpinEdit, "");
   DialogAddControl(dialog, 10700, kControlUpDown, "-90,90,0");
   WindowHandle list = DialogAddControl(dialog, 702, kControlListBoxList, "");
   WindowHandle picker = DialogAddControl(dialog, 704, kControlScrollHVPicker, "");
+  WindowHandle field = DialogAddControl(dialog, 52, kControlOther, "Hello");
   for (const char* row : {"one", "two", "three"}) DialogAddRow(list, row);
-  char angle[kSettingTextSize] = "-45";
+  char angle[kSettingTextSize] = "-45", line[64];
   int32_t row = 2, way = 1;
   BindControl(spin, angle);
   BindControl(list, &row);
   BindControl(picker, &way);
-  char line[64];
-  FormatControlLine(spin, line, sizeof line);
-  EXPECT_STREQ(line, "SPNSGN700=-45");
-  FormatControlLine(list, line, sizeof line);
-  EXPECT_STREQ(line, "CMBBOX702=2");
-  FormatControlLine(picker, line, sizeof line);
-  EXPECT_STREQ(line, "SCRLHV704=1");
+  const std::pair<WindowHandle, const char*> lines[] = {
+      {spin, "SPNSGN700=-45"}, {list, "CMBBOX702=2"}, {picker, "SCRLHV704=1"}};
+  for (const auto& [control, text] : lines) {
+    FormatControlLine(control, line, sizeof line);
+    EXPECT_STREQ(line, text);
+  }
   EXPECT_EQ(TakeControlLine(spin, "SPNSGN700=-200"), 1);
   EXPECT_STREQ(angle, "-90");
   EXPECT_EQ(TakeControlLine(list, "CMBBOX702=0"), 1);
   EXPECT_EQ(row, 0);
   DialogPickerClick(picker, 5, 30);
   EXPECT_EQ(way, 0);
-  DialogDestroy(dialog);
-}
 
-TEST(ValueControlKinds, AControlOfAResourceTakesItsKindLater) {
-  WindowHandle dialog = DialogCreate();
-  ASSERT_NE(dialog, nullptr);
-  WindowHandle field = DialogAddControl(dialog, 52, kControlOther, "Hello");
-  char line[64];
   EXPECT_EQ(FormatControlLine(field, line, sizeof line), 0u);
   DialogSetControlKind(field, kControlTextField);
-  EXPECT_EQ(DialogControlKind(field), kControlTextField);
-  EXPECT_TRUE(DialogWriteLine(field, nullptr) == 0);  // no file, no line
+  EXPECT_EQ(DialogWriteLine(field, nullptr), 0);  // no file, no line
   FormatControlLine(field, line, sizeof line);
   EXPECT_STREQ(line, "TXTFLD52=Hello");
   EXPECT_EQ(DialogReadLine(field, "TXTFLD52=Bye"), 1);
@@ -222,40 +219,35 @@ TEST(ValueControlKinds, AControlOfAResourceTakesItsKindLater) {
   DialogDestroy(dialog);
 }
 
-TEST_F(ValueControls, PickerCellsFollowTheGrid) {
-  const PickerShape* shadow = FindPickerShape(kControlShadowPicker);
-  EXPECT_EQ(PickerCellAt(shadow, 24, 24), 0);
-  EXPECT_EQ(PickerCellAt(shadow, 25, 25), -1);
-  EXPECT_EQ(PickerCellAt(shadow, 74, 30), 3);
-  EXPECT_EQ(PickerCellAt(shadow, 0, 30), 4);
-  const PickerShape* hv = FindPickerShape(kControlScrollHVPicker);
-  EXPECT_EQ(PickerCellAt(hv, 30, 5), 1);
-  EXPECT_EQ(PickerCellAt(hv, 5, 30), 0);
-  EXPECT_EQ(PickerCellAt(hv, 5, 5), -1);
-  const PickerShape* four = FindPickerShape(kControlScroll4Picker);
-  EXPECT_EQ(PickerCellAt(four, 30, 5), 0);
-  EXPECT_EQ(PickerCellAt(four, 30, 70), 3);
+TEST(PickerShapes, CellsFollowTheGrid) {
+  const struct {
+    ControlKind kind;
+    int x, y, cell;
+  } cases[] = {{kControlShadowPicker, 24, 24, 0},  {kControlShadowPicker, 25, 25, -1},
+               {kControlShadowPicker, 74, 30, 3},  {kControlShadowPicker, 0, 30, 4},
+               {kControlScrollHVPicker, 30, 5, 1}, {kControlScrollHVPicker, 5, 30, 0},
+               {kControlScrollHVPicker, 5, 5, -1}, {kControlScroll4Picker, 30, 5, 0},
+               {kControlScroll4Picker, 30, 70, 3}};
+  for (const auto& c : cases)
+    EXPECT_EQ(PickerCellAt(FindPickerShape(c.kind), c.x, c.y), c.cell) << c.kind << " " << c.x;
 }
 
 TEST_F(ValueControls, PickersSelectOnClickAndTakeLinesWithoutStoring) {
   WindowHandle picker = Item(120);
-  DialogPickerClick(picker, 10, 60);
   int32_t value = -1;
-  EXPECT_TRUE(DialogPickerValue(picker, &value));
-  EXPECT_EQ(value, 5);
+  auto held = [&] { return DialogPickerValue(picker, &value) ? value : -1; };
+  DialogPickerClick(picker, 10, 60);
+  EXPECT_EQ(held(), 5);
   EXPECT_EQ(*SettingInteger("Style000ShadowDirection"), 5);
-  EXPECT_EQ(DialogTimerPeriod(dialog_, kUpdateTimerId), 250u);
+  EXPECT_EQ(Timer(), 250u);
   DialogPickerClick(picker, 30, 30);  // the centre: nothing changes
-  EXPECT_TRUE(DialogPickerValue(picker, &value));
-  EXPECT_EQ(value, 5);
+  EXPECT_EQ(held(), 5);
   EXPECT_EQ(DialogReadLine(picker, "sdwdir120=9"), 1);
-  EXPECT_TRUE(DialogPickerValue(picker, &value));
-  EXPECT_EQ(value, 9);
+  EXPECT_EQ(held(), 9);
   EXPECT_EQ(*SettingInteger("Style000ShadowDirection"), 5);
   EXPECT_EQ(Line(120), "SDWDIR120=5");
   DialogPickerReadBack(picker);
-  EXPECT_TRUE(DialogPickerValue(picker, &value));
-  EXPECT_EQ(value, 5);
+  EXPECT_EQ(held(), 5);
   EXPECT_EQ(DialogReadLine(picker, "SCRL4D120=1"), 0);
 }
 

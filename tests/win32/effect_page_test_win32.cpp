@@ -98,10 +98,10 @@ TEST(EffectPage, ResourcesMatchTheirTables) {
       const int32_t id = GetDlgCtrlID(child);
       ids.insert(id);
       const ControlKind kind = KindOfPageId(page, id);
+      ASSERT_NE(kind, kControlKindCount) << "page " << resource << " id " << id;
       char windowClass[64];
       GetClassNameA(child, windowClass, sizeof windowClass);
       const DWORD style = static_cast<DWORD>(GetWindowLongA(child, GWL_STYLE));
-      ASSERT_NE(kind, kControlKindCount) << "page " << resource << " id " << id;
       EXPECT_EQ(lstrcmpiA(windowClass, PageWindowClass(kind)), 0) << id << " " << windowClass;
       // An edit's border becomes a client edge and a combo box's scroll bar its list's.
       const DWORD wanted = PageWindowStyle(kind) & ~static_cast<DWORD>(WS_BORDER | WS_VSCROLL);
@@ -148,8 +148,7 @@ TEST(EffectPage, InitClonesEveryPageIntoTheDialog) {
     HWND twin = reinterpret_cast<HWND>(DialogItem(dialog, GetDlgCtrlID(child)));
     ASSERT_NE(twin, nullptr) << GetDlgCtrlID(child);
     const RECT a = ClientRect(child), b = ClientRect(twin);
-    EXPECT_TRUE(a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom)
-        << GetDlgCtrlID(child);
+    EXPECT_TRUE(EqualRect(&a, &b)) << GetDlgCtrlID(child);
   }
   DestroyWindow(page);
   EXPECT_EQ(DialogClonePage(dialog, kEffectPageBase + kEffectCount), 0) << "no such page";
@@ -158,11 +157,15 @@ TEST(EffectPage, InitClonesEveryPageIntoTheDialog) {
   SetSettingsFolder("");
 }
 
-// The process has room for about 65,000 GDI objects. Drawing more shapes than that on one surface
-// fails as soon as a pen or brush per call is left behind.
-TEST(RenderSurface, DrawingLeavesNoGdiObjectsBehind) {
+// The process has room for about 65,000 GDI objects: drawing more shapes than that on one surface
+// fails as soon as a pen or brush per call is left behind. Release deletes the bitmap and the DC.
+TEST(RenderSurface, DrawingAndReleaseLeaveNoGdiObjectsBehind) {
   RenderSurface surface;
   ASSERT_EQ(CreateRenderSurface(32, 16, &surface), 1);
+  HGDIOBJ bitmap = static_cast<HGDIOBJ>(surface.bitmap),
+          dc = static_cast<HGDIOBJ>(surface.memoryDc);
+  EXPECT_EQ(GetObjectType(bitmap), static_cast<DWORD>(OBJ_BITMAP));
+  EXPECT_EQ(GetObjectType(dc), static_cast<DWORD>(OBJ_MEMDC));
   const SurfacePaint paint = {0xFF, 0xFF00, 3};
   const SurfaceRect box = {2, 2, 20, 12};
   const SurfacePoint triangle[] = {{1, 1}, {30, 4}, {9, 15}};
@@ -173,16 +176,6 @@ TEST(RenderSurface, DrawingLeavesNoGdiObjectsBehind) {
     ASSERT_EQ(SurfaceLine(&surface, 0, 0, 31, 15, 0xFFFFFF, 2), 1) << i;
     ASSERT_EQ(SurfaceFillRect(&surface, &box, 0x808080), 1) << i;
   }
-  ReleaseRenderSurface(&surface, 0);
-}
-
-TEST(RenderSurface, ReleaseDeletesTheBitmapAndTheMemoryDc) {
-  RenderSurface surface;
-  ASSERT_EQ(CreateRenderSurface(32, 16, &surface), 1);
-  HGDIOBJ bitmap = static_cast<HGDIOBJ>(surface.bitmap);
-  HGDIOBJ dc = static_cast<HGDIOBJ>(surface.memoryDc);
-  EXPECT_EQ(GetObjectType(bitmap), static_cast<DWORD>(OBJ_BITMAP));
-  EXPECT_EQ(GetObjectType(dc), static_cast<DWORD>(OBJ_MEMDC));
   ReleaseRenderSurface(&surface, 0);
   EXPECT_EQ(GetObjectType(bitmap), 0u);
   EXPECT_EQ(GetObjectType(dc), 0u);

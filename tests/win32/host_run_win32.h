@@ -49,7 +49,7 @@ inline HostRun RunHost(const std::string& arguments, const std::string& script) 
   std::ofstream(scriptPath) << script;
   DeleteFileA(logPath.c_str());
 
-  std::string command = "\"" + BuildPath(GM5_HOST_PATH) + "\" --plugin \"" +
+  std::string command = std::string("\"") + BuildPath(GM5_HOST_PATH) + "\" --plugin \"" +
                         BuildPath(GM5_PLUGIN_PATH) + "\" --script \"" + scriptPath + "\" --log \"" +
                         logPath + "\" " + arguments;
   HostRun run;

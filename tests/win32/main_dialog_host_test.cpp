@@ -6,6 +6,7 @@
 
 #include <cstdio>
 #include <string>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -21,74 +22,74 @@ std::string Reads(std::initializer_list<const char*> steps) {
 
 }  // namespace
 
-TEST(MainDialog, HostKindSetsRangesAndBoxesAtStart) {
+// A first use: the delays reset to the host's kind, and true color ends on for a true-colour host
+// even when the host does not offer it. Each run then changes two values and closes, which
+// writes the configuration; the next run without Shift starts from it, with Shift from the
+// defaults, the delays reset twice: to the offered true colour's 40 and 1000, or to 4 and 100.
+TEST(MainDialog, HostKindSetsTheStartAndCloseWritesTheConfiguration) {
   if (!DisplayAvailable()) GTEST_SKIP() << "no display";
   struct Expected {
     int capabilities;
     const char *delayRange, *pauseRange, *delay, *pause;
     int trueColour, trueColourEnabled, transparentEnabled, superEnabled, alpha, alphaEnabled;
   };
-  // A first use: the delays reset to the host's kind. True color ends on for a true-colour host
-  // even when the host does not offer it.
   static const Expected kKinds[] = {
       {0, "1,1000,40", "1,10000,1000", "50", "1000", 1, 1, 0, 0, 0, 1},
       {1, "1,100,4", "1,1000,100", "5", "100", 0, 0, 1, 1, 0, 0},
       {2, "1,1000,40", "1,10000,1000", "50", "1000", 1, 1, 0, 0, 0, 1},
       {3, "1,100,4", "1,1000,100", "5", "100", 1, 1, 1, 1, 0, 0},
   };
-  const std::string script = Reads(
-      {"wait-dialog", "read-text 10011", "read-text 10023", "read-text 11", "read-text 23",
-       "read-check 10", "read-enabled 10", "read-enabled 35", "read-check 19", "read-enabled 19",
-       "read-check 62", "read-enabled 62", "read-enabled 63", "read-enabled 1", "click 2"});
+  const std::string script =
+      Reads({"wait-dialog", "read-text 10011", "read-text 10023", "read-text 11", "read-text 23",
+             "read-check 10", "read-enabled 10", "read-enabled 35", "read-check 19",
+             "read-enabled 19", "read-check 62", "read-enabled 62", "read-enabled 63",
+             "read-enabled 1", "set-text 11 7", "set-text 52 Kept", "click 2"});
+  auto value = [](const HostRun& run, const char* read, int id, const char* key) {
+    return run.Value(std::string(read) + " id=" + std::to_string(id) + " ", key);
+  };
   for (const Expected& kind : kKinds) {
     SCOPED_TRACE(kind.capabilities);
     ForgetConfiguration();
     HostRun run = RunHost("--capabilities " + std::to_string(kind.capabilities), script);
     ASSERT_EQ(run.exitCode, 0u);
-    EXPECT_EQ(run.Value("read-text id=10011", "text"), kind.delayRange);
-    EXPECT_EQ(run.Value("read-text id=10023", "text"), kind.pauseRange);
-    EXPECT_EQ(run.Value("read-text id=11 ", "text"), kind.delay);
-    EXPECT_EQ(run.Value("read-text id=23 ", "text"), kind.pause);
-    EXPECT_EQ(run.Value("read-check id=10 ", "check"), std::to_string(kind.trueColour));
-    EXPECT_EQ(run.Value("read-enabled id=10 ", "enabled"), std::to_string(kind.trueColourEnabled));
-    EXPECT_EQ(run.Value("read-enabled id=35 ", "enabled"), std::to_string(kind.transparentEnabled));
-    EXPECT_EQ(run.Value("read-check id=19 ", "check"), "0");
-    EXPECT_EQ(run.Value("read-enabled id=19 ", "enabled"), std::to_string(kind.superEnabled));
-    EXPECT_EQ(run.Value("read-check id=62 ", "check"), std::to_string(kind.alpha));
-    EXPECT_EQ(run.Value("read-enabled id=62 ", "enabled"), std::to_string(kind.alphaEnabled));
-    EXPECT_EQ(run.Value("read-enabled id=63 ", "enabled"), std::to_string(kind.alphaEnabled));
-    EXPECT_EQ(run.Value("read-enabled id=1 ", "enabled"), "1");
+    EXPECT_EQ(value(run, "read-text", 10011, "text"), kind.delayRange);
+    EXPECT_EQ(value(run, "read-text", 10023, "text"), kind.pauseRange);
+    EXPECT_EQ(value(run, "read-text", 11, "text"), kind.delay);
+    EXPECT_EQ(value(run, "read-text", 23, "text"), kind.pause);
+    const std::pair<const char*, int> flags[] = {{"read-check id=10 ", kind.trueColour},
+                                                 {"read-enabled id=10 ", kind.trueColourEnabled},
+                                                 {"read-enabled id=35 ", kind.transparentEnabled},
+                                                 {"read-check id=19 ", 0},
+                                                 {"read-enabled id=19 ", kind.superEnabled},
+                                                 {"read-check id=62 ", kind.alpha},
+                                                 {"read-enabled id=62 ", kind.alphaEnabled},
+                                                 {"read-enabled id=63 ", kind.alphaEnabled},
+                                                 {"read-enabled id=1 ", 1}};
+    for (const auto& [prefix, flag] : flags)
+      EXPECT_EQ(run.Value(prefix, prefix[5] == 'c' ? "check" : "enabled"), std::to_string(flag))
+          << prefix;
   }
-}
-
-TEST(MainDialog, CloseWritesTheConfigurationAndShiftResets) {
-  if (!DisplayAvailable()) GTEST_SKIP() << "no display";
-  ForgetConfiguration();
-  HostRun run = RunHost("--capabilities 3",
-                        Reads({"wait-dialog", "set-text 11 7", "set-text 52 Kept", "click 2"}));
-  ASSERT_EQ(run.exitCode, 0u);
   const std::string written = ReadConfiguration();
-  EXPECT_NE(written.find("MainDelay = 7\n"), std::string::npos);
-  EXPECT_NE(written.find("IsFirst = 0\n"), std::string::npos);
-  EXPECT_NE(written.find("MainText = Kept\n"), std::string::npos);
+  for (const char* line : {"MainDelay = 7\n", "IsFirst = 0\n", "MainText = Kept\n"})
+    EXPECT_NE(written.find(line), std::string::npos) << line;
 
-  // No longer a first use: the saved values stand.
   const std::string reads = Reads(
       {"wait-dialog", "read-text 11", "read-text 23", "read-text 52", "read-check 10", "click 2"});
-  run = RunHost("--capabilities 3", reads);
-  EXPECT_EQ(run.Value("read-text id=11 ", "text"), "7");
-  EXPECT_EQ(run.Value("read-text id=52 ", "text"), "Kept");
-
-  // Shift: the saved values are passed over, and the delays reset twice, the second time to the
-  // offered true colour's 40 and 1000, or to 4 and 100 without it.
-  run = RunHost("--capabilities 3 --shift", reads);
-  EXPECT_EQ(run.Value("read-text id=11 ", "text"), "40");
-  EXPECT_EQ(run.Value("read-text id=23 ", "text"), "1000");
-  EXPECT_EQ(run.Value("read-text id=52 ", "text"), "This%20space%20for%20rent...");
-  EXPECT_EQ(run.Value("read-check id=10 ", "check"), "1");
-  run = RunHost("--capabilities 1 --shift", reads);
-  EXPECT_EQ(run.Value("read-text id=11 ", "text"), "4");
-  EXPECT_EQ(run.Value("read-text id=23 ", "text"), "100");
+  const struct {
+    const char *arguments, *delay, *pause, *text, *trueColour;
+  } kRuns[] = {{"--capabilities 3", "7", nullptr, "Kept", nullptr},
+               {"--capabilities 3 --shift", "40", "1000", "This%20space%20for%20rent...", "1"},
+               {"--capabilities 1 --shift", "4", "100", nullptr, nullptr}};
+  for (const auto& r : kRuns) {
+    HostRun run = RunHost(r.arguments, reads);
+    EXPECT_EQ(value(run, "read-text", 11, "text"), r.delay) << r.arguments;
+    const std::tuple<const char*, int, const char*> optional[] = {
+        {"read-text", 23, r.pause}, {"read-text", 52, r.text}, {"read-check", 10, r.trueColour}};
+    for (const auto& [read, id, want] : optional) {
+      if (!want) continue;
+      EXPECT_EQ(value(run, read, id, read[5] == 't' ? "text" : "check"), want) << id;
+    }
+  }
   ForgetConfiguration();
 }
 
@@ -116,19 +117,33 @@ TEST(MainDialog, ChangesRepaintTheSampleOnceAndBoxesInterlock) {
   EXPECT_EQ(run.Count("read-enabled id=1 enabled=1"), 1);
 }
 
-TEST(MainDialog, OpenAndSaveRoundTripThroughTheFileDialogs) {
+// Save on an untitled document asks for a name; once named, Save writes without asking, and Open
+// reads it back. Then a screenshot of the dialog with each effect's page, for looking at, goes to
+// build/windows/screenshots.
+TEST(MainDialog, OpenAndSaveRoundTripThroughTheFileDialogsAndEveryPageShows) {
   if (!DisplayAvailable()) GTEST_SKIP() << "no display";
   ForgetConfiguration();
   const std::string path = TempFolder() + "gm5_round_trip.gm5";
   DeleteFileA(path.c_str());
-  // Save on an untitled document asks for a name; once named, Save writes without asking.
+  const std::string bin = BuildPath(GM5_PLUGIN_PATH);
+  const std::string folder =
+      bin.substr(0, bin.find_last_of('\\', bin.find_last_of('\\') - 1)) + "\\screenshots";
+  CreateDirectoryA(folder.c_str(), nullptr);
+  std::string screenshots;
+  for (int row = 0; row < 21; ++row) {
+    char name[32];
+    std::snprintf(name, sizeof name, "\\page-%02d.png", row);
+    screenshots +=
+        "select 58 " + std::to_string(row) + "\nsleep 700\nscreenshot 0 " + folder + name + "\n";
+  }
   HostRun run =
       RunHost("--capabilities 3",
               "dialog-size 700 500\n" + Reads({"wait-dialog", "set-text 52 First", "click 38"}) +
                   "file-dialog " + path + "\n" +
                   Reads({"sleep 500", "set-text 52 Second", "click 38", "sleep 300",
                          "set-text 52 Changed", "click 37"}) +
-                  "file-dialog " + path + "\n" + Reads({"sleep 800", "read-text 52", "click 2"}));
+                  "file-dialog " + path + "\n" + Reads({"sleep 800", "read-text 52"}) +
+                  screenshots + "click 2\n");
   ASSERT_EQ(run.exitCode, 0u);
   EXPECT_EQ(run.Count("file-dialog"), 2);
   // Each file dialog takes the size the host keeps for them.
@@ -136,6 +151,12 @@ TEST(MainDialog, OpenAndSaveRoundTripThroughTheFileDialogs) {
   EXPECT_EQ(run.Line("file-dialog title=Open"), "file-dialog title=Open width=700 height=500");
   EXPECT_EQ(run.Value("read-text id=52 ", "text"), "Second");
   EXPECT_EQ(run.Count("box"), 0);
+  EXPECT_EQ(run.Count("screenshot path="), 21);
+  for (const std::string& line : run.lines) {
+    if (line.rfind("screenshot", 0) == 0) {
+      EXPECT_NE(line.find("result=1"), std::string::npos) << line;
+    }
+  }
   DeleteFileA(path.c_str());
   DeleteFileA((path + ".bak").c_str());
   ForgetConfiguration();
@@ -192,29 +213,5 @@ TEST(MainDialog, BuildWritesFramesForTheNativeComparison) {
   EXPECT_EQ(run.Count("call op=2 name=HostOpAddImage file=1"), 6);
   EXPECT_NE(GetFileAttributesA((folder + "\\dialog-build\\file1-frame005.bmp").c_str()),
             INVALID_FILE_ATTRIBUTES);
-  ForgetConfiguration();
-}
-
-// A screenshot of the dialog with each effect's page, for looking at: build/windows/screenshots.
-TEST(MainDialog, ScreenshotsOfEveryPage) {
-  if (!DisplayAvailable()) GTEST_SKIP() << "no display";
-  ForgetConfiguration();
-  const std::string bin = BuildPath(GM5_PLUGIN_PATH);
-  const std::string folder =
-      bin.substr(0, bin.find_last_of('\\', bin.find_last_of('\\') - 1)) + "\\screenshots";
-  CreateDirectoryA(folder.c_str(), nullptr);
-  std::string script = "wait-dialog\nsleep 500\n";
-  for (int row = 0; row < 21; ++row) {
-    char name[32];
-    std::snprintf(name, sizeof name, "\\page-%02d.png", row);
-    script +=
-        "select 58 " + std::to_string(row) + "\nsleep 700\nscreenshot 0 " + folder + name + "\n";
-  }
-  HostRun run = RunHost("--capabilities 3", script + "click 2\n");
-  ASSERT_EQ(run.exitCode, 0u);
-  EXPECT_EQ(run.Count("screenshot path="), 21);
-  for (const std::string& line : run.lines)
-    if (line.rfind("screenshot", 0) == 0)
-      EXPECT_NE(line.find("result=1"), std::string::npos) << line;
   ForgetConfiguration();
 }

@@ -56,29 +56,25 @@ TEST(ValueControlsWin32, EachKindHasItsOwnClassProcedure) {
   DialogDestroy(dialog);
 }
 
-TEST(ValueControlsWin32, PickerPaintsTheSelectedCellPressed) {
+// A picker paints its selected cell pressed and the others raised; a colour button paints its
+// colour, or the button face when disabled.
+TEST(ValueControlsWin32, PickersAndColourButtonsPaintTheirValues) {
   WindowHandle dialog = ScreenDialog();
   WindowHandle picker = DialogAddControl(dialog, 120, kControlShadowPicker, "3");
+  WindowHandle button = DialogAddControl(dialog, 106, kControlColourButton, "255");
+  SetWindowPos(W(button), nullptr, 200, 0, 40, 40, SWP_NOZORDER);  // clear of the picker
   DialogPickerSetUp(picker, 3, nullptr);
   RedrawWindow(W(dialog), nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
   EXPECT_EQ(PixelOf(picker, 51, 26), GetSysColor(COLOR_BTNSHADOW));   // cell 3, selected
   EXPECT_EQ(PixelOf(picker, 50, 25), GetSysColor(COLOR_3DDKSHADOW));  // its frame
   EXPECT_EQ(PixelOf(picker, 64, 37), RGB(0, 0, 0));                   // its arrow's shaft
   EXPECT_EQ(PixelOf(picker, 20, 3), GetSysColor(COLOR_BTNFACE));      // cell 0, raised
+  EXPECT_EQ(PixelOf(button, 10, 10), RGB(255, 0, 0));
   DialogPickerClick(picker, 5, 5);
-  RedrawWindow(W(picker), nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
+  DialogEnableItem(button, 0);
+  RedrawWindow(W(dialog), nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
   EXPECT_EQ(PixelOf(picker, 51, 26), GetSysColor(COLOR_BTNFACE));
   EXPECT_EQ(PixelOf(picker, 20, 3), GetSysColor(COLOR_BTNSHADOW));
-  DialogDestroy(dialog);
-}
-
-TEST(ValueControlsWin32, ColourButtonPaintsItsColour) {
-  WindowHandle dialog = ScreenDialog();
-  WindowHandle button = DialogAddControl(dialog, 106, kControlColourButton, "255");
-  RedrawWindow(W(dialog), nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
-  EXPECT_EQ(PixelOf(button, 10, 10), RGB(255, 0, 0));
-  DialogEnableItem(button, 0);
-  RedrawWindow(W(button), nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
   EXPECT_EQ(PixelOf(button, 10, 10), GetSysColor(COLOR_BTNFACE));
   DialogDestroy(dialog);
 }
