@@ -29,8 +29,22 @@ inline void AxisSpan(int32_t value, int32_t low, int32_t* nearest, int32_t* fart
       std::max(value > low ? value - low : low - value, value > high ? value - high : high - value);
 }
 
-// Each entry's smallest weighted distance to the cell at (lowRed, lowGreen, lowBlue), into
-// `nearest`; returns the smallest over the entries of the largest distance to the cell.
+}  // namespace
+
+int32_t CellDistancesPlain(const ColourMatcher* m, int32_t lowRed, int32_t lowGreen,
+                           int32_t lowBlue, int32_t* nearest) {
+  int32_t bound = 0x7FFFFFFF;
+  for (int32_t i = 0; i < m->count; ++i) {
+    int32_t nr, fr, ng, fg, nb, fb;
+    AxisSpan(m->red[i], lowRed, &nr, &fr);
+    AxisSpan(m->green[i], lowGreen, &ng, &fg);
+    AxisSpan(m->blue[i], lowBlue, &nb, &fb);
+    nearest[i] = 3 * nr * nr + 4 * ng * ng + 2 * nb * nb;
+    bound = std::min(bound, 3 * fr * fr + 4 * fg * fg + 2 * fb * fb);
+  }
+  return bound;
+}
+
 int32_t CellDistances(const ColourMatcher* m, int32_t lowRed, int32_t lowGreen, int32_t lowBlue,
                       int32_t* nearest) {
 #if defined(__SSE2__)
@@ -63,18 +77,11 @@ int32_t CellDistances(const ColourMatcher* m, int32_t lowRed, int32_t lowGreen, 
   bound = SmallerLanes(bound, _mm_shuffle_epi32(bound, _MM_SHUFFLE(2, 3, 0, 1)));
   return _mm_cvtsi128_si32(bound);
 #else
-  int32_t bound = 0x7FFFFFFF;
-  for (int32_t i = 0; i < m->count; ++i) {
-    int32_t nr, fr, ng, fg, nb, fb;
-    AxisSpan(m->red[i], lowRed, &nr, &fr);
-    AxisSpan(m->green[i], lowGreen, &ng, &fg);
-    AxisSpan(m->blue[i], lowBlue, &nb, &fb);
-    nearest[i] = 3 * nr * nr + 4 * ng * ng + 2 * nb * nb;
-    bound = std::min(bound, 3 * fr * fr + 4 * fg * fg + 2 * fb * fb);
-  }
-  return bound;
+  return CellDistancesPlain(m, lowRed, lowGreen, lowBlue, nearest);
 #endif
 }
+
+namespace {
 
 int GrowPool(ColourMatcher* m) {
   const uint32_t size = m->poolSize * 2;

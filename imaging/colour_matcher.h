@@ -63,6 +63,15 @@ inline int32_t CoarseCell(uint32_t red, uint32_t green, uint32_t blue) {
   return static_cast<int32_t>((red >> 3) | (green >> 3) << 5 | (blue >> 3) << 10);
 }
 
+// Each entry's smallest weighted distance to the cell whose lowest corner is (lowRed, lowGreen,
+// lowBlue), into `nearest` (room for the padded count); returns the smallest over the entries of
+// the largest distance to the cell. CellDistancesPlain is the plain loop, which CellDistances
+// follows where SSE2 is missing and matches where it is not.
+int32_t CellDistances(const ColourMatcher* matcher, int32_t lowRed, int32_t lowGreen,
+                      int32_t lowBlue, int32_t* nearest);
+int32_t CellDistancesPlain(const ColourMatcher* matcher, int32_t lowRed, int32_t lowGreen,
+                           int32_t lowBlue, int32_t* nearest);
+
 // Lists a cell not met before; the list's offset + 1, or 0 when memory fails.
 uint32_t ListColourCell(ColourMatcher* matcher, int32_t cell);
 
@@ -85,10 +94,22 @@ inline __m128i SmallerLanes(__m128i a, __m128i b) {
 }
 #endif
 
-// The smallest key over `blocks` blocks of a cell list: each candidate's weighted distance joined
-// with its index, distance above and index below. With SSE2 (every x86-64 processor has it) one
-// block is a few register operations on differences in 16-bit lanes. The plain loop gives the
-// same keys elsewhere.
+// The smallest key over `blocks` blocks of a cell list, the plain way: each candidate's weighted
+// distance joined with its index, distance above and index below.
+inline int32_t ScanCellListPlain(const uint8_t* c, uint32_t blocks, int32_t red, int32_t green,
+                                 int32_t blue) {
+  int32_t best = 0x7FFFFFFF;
+  for (uint32_t k = 0; k < blocks; ++k, c += 32)
+    for (int32_t j = 0; j < 8; ++j) {
+      const int32_t dr = red - c[j], dg = green - c[8 + j], db = blue - c[16 + j];
+      const int32_t key = (3 * dr * dr + 4 * dg * dg + 2 * db * db) << 8 | c[24 + j];
+      best = key < best ? key : best;
+    }
+  return best & 0xFF;
+}
+
+// The same as ScanCellListPlain. With SSE2 (every x86-64 processor has it) one block is a few
+// register operations on differences in 16-bit lanes.
 inline int32_t ScanCellList(const uint8_t* c, uint32_t blocks, int32_t red, int32_t green,
                             int32_t blue) {
 #if defined(__SSE2__)
@@ -114,14 +135,7 @@ inline int32_t ScanCellList(const uint8_t* c, uint32_t blocks, int32_t red, int3
   best = SmallerLanes(best, _mm_shuffle_epi32(best, _MM_SHUFFLE(2, 3, 0, 1)));
   return _mm_cvtsi128_si32(best) & 0xFF;
 #else
-  int32_t best = 0x7FFFFFFF;
-  for (uint32_t k = 0; k < blocks; ++k, c += 32)
-    for (int32_t j = 0; j < 8; ++j) {
-      const int32_t dr = red - c[j], dg = green - c[8 + j], db = blue - c[16 + j];
-      const int32_t key = (3 * dr * dr + 4 * dg * dg + 2 * db * db) << 8 | c[24 + j];
-      best = key < best ? key : best;
-    }
-  return best & 0xFF;
+  return ScanCellListPlain(c, blocks, red, green, blue);
 #endif
 }
 

@@ -201,6 +201,31 @@ TEST(DitherAndRemap, ASharedMatcherServesOnlyItsOwnPalette) {
   }
 }
 
+// The matcher's vector loops against their plain loops, which serve processors without SSE2:
+// cell distances for palettes of every size (so every padding), and list scans over random blocks.
+TEST(ColourMatcher, VectorLoopsMatchThePlainOnes) {
+  std::mt19937 rng(31);
+  uint8_t palette[768];
+  alignas(16) int32_t fast[256], plain[256];
+  for (int32_t count = 1; count <= 256; count += 1 + count / 8) {
+    MakeRandomPalette(rng, palette, count);
+    ColourMatcher m;
+    ASSERT_TRUE(OpenColourMatcher(&m, palette, count));
+    for (int cell = 0; cell < 40; ++cell) {
+      const int32_t r = rng() % 32 * 8, g = rng() % 32 * 8, b = rng() % 32 * 8;
+      ASSERT_EQ(CellDistances(&m, r, g, b, fast), CellDistancesPlain(&m, r, g, b, plain));
+      ASSERT_TRUE(std::equal(fast, fast + count, plain)) << count;
+    }
+  }
+  uint8_t blocks[4 * 32];
+  for (int round = 0; round < 2000; ++round) {
+    for (uint8_t& byte : blocks) byte = static_cast<uint8_t>(rng());
+    const uint32_t n = 1 + rng() % 4;
+    const int32_t r = rng() % 256, g = rng() % 256, b = rng() % 256;
+    ASSERT_EQ(ScanCellList(blocks, n, r, g, b), ScanCellListPlain(blocks, n, r, g, b)) << round;
+  }
+}
+
 TEST(DitherAndRemap, AllocationFailuresLeakNothing) {
   std::mt19937 rng(99);
   uint8_t palette[768];
