@@ -488,16 +488,6 @@ void PruneSubtree(ColourCube* cube, ColourNode* node) {
   MergeIntoParent(cube, node);
 }
 
-void PruneLevel(ColourCube* cube, ColourNode* node) {
-  for (int32_t i = 0; i < 8; ++i)
-    if (node->census & (1u << i)) PruneLevel(cube, node->child[i]);
-  if (node->level == cube->depth) {
-    for (int32_t i = 0; i < 8; ++i)
-      if (node->census & (1u << i)) PruneSubtree(cube, node->child[i]);
-    MergeIntoParent(cube, node);
-  }
-}
-
 void ReduceNode(ColourCube* cube, ColourNode* node) {
   for (int32_t i = 0; i < 8; ++i)
     if (node->census & (1u << i)) ReduceNode(cube, node->child[i]);
@@ -521,11 +511,6 @@ void ReduceRounds(ColourCube* cube, int32_t target) {
     // here, but a host must never hang.
     if (cube->colours > target && !(cube->nextThreshold > cube->pruningThreshold)) break;
   }
-}
-
-void ReduceTree(ColourCube* cube, int32_t target) {
-  cube->nextThreshold = 0.0;
-  ReduceRounds(cube, target);
 }
 
 void ExtractPalette(ColourCube* cube, ColourNode* node) {

@@ -58,9 +58,7 @@ int32_t QuantiseFrames(int32_t* request, uint8_t* palette, const FrameList* fram
 
 // The tree operations, on a cube being reduced.
 void PruneSubtree(ColourCube* cube, ColourNode* node);
-void PruneLevel(ColourCube* cube, ColourNode* node);
 void ReduceNode(ColourCube* cube, ColourNode* node);
-void ReduceTree(ColourCube* cube, int32_t target);
-// ReduceTree's rounds from the cube's present nextThreshold on.
+// The reduction's rounds from the cube's present nextThreshold on.
 void ReduceRounds(ColourCube* cube, int32_t target);
 void ExtractPalette(ColourCube* cube, ColourNode* node);

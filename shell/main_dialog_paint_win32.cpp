@@ -34,26 +34,19 @@ int CALLBACK AddFontFamily(const LOGFONTA* font, const TEXTMETRICA*, DWORD fontT
   FontFill* fill = reinterpret_cast<FontFill*>(param);
   // Vertical variants of the Far East families are not families of their own.
   if (!font || font->lfFaceName[0] == '@' || !font->lfFaceName[0]) return 1;
-  MovableHandle block = MovableAlloc(sizeof(FontItem));
-  if (!block) return 1;
+  ScopedBlock block(MovableAlloc(sizeof(FontItem)));
   {
-    ScopedLock lock(block);
-    if (!lock) {
-      MovableFree(block);
-      return 1;
-    }
+    ScopedLock lock(block.handle);
+    if (!lock) return 1;
     FontItem* item = reinterpret_cast<FontItem*>(lock.bytes);
     item->font = *font;
     item->fontType = fontType;
   }
   const LRESULT index =
       SendMessageA(fill->box, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(font->lfFaceName));
-  if (index < 0) {
-    MovableFree(block);
-    return 1;
-  }
+  if (index < 0) return 1;
   SendMessageA(fill->box, CB_SETITEMDATA, static_cast<WPARAM>(index),
-               reinterpret_cast<LPARAM>(block));
+               reinterpret_cast<LPARAM>(block.Release()));
   ++fill->count;
   return 1;
 }
