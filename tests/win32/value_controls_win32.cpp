@@ -3,7 +3,6 @@
 #include <windows.h>
 
 #include <fstream>
-#include <set>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -36,25 +35,6 @@ COLORREF PixelOf(WindowHandle control, int x, int y) {
 }
 
 }  // namespace
-
-TEST(ValueControlsWin32, EachKindHasItsOwnClassProcedure) {
-  WindowHandle dialog = DialogCreate();
-  std::set<LONG_PTR> procedures;
-  const ControlKind kinds[] = {kControlColourButton,  kControlSpinEdit,      kControlSignedSpinEdit,
-                               kControlUpDown,        kControlCheckBox,      kControlTextField,
-                               kControlComboList,     kControlListBoxList,   kControlFontBox,
-                               kControlShadowPicker,  kControlScroll4Picker, kControlScroll2Picker,
-                               kControlScrollHVPicker};
-  int id = 100;
-  for (ControlKind kind : kinds) {
-    WindowHandle control = DialogAddControl(dialog, id++, kind, "");
-    ASSERT_NE(control, nullptr);
-    EXPECT_EQ(DialogControlKind(control), kind);
-    procedures.insert(GetWindowLongPtrA(W(control), GWLP_WNDPROC));
-  }
-  EXPECT_EQ(procedures.size(), sizeof kinds / sizeof kinds[0]);
-  DialogDestroy(dialog);
-}
 
 // A picker paints its selected cell pressed and the others raised; a colour button paints its
 // colour, or the button face when disabled.
