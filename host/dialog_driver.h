@@ -5,7 +5,7 @@
 //   read-text ID | read-check ID | read-enabled ID | read-class ID | wait-timer | sleep MS |
 //   watch | timeout MS | count-paints ID | read-paints ID | screenshot 0 PATH | file-dialog PATH
 // (count-paints starts counting a control's WM_PAINT messages from 0 and read-paints logs the
-// count; screenshot saves the dialog as PNG, or BMP for a .bmp name; file-dialog types PATH into
+// count; screenshot saves the dialog as PNG; file-dialog types PATH into
 // the open common file dialog and presses OK; watch logs the library's live GDI objects and GDI+
 // sessions, see host/import_watch.h). A step that waits gives up after a timeout (20 s, or `timeout
 // MS` for the steps after it): the driver logs it and cancels every open dialog.

@@ -127,24 +127,7 @@ bool SaveScreenshot(HWND window, const std::string& path) {
       rgb[i * 3 + 1] = bgra[i * 4 + 1];
       rgb[i * 3 + 2] = bgra[i * 4];
     }
-    const bool bmp = path.size() > 4 && _stricmp(path.c_str() + path.size() - 4, ".bmp") == 0;
-    if (bmp) {
-      // A bottom-up 24-bit DIB for the BMP writer.
-      const size_t stride = (static_cast<size_t>(width) * 3 + 3) & ~size_t(3);
-      std::vector<uint8_t> dib(40 + stride * height);
-      BITMAPINFOHEADER header = info.bmiHeader;
-      header.biHeight = height;
-      header.biBitCount = 24;
-      memcpy(dib.data(), &header, 40);
-      for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x)
-          for (int c = 0; c < 3; ++c)
-            dib[40 + stride * (height - 1 - y) + x * 3 + c] =
-                bgra[(static_cast<size_t>(y) * width + x) * 4 + c];
-      ok = WriteWholeFile(path.c_str(), PackedDibToBmp(dib.data(), dib.size())) != 0;
-    } else {
-      ok = WriteWholeFile(path.c_str(), EncodeRgbPng(rgb.data(), rgb.size(), width, height)) != 0;
-    }
+    ok = WriteWholeFile(path.c_str(), EncodeRgbPng(rgb.data(), rgb.size(), width, height)) != 0;
   }
   if (bitmap) DeleteObject(bitmap);
   if (memory) DeleteDC(memory);
