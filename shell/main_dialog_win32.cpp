@@ -49,10 +49,6 @@ WindowHandle Handle(HWND window) {
   return reinterpret_cast<WindowHandle>(window);
 }
 
-int32_t* Setting(const char* key) {
-  return SettingInteger(key);
-}
-
 void SetSetting(const char* key, int32_t value) {
   if (int32_t* setting = SettingInteger(key)) *setting = value;
 }
@@ -62,7 +58,7 @@ uint32_t Capabilities() {
 }
 
 void StartUpdateTimer(HWND dialog) {
-  const int32_t* delay = Setting("UpdateDelay");
+  const int32_t* delay = SettingInteger("UpdateDelay");
   DialogSetTimer(Handle(dialog), kUpdateTimerId, static_cast<uint32_t>(delay ? *delay : 250));
 }
 
@@ -80,13 +76,9 @@ void SetSpinValue(HWND dialog, int id, int32_t value) {
 // Gives the updown of spin edit `id` its range from its text.
 void ApplySpinRange(HWND dialog, int id) {
   HWND updown = GetDlgItem(dialog, id + IDC_UPDOWN_OFFSET);
-  if (!updown) return;
   char text[261] = "";
-  GetWindowTextA(updown, text, sizeof text);
-  int min = 0, max = 0, initial = 0;
-  if (std::sscanf(text, "%d,%d,%d", &min, &max, &initial) != 3) return;
-  SendMessageA(updown, UDM_SETRANGE, 0, MAKELPARAM(static_cast<WORD>(max), static_cast<WORD>(min)));
-  SendMessageA(updown, UDM_SETPOS, 0, MAKELPARAM(static_cast<WORD>(initial), 0));
+  if (updown) GetWindowTextA(updown, text, sizeof text);
+  SetUpDownRange(updown, text);
 }
 
 void SetSpinRange(HWND dialog, int id, const char* range) {
@@ -232,7 +224,7 @@ INT_PTR OnInitDialog(HWND dialog, HostRecord* host) {
   BindMainControl(dialog, IDC_TEXT);
   FillFontControl(dialog);
   FillPaletteBox(dialog);
-  const int32_t* first = Setting("IsFirst");
+  const int32_t* first = SettingInteger("IsFirst");
   ApplyCapabilities(dialog, (first && *first) || shift);
   if (!FillEffectBox(dialog)) {
     ShowMessage(Handle(dialog), kInitFailedText);
@@ -367,7 +359,7 @@ void OnCommand(HWND dialog, int id, int notification) {
     case IDC_EFFECT: {
       if (notification != CBN_SELCHANGE) return;
       const int32_t row = SelectedRow(dialog);
-      int32_t* kept = Setting("MainEffect");
+      int32_t* kept = SettingInteger("MainEffect");
       if (kept && *kept == row) return;
       ShowEffectPage(Handle(dialog), row);
       if (kept) *kept = row;

@@ -570,3 +570,10 @@ int DialogPaintItem(WindowHandle dialog, const DRAWITEMSTRUCT* item) {
   PaintColourButton(AsWindow(dialog), item);
   return 1;
 }
+
+void SetUpDownRange(HWND updown, const char* text) {
+  int min = 0, max = 0, initial = 0;
+  if (!updown || std::sscanf(text, "%d,%d,%d", &min, &max, &initial) != 3) return;
+  SendMessageA(updown, UDM_SETRANGE32, static_cast<WPARAM>(min), static_cast<LPARAM>(max));
+  SendMessageA(updown, UDM_SETPOS32, 0, static_cast<LPARAM>(initial));
+}

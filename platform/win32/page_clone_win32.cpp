@@ -4,12 +4,12 @@
 #include <windows.h>
 #include <commctrl.h>
 
-#include <cstdio>
 
 #include "materials/material_button.h"
 #include "materials/material_button_win32.h"
 #include "platform/dialog.h"
 #include "platform/win32/code_module_win32.h"
+#include "platform/win32/dialog_win32.h"
 
 namespace {
 
@@ -21,14 +21,6 @@ struct CloneState {
   HFONT font;    // the main dialog's font
   int failures;  // twins that could not be made
 };
-
-// An updown takes its range and starting position from its text, "min,max,default".
-void SetUpDownRange(HWND updown, const char* text) {
-  int min = 0, max = 0, initial = 0;
-  if (std::sscanf(text, "%d,%d,%d", &min, &max, &initial) != 3) return;
-  SendMessageA(updown, UDM_SETRANGE32, static_cast<WPARAM>(min), static_cast<LPARAM>(max));
-  SendMessageA(updown, UDM_SETPOS32, 0, static_cast<LPARAM>(initial));
-}
 
 BOOL CALLBACK MakeTwin(HWND child, LPARAM param) {
   CloneState* state = reinterpret_cast<CloneState*>(param);
