@@ -26,8 +26,11 @@ int Fail(const std::string& message) {
   return 1;
 }
 
+// Row, name, and "build" where the row has a build procedure ("-" where it cannot build yet). The
+// names are padded to the longest, "Neural Network", so the last column lines up.
 int ListEffects() {
-  for (int32_t row = 0; row < kEffectCount; ++row) printf("%2d %s\n", row, EffectTable[row].name);
+  for (int32_t row = 0; row < kEffectCount; ++row)
+    printf("%2d %-14s %s\n", row, EffectTable[row].name, EffectTable[row].build ? "build" : "-");
   return 0;
 }
 

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <sstream>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -13,6 +14,7 @@
 #include "cli/command_line.h"
 #include "cli/inprocess_host.h"
 #include "cli/progress.h"
+#include "shell/effect_table.h"
 #include "tests/support/scratch_folder.h"
 
 namespace {
@@ -149,11 +151,24 @@ TEST(InProcessHost, ServesTheEngineAndShowsItsProgress) {
 }
 
 TEST(Gm5Program, AnswersHelpVersionEffectsAndErrors) {
+  // One line per row: its number, its name, and whether the row can build.
   ProgramRun effects = RunGm5("effects");
   EXPECT_EQ(effects.status, 0);
-  EXPECT_EQ(effects.out.rfind(" 0 Arrows\n 1 Candy\n", 0), 0u);
-  EXPECT_NE(effects.out.find("\n12 Simple\n"), std::string::npos);
-  EXPECT_EQ(std::count(effects.out.begin(), effects.out.end(), '\n'), 21);
+  EXPECT_EQ(std::count(effects.out.begin(), effects.out.end(), '\n'), kEffectCount);
+  std::istringstream lines(effects.out);
+  std::string line;
+  for (int32_t row = 0; row < kEffectCount && std::getline(lines, line); ++row) {
+    const size_t last = line.rfind(' ');
+    ASSERT_TRUE(last != std::string::npos && last > 3) << line;
+    std::string name = line.substr(3, last - 3);
+    name.erase(name.find_last_not_of(' ') + 1);
+    EXPECT_EQ(line.substr(0, 3), (row < 10 ? " " : "") + std::to_string(row) + " ");
+    EXPECT_EQ(name, EffectTable[row].name);
+    EXPECT_EQ(line.substr(last + 1), EffectTable[row].build ? "build" : "-") << line;
+    if (row == kEffectDefaultRow) {
+      EXPECT_EQ(line.substr(last + 1), "build");
+    }
+  }
   ProgramRun version = RunGm5("--version"), help = RunGm5("--help");
   EXPECT_EQ(version.status + help.status, 0);
   EXPECT_EQ(version.out, "gm5 " GM5_VERSION "\n");
