@@ -102,9 +102,10 @@ MovableHandle MakeDisplacementTable(const DisplacementSettings* settings) {
     FillRandom(table, settings);
     // Keys that tie keep the order they were drawn in, so that every platform's build agrees.
     if (mode == kDisplaceHappy)
-      std::stable_sort(table, table + n, [](const DisplacementEntry& a, const DisplacementEntry& b) {
-        return CompareRattleEntries(&a, &b) < 0;
-      });
+      std::stable_sort(table, table + n,
+                       [](const DisplacementEntry& a, const DisplacementEntry& b) {
+                         return CompareRattleEntries(&a, &b) < 0;
+                       });
   } else if (mode >= kDisplaceCalm && mode < kDisplaceStill) {
     FillCurve(table, settings);
   }

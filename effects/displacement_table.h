@@ -41,4 +41,3 @@ MovableHandle MakeDisplacementTable(const DisplacementSettings* settings);
 
 // The order of the happy mode: |y| * |x| of `a` less that of `b`, so small movements come first.
 int CompareRattleEntries(const void* a, const void* b);
-

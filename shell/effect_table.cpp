@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "controls/page_tables.h"
+#include "effects/rattle.h"
 #include "effects/simple.h"
 #include "shell/effect_pages.h"
 
@@ -22,7 +23,8 @@ const EffectEntry EffectTable[kEffectCount] = {
     {"Neural Network", EffectPageInit<6>, nullptr, nullptr, nullptr, kPageIds<6>.data(), nullptr},
     {"Quark", EffectPageInit<5>, nullptr, nullptr, nullptr, kPageIds<5>.data(), nullptr},
     {"Quark Outline", EffectPageInit<13>, nullptr, nullptr, nullptr, kPageIds<13>.data(), nullptr},
-    {"Rattle", EffectPageInit<18>, nullptr, nullptr, nullptr, kPageIds<18>.data(), nullptr},
+    {"Rattle", EffectPageInit<18>, PreviewRattle, BuildRattle, RattleBackground,
+     kPageIds<18>.data(), nullptr},
     {"Ring", EffectPageInit<1>, nullptr, nullptr, nullptr, kPageIds<1>.data(), nullptr},
     {"Simple", EffectPageInit<0>, SimpleEffectPreview, SimpleEffectBuild, SimpleEffectKeyColour,
      kPageIds<0>.data(), nullptr},
