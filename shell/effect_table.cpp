@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "controls/page_tables.h"
+#include "effects/heartbeat.h"
 #include "effects/rattle.h"
 #include "effects/simple.h"
 #include "shell/effect_pages.h"
@@ -17,7 +18,8 @@ const EffectEntry EffectTable[kEffectCount] = {
     {"Candy", EffectPageInit<17>, nullptr, nullptr, nullptr, kPageIds<17>.data(), nullptr},
     {"Confetti", EffectPageInit<16>, nullptr, nullptr, nullptr, kPageIds<16>.data(), nullptr},
     {"Diagonal Fuse", EffectPageInit<12>, nullptr, nullptr, nullptr, kPageIds<12>.data(), nullptr},
-    {"Heartbeat", EffectPageInit<10>, nullptr, nullptr, nullptr, kPageIds<10>.data(), nullptr},
+    {"Heartbeat", EffectPageInit<10>, PreviewHeartbeat, BuildHeartbeat, HeartbeatBackground,
+     kPageIds<10>.data(), nullptr},
     {"Omni", EffectPageInit<11>, nullptr, nullptr, nullptr, kPageIds<11>.data(), nullptr},
     {"Machine", EffectPageInit<4>, nullptr, nullptr, nullptr, kPageIds<4>.data(), nullptr},
     {"Neural Network", EffectPageInit<6>, nullptr, nullptr, nullptr, kPageIds<6>.data(), nullptr},

@@ -1,0 +1,106 @@
+#include "effects/heartbeat.h"
+
+#include <gtest/gtest.h>
+
+#include "controls/value_controls.h"
+#include "documents/settings.h"
+#include "tests/support/alloc_sweep.h"
+#include "tests/support/effect_runs.h"
+
+namespace {
+
+constexpr uint32_t kBack = 0xE0F0FF;
+
+// A text wide enough for a pulse to pass by some columns, no blur (which would carry a column's
+// change sideways), Pause 40, and a plain background colour of its own.
+struct HeartbeatPage {
+  WindowHandle dialog = CreateEffectDialog("Heartbeat", 28, {561, 563}, 0x2040A0);
+  HeartbeatPage() {
+    SetDialogItemInt(dialog, 575, 0, 0);  // Softness
+    SetDialogItemInt(dialog, 23, 40, 0);
+    SetDialogItemInt(dialog, 565, kBack, 0);
+  }
+  ~HeartbeatPage() { DialogDestroy(dialog); }
+  void Set(int32_t frames, int32_t wavelength, int32_t height) {
+    SetDialogItemInt(dialog, 573, frames, 0);
+    SetDialogItemInt(dialog, 583, wavelength, 0);
+    SetDialogItemInt(dialog, 585, height, 0);
+  }
+};
+
+// Columns of `f` equal to those of `rest` everywhere but within 4 pixels of the pulse, which
+// starts at `from` (of 4 * width) and is `length` wide, and differ somewhere inside it.
+void ExpectOnlyThePulseChanged(const PictureValues& f, const PictureValues& rest, int32_t from,
+                               int32_t length) {
+  ASSERT_EQ(f.width, rest.width);
+  int changed = 0;
+  for (int32_t x = 0; x < f.width; ++x) {
+    const bool near = 4 * x >= from - 16 && 4 * x < from + length + 16;
+    for (int32_t y = 0; y < f.height; ++y) {
+      if (!near) {
+        EXPECT_EQ(f.At(x, y), rest.At(x, y)) << x << "," << y;
+      }
+      changed += near && f.At(x, y) != rest.At(x, y);
+    }
+  }
+  EXPECT_GT(changed, 0);
+}
+
+}  // namespace
+
+TEST(HeartbeatEffect, FramesAreHalfThePageAndTheRestFrameHoldsThePause) {
+  HeartbeatPage page;
+  const PictureValues sample = RunPreview(PreviewHeartbeat, page.dialog);
+  ASSERT_GT(sample.width, 0);
+  EXPECT_EQ(sample.At(0, 0), kBack);
+  for (int32_t frames : {64, 3, 9}) {
+    page.Set(frames, 20, 60);
+    const EffectRun b = RunBuild(BuildHeartbeat, page.dialog);
+    ASSERT_EQ(b.ok, 1);
+    const size_t n = static_cast<size_t>(frames / 2) + 1;
+    std::vector<int32_t> delays(n, 7);
+    delays.back() = 47;
+    EXPECT_EQ(b.delays, delays) << frames;
+    for (const PictureValues& f : b.frames) {
+      EXPECT_EQ(f.width, sample.width);
+      EXPECT_EQ(f.height, sample.height);
+    }
+  }
+  EXPECT_EQ(HeartbeatBackground(page.dialog, 0), static_cast<int32_t>(kBack));
+  DialogSetCheck(DialogItem(page.dialog, 62), 1);
+  DialogSetCheck(DialogItem(page.dialog, 63), 1);
+  EXPECT_EQ(HeartbeatBackground(page.dialog, 0), *SettingInteger("AlphaGreyBack"));
+}
+
+TEST(HeartbeatEffect, PulseChangesOnlyItsColumnsOfTheRestFrame) {
+  HeartbeatPage page;
+  page.Set(8, 20, 60);
+  const EffectRun b = RunBuild(BuildHeartbeat, page.dialog);
+  ASSERT_EQ(b.frames.size(), 5u);
+  const PictureValues& rest = b.frames.back();
+  const int32_t length = 4 * rest.width, pulse = length / 5;
+  for (int32_t i = 0; i < 4; ++i) {
+    SCOPED_TRACE(i);
+    ExpectOnlyThePulseChanged(b.frames[i], rest, length * i / 4, pulse);
+  }
+  // The sample has the pulse at step 128 of 255, and no other difference from a build's frame.
+  ExpectOnlyThePulseChanged(RunPreview(PreviewHeartbeat, page.dialog), rest,
+                            static_cast<int32_t>(length * (128.0f / 255.0f)), pulse);
+
+  // The rest frame owes nothing to the pulse's settings, and builds repeat byte for byte.
+  page.Set(8, 80, 99);
+  const EffectRun other = RunBuild(BuildHeartbeat, page.dialog);
+  EXPECT_EQ(other.frames.back().values, rest.values);
+  EXPECT_NE(other.frames[0].values, b.frames[0].values);
+  page.Set(8, 20, 60);
+  const EffectRun again = RunBuild(BuildHeartbeat, page.dialog);
+  for (size_t i = 0; i < 5; ++i) EXPECT_EQ(again.frames[i].values, b.frames[i].values) << i;
+}
+
+TEST(HeartbeatEffect, FailuresLeaveNothing) {
+  HeartbeatPage page;
+  page.Set(2, 20, 60);
+  DialogSetText(DialogItem(page.dialog, 52), "H");
+  SetDialogItemInt(page.dialog, 57, 10, 0);
+  EXPECT_TRUE(SweepAllocationFailures([&] { return RunBuild(BuildHeartbeat, page.dialog).ok; }));
+}
