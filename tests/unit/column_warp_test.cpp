@@ -49,32 +49,30 @@ TEST(ColumnWarp, StretchInterpolatesEachChannelAndWritesOnlyLandingRowsPastTheCo
     StretchColumn(column.data(), static_cast<int32_t>(c.column.size()), c.percent, target.data());
     EXPECT_EQ(target, c.target);
   }
-  // The steepest stretch (Wave height 99 at the crest) stays inside twice the column.
-  std::vector<uint32_t> column(101, 7), target(200 + 8, 0xABCDEF);
+  // The steepest stretch (Wave height 99 at the crest) stays inside twice the column: the last
+  // source pixel lands at 99 * 199 / 100, the zero pixel at 199.
+  std::vector<uint32_t> column(101, 7), target(208, 0xABCDEF), tail(8, 0xABCDEF);
   column[100] = 0;
-  std::fill(target.begin(), target.begin() + 200, 0);
+  std::fill_n(target.begin(), 200, 0u);
   StretchColumn(column.data(), 100, 199, target.data());
-  EXPECT_EQ(target[197], 7u) << "the last source pixel lands at 99 * 199 / 100";
-  EXPECT_EQ(target[198], 0u) << "between landing rows";
-  EXPECT_EQ(target[199], 0u) << "the zero pixel after the column";
-  EXPECT_EQ(std::vector<uint32_t>(target.begin() + 200, target.end()),
-            std::vector<uint32_t>(8, 0xABCDEF));
+  tail.insert(tail.begin(), {7, 0, 0});
+  EXPECT_EQ(std::vector<uint32_t>(target.begin() + 197, target.end()), tail);
 }
 
 TEST(ColumnWarp, PulseIsAHalfSineThatSlidesOffTheEnd) {
+  auto positive = [](const std::vector<float>& w) {
+    return std::count_if(w.begin(), w.end(), [](float v) { return v > 0; });
+  };
   // Canvas 25 wide: 100 entries; wavelength 20 % is 20 entries.
   const std::vector<float> start = Wave(25, 20, 4, 0), middle = Wave(25, 20, 4, 2);
   for (int32_t j = 0; j < 20; ++j) {
     EXPECT_FLOAT_EQ(start[j], static_cast<float>(std::sin(j / 20.0 * M_PI))) << j;
     EXPECT_EQ(middle[50 + j], start[j]) << j;
   }
-  EXPECT_EQ(std::count(start.begin() + 20, start.end(), 0.0f), 100 + kPulseWaveSlack - 20);
-  const std::vector<float> last = Wave(25, 20, 4, 4), wide = Wave(25, 80, 4, 3);
-  EXPECT_EQ(std::count(last.begin(), last.end(), 0.0f), 116) << "at the last step, gone";
-  EXPECT_EQ(std::count_if(wide.begin(), wide.end(), [](float v) { return v > 0; }), 24)
-      << "80 entries from 75, cut at 100 (the first is sin 0)";
-  const std::vector<float> full = Wave(25, 80, 4, 0);  // 80 % of the width at once
-  EXPECT_EQ(std::count_if(full.begin(), full.end(), [](float v) { return v > 0; }), 79);
+  EXPECT_EQ(positive(start), 19) << "sin 0 first";
+  EXPECT_EQ(positive(Wave(25, 20, 4, 4)), 0) << "at the last step, gone";
+  EXPECT_EQ(positive(Wave(25, 80, 4, 3)), 24) << "80 entries from 75, cut at 100";
+  EXPECT_EQ(positive(Wave(25, 80, 4, 0)), 79) << "80 % of the width at once";
 }
 
 TEST(ColumnWarp, StretchedColumnsGrowAboutTheCentreAndOthersKeepTheRoundTrip) {
