@@ -66,7 +66,7 @@ TEST(ColumnWarp, PulseIsAHalfSineThatSlidesOffTheEnd) {
   // Canvas 25 wide: 100 entries; wavelength 20 % is 20 entries.
   const std::vector<float> start = Wave(25, 20, 4, 0), middle = Wave(25, 20, 4, 2);
   for (int32_t j = 0; j < 20; ++j) {
-    EXPECT_FLOAT_EQ(start[j], static_cast<float>(std::sin(j / 20.0 * M_PI))) << j;
+    EXPECT_FLOAT_EQ(start[j], static_cast<float>(std::sin(j / 20.0 * 3.14159265358979323846))) << j;
     EXPECT_EQ(middle[50 + j], start[j]) << j;
   }
   EXPECT_EQ(positive(start), 19) << "sin 0 first";
