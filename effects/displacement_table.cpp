@@ -92,7 +92,8 @@ int CompareRattleEntries(const void* a, const void* b) {
 
 MovableHandle MakeDisplacementTable(const DisplacementSettings* settings) {
   const int32_t n = settings->frames;
-  if (n < 1) return nullptr;
+  // The random modes divide by twice each reach.
+  if (n < 1 || settings->hDisplace < 1 || settings->vDisplace < 1) return nullptr;
   ScopedBlock block(MovableAlloc(static_cast<size_t>(n) * sizeof(DisplacementEntry)));
   ScopedLock lock(block.handle);
   if (!lock) return nullptr;

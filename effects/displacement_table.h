@@ -35,8 +35,8 @@ struct DisplacementEntry {
 };
 static_assert(sizeof(DisplacementEntry) == 8, "a table entry is two 32-bit values");
 
-// A new zero-filled block of `frames` entries filled by the mode, or null when memory fails. The
-// random modes reseed the generator with `seed` first.
+// A new zero-filled block of `frames` entries filled by the mode, or null when memory fails or a
+// count or reach is below 1. The random modes reseed the generator with `seed` first.
 MovableHandle MakeDisplacementTable(const DisplacementSettings* settings);
 
 // The order of the happy mode: |y| * |x| of `a` less that of `b`, so small movements come first.

@@ -80,8 +80,9 @@ TEST(DisplacementTable, CurvesSwingFromThreeReachesBelowToOneAboveAndFailuresLea
     SCOPED_TRACE(testing::Message() << "mode " << c.mode << ", ratio " << c.ratio);
     EXPECT_EQ(Make({c.n, 1017, c.mode, c.h, c.v, c.ratio}), c.table);
   }
-  const DisplacementSettings none{0, 1017, kDisplaceNervous, 3, 3, 6};
-  EXPECT_EQ(MakeDisplacementTable(&none), nullptr);
+  for (DisplacementSettings none :
+       {DisplacementSettings{0, 1017, 0, 3, 3, 6}, DisplacementSettings{4, 1017, 0, 0, 3, 6}})
+    EXPECT_EQ(MakeDisplacementTable(&none), nullptr);
   const DisplacementSettings happy{16, 1017, kDisplaceHappy, 3, 3, 6};
   EXPECT_TRUE(SweepAllocationFailures([&] {
     MovableHandle t = MakeDisplacementTable(&happy);
