@@ -4,6 +4,8 @@
 
 #include "controls/value_controls.h"
 #include "documents/settings.h"
+#include "effects/column_warp.h"
+#include "materials/material_button.h"
 #include "tests/support/alloc_sweep.h"
 #include "tests/support/effect_runs.h"
 
@@ -80,6 +82,45 @@ TEST(HeartbeatEffect, PulseStepsChangeOnlyTheirColumnsOfTheRestFrameThatEndsTheL
     const EffectRun again = RunBuild(BuildHeartbeat, page.dialog);
     for (size_t i = 0; i < b.frames.size(); ++i)
       EXPECT_EQ(again.frames[i].values, b.frames[i].values) << i;
+  }
+}
+
+// Masks and materials stay in register: a layer covers more under the pulse than at rest, and
+// where it covers fully it shows its material warped by the frame's pulse (the fill anchored at
+// the canvas corner, the shadow at its own, 4 pixels down and right), seldom the material as
+// filled.
+TEST(HeartbeatEffect, EachLayerAndItsMaterialGoThroughTheWarp) {
+  HeartbeatPage page;
+  page.Set(4, 40, 90);  // the first of two steps: the pulse over the left 40 %
+  SetDialogItemInt(page.dialog, 57, 48, 0);
+  DialogSetCheck(DialogItem(page.dialog, 582), 0);  // no outline
+  for (int32_t shadow : {0, 1}) {
+    SCOPED_TRACE(shadow);
+    DialogSetCheck(DialogItem(page.dialog, 581), shadow);
+    SetDialogItemInt(page.dialog, 569, shadow ? 0 : 255, 0);  // only one layer shows
+    ScopedLock record(ButtonMaterialHandle(DialogItem(page.dialog, shadow ? 563 : 561)));
+    Material* m = reinterpret_cast<Material*>(record.bytes);
+    m->kind = kMaterialGradient;
+    m->gradient.rotation = 0;  // colours change down the picture
+    const EffectRun b = RunBuild(BuildHeartbeat, page.dialog);
+    const PictureValues &f = b.frames.at(0), &rest = b.frames.back();
+    ScopedBlock filled(MaterialFill(m, f.width, f.height));
+    ScopedBlock wave(MakePulseWave(f.width, 40, 2, 0));
+    ScopedLock w(wave.handle);
+    const PictureValues warped = TakePicture(
+        WarpColumns(filled.handle, reinterpret_cast<const float*>(w.bytes), 4 * f.width, 90));
+    const PictureValues plain = ReadPicture(filled.handle);
+    int asWarped = 0, asFilled = 0, drawn = 0, drawnAtRest = 0;
+    for (int32_t y = 4 * shadow; y < f.height; ++y)
+      for (int32_t x = 4 * shadow; x < f.width * 2 / 5; ++x) {
+        asWarped += f.At(x, y) == warped.At(x - 4 * shadow, y - 4 * shadow);
+        asFilled += f.At(x, y) == plain.At(x - 4 * shadow, y - 4 * shadow);
+        drawn += f.At(x, y) != kBack;
+        drawnAtRest += rest.At(x, y) != kBack;
+      }
+    EXPECT_GT(asWarped, 200);
+    EXPECT_GT(asWarped, 4 * asFilled);
+    EXPECT_GT(drawn, drawnAtRest * 5 / 4) << "the layer's mask is stretched too";
   }
 }
 
