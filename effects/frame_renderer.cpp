@@ -23,6 +23,14 @@ int Checked(WindowHandle dialog, int32_t id) {
   return DialogGetCheck(DialogItem(dialog, id));
 }
 
+// The frame's mask warp applied to a mask just drawn, which it replaces; null stays null.
+MovableHandle WarpLayerMask(const TextFrame* frame, MovableHandle mask) {
+  if (!mask || !frame->maskWarp) return mask;
+  MovableHandle warped = frame->maskWarp(mask, frame->maskWarpContext);
+  MovableFree(mask);
+  return warped;
+}
+
 }  // namespace
 
 int ReadFrameSettings(WindowHandle dialog, const FramePageIds* ids, int32_t sample,
@@ -58,15 +66,22 @@ int ReadFrameSettings(WindowHandle dialog, const FramePageIds* ids, int32_t samp
   settings->sample = sample;
   settings->fill = MaterialForButton(DialogItem(dialog, ids->fill));
   settings->shadow = MaterialForButton(DialogItem(dialog, ids->shadow));
-  settings->background = MaterialForButton(DialogItem(dialog, ids->background));
-  if (settings->fill && settings->shadow && settings->background) return 1;
+  WindowHandle background = DialogItem(dialog, ids->background);
+  const bool plain = DialogControlKind(background) == kControlColourButton;
+  if (plain)
+    settings->backgroundColour = GetDialogItemInt(dialog, ids->background, &translated, 0);
+  else
+    settings->background = MaterialForButton(background);
+  if (settings->fill && settings->shadow && (plain || settings->background)) return 1;
   ReleaseFrameSettings(dialog, ids);
   return 0;
 }
 
 void ReleaseFrameSettings(WindowHandle dialog, const FramePageIds* ids) {
   for (int32_t id : {ids->fill, ids->shadow, ids->background}) {
-    MovableHandle handle = ButtonMaterialHandle(DialogItem(dialog, id));
+    WindowHandle button = DialogItem(dialog, id);
+    if (DialogControlKind(button) == kControlColourButton) continue;  // holds its setting
+    MovableHandle handle = ButtonMaterialHandle(button);
     if (handle) MovableUnlock(handle);
   }
 }
@@ -87,6 +102,8 @@ int BackgroundStep(TextFrame* frame) {
     frame->canvas = FilledImage(0, 0, frame->width, frame->height, s->alphaGreyBack);
   else if (s->background)
     frame->canvas = MaterialFill(s->background, frame->width, frame->height);
+  else
+    frame->canvas = FilledImage(0, 0, frame->width, frame->height, s->backgroundColour);
   return frame->canvas != nullptr;
 }
 
@@ -114,7 +131,8 @@ int ShadowStep(TextFrame* frame, int32_t x, int32_t y) {
   if (!s->text.shadowEnabled) return 1;
   const int32_t xs = x + frame->layout.pad + frame->shifts.shadowX;
   const int32_t ys = y + frame->layout.pad + frame->shifts.shadowY;
-  MovableHandle mask = LayoutTextMask(&frame->layout, xs, ys, s->shadowOpacity);
+  MovableHandle mask =
+      WarpLayerMask(frame, LayoutTextMask(&frame->layout, xs, ys, s->shadowOpacity));
   if (!mask) return 0;
   if (!SoftenShadowMask(&mask, s->text.softness)) {
     MovableFree(mask);
@@ -130,7 +148,8 @@ int ShadowStep(TextFrame* frame, int32_t x, int32_t y) {
 int FillStep(TextFrame* frame, int32_t x, int32_t y) {
   const int32_t xt = x + frame->layout.pad + frame->shifts.textX;
   const int32_t yt = y + frame->layout.pad + frame->shifts.textY;
-  ScopedBlock mask(LayoutTextMask(&frame->layout, xt, yt, frame->settings->fillOpacity));
+  ScopedBlock mask(
+      WarpLayerMask(frame, LayoutTextMask(&frame->layout, xt, yt, frame->settings->fillOpacity)));
   ScopedLock canvas(frame->canvas), plane(frame->alphaPlane), m(mask.handle),
       fill(frame->fillImage);
   if (!canvas || !m || !fill || (frame->alphaPlane && !plane)) return 0;
@@ -142,7 +161,7 @@ int OutlineStep(TextFrame* frame, int32_t x, int32_t y) {
   if (!frame->settings->text.outlineEnabled) return 1;
   const int32_t xt = x + frame->layout.pad + frame->shifts.textX;
   const int32_t yt = y + frame->layout.pad + frame->shifts.textY;
-  ScopedBlock ring(LayoutOutlineMask(&frame->layout, xt, yt));
+  ScopedBlock ring(WarpLayerMask(frame, LayoutOutlineMask(&frame->layout, xt, yt)));
   ScopedLock canvas(frame->canvas), plane(frame->alphaPlane), m(ring.handle);
   if (!canvas || !m || (frame->alphaPlane && !plane)) return 0;
   CompositeOutlineLayer(canvas.bytes, plane.bytes, m.bytes, frame->settings->outlineColour);

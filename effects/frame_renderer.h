@@ -22,14 +22,16 @@ struct FrameSettings {
   uint32_t outlineColour;
   Material* fill;  // the three materials, writable (a fill records its size in them)
   Material* shadow;
-  Material* background;
-  int32_t sample;  // 1 for the dialog's sample: never an alpha plane
+  Material* background;       // null when the page's Background is a colour button
+  uint32_t backgroundColour;  // that button's colour
+  int32_t sample;             // 1 for the dialog's sample: never an alpha plane
 };
 
 // The ids a page reads for the common steps (the main dialog's ids are the same for every page).
 struct FramePageIds {
-  int32_t fill, shadow, background;  // material buttons
-  int32_t outline;                   // colour button
+  int32_t fill, shadow;  // material buttons
+  int32_t background;    // a material button, or a colour button for a plain background
+  int32_t outline;       // colour button
   int32_t fillOpacity, shadowOpacity, softness, shadowOffset;
   int32_t shadowDirection;  // eight-way picker
   int32_t shadowEnable, outlineEnable;
@@ -53,13 +55,18 @@ struct TextFrame {
   MovableHandle fillImage;    // 24 bits
   MovableHandle shadowImage;  // 24 bits, with the shadow on
   MovableHandle alphaPlane;   // 8-bit coverage, in builds with alpha
+  // Applied to each layer's mask as soon as it is drawn, the shadow's before its softness: a new
+  // mask to use instead (the step frees the first), or null to fail the step. Null: masks are used
+  // as drawn. Set after BeginTextFrame.
+  MovableHandle (*maskWarp)(MovableHandle mask, void* context);
+  void* maskWarpContext;
 };
 
 // Offsets, margin, text and canvas: makes the font, measures the text and sizes the canvas.
 // 0 for an empty text.
 int BeginTextFrame(WindowHandle window, const FrameSettings* settings, TextFrame* frame);
 // The canvas: the grey alpha background when both alpha switches are on, else the Background
-// material.
+// material or colour.
 int BackgroundStep(TextFrame* frame);
 // The Fill material, and the Shadow material when the shadow is on, at the canvas size.
 int MaterialStep(TextFrame* frame);

@@ -5,6 +5,8 @@
 #include <cstring>
 
 #include "controls/page_tables.h"
+#include "effects/heartbeat.h"
+#include "effects/rattle.h"
 #include "effects/simple.h"
 #include "shell/effect_pages.h"
 
@@ -16,13 +18,15 @@ const EffectEntry EffectTable[kEffectCount] = {
     {"Candy", EffectPageInit<17>, nullptr, nullptr, nullptr, kPageIds<17>.data(), nullptr},
     {"Confetti", EffectPageInit<16>, nullptr, nullptr, nullptr, kPageIds<16>.data(), nullptr},
     {"Diagonal Fuse", EffectPageInit<12>, nullptr, nullptr, nullptr, kPageIds<12>.data(), nullptr},
-    {"Heartbeat", EffectPageInit<10>, nullptr, nullptr, nullptr, kPageIds<10>.data(), nullptr},
+    {"Heartbeat", EffectPageInit<10>, PreviewHeartbeat, BuildHeartbeat, HeartbeatBackground,
+     kPageIds<10>.data(), nullptr},
     {"Omni", EffectPageInit<11>, nullptr, nullptr, nullptr, kPageIds<11>.data(), nullptr},
     {"Machine", EffectPageInit<4>, nullptr, nullptr, nullptr, kPageIds<4>.data(), nullptr},
     {"Neural Network", EffectPageInit<6>, nullptr, nullptr, nullptr, kPageIds<6>.data(), nullptr},
     {"Quark", EffectPageInit<5>, nullptr, nullptr, nullptr, kPageIds<5>.data(), nullptr},
     {"Quark Outline", EffectPageInit<13>, nullptr, nullptr, nullptr, kPageIds<13>.data(), nullptr},
-    {"Rattle", EffectPageInit<18>, nullptr, nullptr, nullptr, kPageIds<18>.data(), nullptr},
+    {"Rattle", EffectPageInit<18>, PreviewRattle, BuildRattle, RattleBackground,
+     kPageIds<18>.data(), nullptr},
     {"Ring", EffectPageInit<1>, nullptr, nullptr, nullptr, kPageIds<1>.data(), nullptr},
     {"Simple", EffectPageInit<0>, SimpleEffectPreview, SimpleEffectBuild, SimpleEffectKeyColour,
      kPageIds<0>.data(), nullptr},

@@ -1,0 +1,20 @@
+#include "effects/frame_loop.h"
+
+#include "shell/host_interface.h"
+
+int AppendEffectFrame(BuildContext* context, MovableHandle image, int32_t delay) {
+  if (!image) return 0;
+  FrameRecord record{};
+  record.image = image;
+  record.delay = delay;
+  record.transparentIndex = -1;
+  if (AppendFrame(context->frames, &record)) return 1;
+  MovableFree(image);
+  return 0;
+}
+
+void ReportFrameProgress(const BuildContext* context, int32_t step, int32_t total) {
+  if (context->host && context->host->service)
+    context->host->service(nullptr, HostOpProgress, static_cast<uint64_t>(step),
+                           static_cast<uint64_t>(total));
+}

@@ -1,0 +1,26 @@
+// Heartbeat: a single pulse crosses the text from left to right, and as it passes the columns of
+// every layer (shadow, fill, outline and both materials, not the background) stretch vertically
+// about the text's centre line, like the blip on a heart monitor. The last frame shows the text at
+// rest, the pulse gone past the right edge, and holds for the pause.
+#pragma once
+
+#include <cstdint>
+
+#include "platform/dialog.h"
+#include "platform/memory.h"
+#include "shell/effect_table.h"
+
+// The frame parameters: the pulse stands at step `pulseIndex` of `pulseSteps` (at `pulseSteps`
+// it has left the text).
+struct HeartbeatParams {
+  int32_t pulseSteps;
+  int32_t pulseIndex;
+};
+
+// One frame for context->params, a HeartbeatParams: a new picture, or null.
+MovableHandle RenderHeartbeatFrame(BuildContext* context);
+
+// The effect table's procedures.
+int PreviewHeartbeat(BuildContext* context);
+int BuildHeartbeat(BuildContext* context);
+int32_t HeartbeatBackground(WindowHandle dialog, int32_t mode);
