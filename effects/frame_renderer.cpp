@@ -23,6 +23,11 @@ int Checked(WindowHandle dialog, int32_t id) {
   return DialogGetCheck(DialogItem(dialog, id));
 }
 
+// A colour button's user data is its setting, not a material record: it is never locked.
+int IsColourButton(WindowHandle dialog, int32_t id) {
+  return DialogControlKind(DialogItem(dialog, id)) == kControlColourButton;
+}
+
 }  // namespace
 
 int ReadFrameSettings(WindowHandle dialog, const FramePageIds* ids, int32_t sample,
@@ -58,14 +63,19 @@ int ReadFrameSettings(WindowHandle dialog, const FramePageIds* ids, int32_t samp
   settings->sample = sample;
   settings->fill = MaterialForButton(DialogItem(dialog, ids->fill));
   settings->shadow = MaterialForButton(DialogItem(dialog, ids->shadow));
-  settings->background = MaterialForButton(DialogItem(dialog, ids->background));
-  if (settings->fill && settings->shadow && settings->background) return 1;
+  const int colourBackground = IsColourButton(dialog, ids->background);
+  if (colourBackground)
+    settings->backgroundColour = GetDialogItemInt(dialog, ids->background, &translated, 0);
+  else
+    settings->background = MaterialForButton(DialogItem(dialog, ids->background));
+  if (settings->fill && settings->shadow && (colourBackground || settings->background)) return 1;
   ReleaseFrameSettings(dialog, ids);
   return 0;
 }
 
 void ReleaseFrameSettings(WindowHandle dialog, const FramePageIds* ids) {
   for (int32_t id : {ids->fill, ids->shadow, ids->background}) {
+    if (IsColourButton(dialog, id)) continue;
     MovableHandle handle = ButtonMaterialHandle(DialogItem(dialog, id));
     if (handle) MovableUnlock(handle);
   }
@@ -87,6 +97,8 @@ int BackgroundStep(TextFrame* frame) {
     frame->canvas = FilledImage(0, 0, frame->width, frame->height, s->alphaGreyBack);
   else if (s->background)
     frame->canvas = MaterialFill(s->background, frame->width, frame->height);
+  else
+    frame->canvas = FilledImage(0, 0, frame->width, frame->height, s->backgroundColour);
   return frame->canvas != nullptr;
 }
 

@@ -22,7 +22,8 @@ struct FrameSettings {
   uint32_t outlineColour;
   Material* fill;  // the three materials, writable (a fill records its size in them)
   Material* shadow;
-  Material* background;
+  Material* background;  // null when the page's Background is a colour button
+  uint32_t backgroundColour;   // that button's colour
   int32_t sample;  // 1 for the dialog's sample: never an alpha plane
 };
 
@@ -37,8 +38,9 @@ struct FramePageIds {
 
 // The parameter step: reads the main dialog's text, font and alpha boxes and the page's controls
 // into `settings`, the text into `text` (which must stay alive while `settings` is used), and locks
-// the three materials. Returns 1, or 0 when a material button holds no record (nothing then stays
-// locked). ReleaseFrameSettings unlocks the materials.
+// the materials. A Background that is a colour button gives its colour instead of a material.
+// Returns 1, or 0 when a material button holds no record (nothing then stays locked).
+// ReleaseFrameSettings unlocks the materials.
 int ReadFrameSettings(WindowHandle dialog, const FramePageIds* ids, int32_t sample,
                       FrameSettings* settings, char (*text)[2][264]);
 void ReleaseFrameSettings(WindowHandle dialog, const FramePageIds* ids);
@@ -59,7 +61,7 @@ struct TextFrame {
 // 0 for an empty text.
 int BeginTextFrame(WindowHandle window, const FrameSettings* settings, TextFrame* frame);
 // The canvas: the grey alpha background when both alpha switches are on, else the Background
-// material.
+// material, or the Background colour on pages where that is a colour button.
 int BackgroundStep(TextFrame* frame);
 // The Fill material, and the Shadow material when the shadow is on, at the canvas size.
 int MaterialStep(TextFrame* frame);
