@@ -22,9 +22,9 @@ struct FrameSettings {
   uint32_t outlineColour;
   Material* fill;  // the three materials, writable (a fill records its size in them)
   Material* shadow;
-  Material* background;  // null when the page's Background is a colour button
-  uint32_t backgroundColour;   // that button's colour
-  int32_t sample;  // 1 for the dialog's sample: never an alpha plane
+  Material* background;       // null when the page's Background is a colour button
+  uint32_t backgroundColour;  // that button's colour
+  int32_t sample;             // 1 for the dialog's sample: never an alpha plane
 };
 
 // The ids a page reads for the common steps (the main dialog's ids are the same for every page).

@@ -45,7 +45,8 @@ MovableHandle ShiftRippleRows(MovableHandle doubled, int32_t phase, int32_t phas
     const uint8_t* from = DibBits(source.bytes);
     uint8_t* to = DibBits(target.bytes);
     const int32_t a = height / 14;
-    const double turn = (static_cast<double>(phase) * 6.283185307179586) / static_cast<double>(phases);
+    const double turn =
+        (static_cast<double>(phase) * 6.283185307179586) / static_cast<double>(phases);
     // r counts from the bottom of the picture, which is the top of the mirror image: there the
     // waves crowd together, and the shift grows with r.
     for (int32_t r = 0; r < height; ++r) {

@@ -46,8 +46,8 @@ MovableHandle CentredCrop(MovableHandle square, int32_t width, int32_t height) {
     if (!source) return nullptr;
     side = reinterpret_cast<const BitmapInfoHeader*>(source.bytes)->biWidth;
   }
-  return CropImage(square, std::max((side - width) / 2, 0), std::max((side - height) / 2, 0),
-                   width, height);
+  return CropImage(square, std::max((side - width) / 2, 0), std::max((side - height) / 2, 0), width,
+                   height);
 }
 
 MovableHandle MaterialFill(Material* material, int32_t width, int32_t height) {

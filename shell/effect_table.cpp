@@ -6,6 +6,7 @@
 
 #include "controls/page_tables.h"
 #include "effects/simple.h"
+#include "effects/tracks.h"
 #include "effects/waterside.h"
 #include "shell/effect_pages.h"
 
@@ -29,7 +30,8 @@ const EffectEntry EffectTable[kEffectCount] = {
      kPageIds<0>.data(), nullptr},
     {"Snow", EffectPageInit<2>, nullptr, nullptr, nullptr, kPageIds<2>.data(), nullptr},
     {"Stars", EffectPageInit<3>, nullptr, nullptr, nullptr, kPageIds<3>.data(), nullptr},
-    {"Tracks", EffectPageInit<15>, nullptr, nullptr, nullptr, kPageIds<15>.data(), nullptr},
+    {"Tracks", EffectPageInit<15>, TracksEffectPreview, TracksEffectBuild, TracksEffectKeyColour,
+     kPageIds<15>.data(), nullptr},
     {"Tram Lines", EffectPageInit<20>, nullptr, nullptr, nullptr, kPageIds<20>.data(), nullptr},
     {"Unplugged TV", EffectPageInit<19>, nullptr, nullptr, nullptr, kPageIds<19>.data(), nullptr},
     {"Waterside", EffectPageInit<8>, WatersideEffectPreview, WatersideEffectBuild,

@@ -73,9 +73,9 @@ TEST(Waterside, CropTakesOnlyBottomRowsOfBackgroundAndNeverRowZero) {
     uint32_t fill;
     int rows;
   } cases[] = {
-      {24, {}, kWater, 1},                          // all background: one row stays
-      {24, {{4 * 5 + 3, 0x000001}}, kWater, 6},     // a mark in row 5 keeps rows 0 to 5
-      {24, {{4 * 9, 0x000000}}, kWater, 10},        // the last row differs: nothing goes
+      {24, {}, kWater, 1},                       // all background: one row stays
+      {24, {{4 * 5 + 3, 0x000001}}, kWater, 6},  // a mark in row 5 keeps rows 0 to 5
+      {24, {{4 * 9, 0x000000}}, kWater, 10},     // the last row differs: nothing goes
       {32, {{4 * 2, 0x7F000000 | kWater}}, 0xFF000000 | kWater, 1},  // alpha is not compared
   };
   for (const auto& c : cases) {
@@ -97,9 +97,9 @@ TEST(Waterside, RippleRowsTakeTheirSourcesFromTheSineOfThePhase) {
     int height, phase, phases;
     std::vector<int> sources;
   } cases[] = {
-      {28, 0, 1, {0, 1, 2, 4, 5, 6, 8, 9, 10, 11, 13, 14, 15, 15,
+      {28, 0, 1, {0,  1,  2,  4,  5,  6,  8,  9,  10, 11, 13, 14, 15, 15,
                   16, 16, 16, 17, 17, 17, 18, 21, 24, 23, 24, 23, 27, 27}},
-      {28, 1, 2, {0, 1, 2, 2, 3, 4, 4, 5, 6, 7, 7, 8, 9, 11,
+      {28, 1, 2, {0,  1,  2,  2,  3,  4,  4,  5,  6,  7,  7,  8,  9,  11,
                   12, 14, 16, 17, 19, 21, 22, 21, 20, 23, 24, 27, 25, 27}},
       {42, 3, 40, {2,  3,  5,  6,  7,  8,  9,  11, 12, 13, 14, 15, 15, 16,
                    17, 18, 18, 18, 19, 19, 20, 20, 20, 21, 21, 23, 24, 27,
@@ -120,7 +120,8 @@ TEST(Waterside, RippleRowsTakeTheirSourcesFromTheSineOfThePhase) {
   // The phase is a fraction of a turn: phase i of n and 2i of 2n are the same picture.
   ScopedBlock noise(RandomImage(5, 60, 24, 3));
   for (int i : {1, 7, 19}) {
-    ScopedBlock a(ShiftRippleRows(noise.handle, i, 40)), b(ShiftRippleRows(noise.handle, 2 * i, 80));
+    ScopedBlock a(ShiftRippleRows(noise.handle, i, 40)),
+        b(ShiftRippleRows(noise.handle, 2 * i, 80));
     EXPECT_TRUE(SameBlocks(a.handle, b.handle)) << i;
   }
 }
@@ -177,7 +178,8 @@ TEST(Waterside, FramesKeepTheCroppedPictureOnTopOfEveryPhase) {
   EXPECT_NE(run.frames[1].values, run.frames[4].values) << "the water moves";
 
   const Built again = Build(picture.handle, {1, 5, 6, kWater});
-  for (size_t i = 0; i < run.frames.size(); ++i) EXPECT_EQ(again.frames[i].values, run.frames[i].values);
+  for (size_t i = 0; i < run.frames.size(); ++i)
+    EXPECT_EQ(again.frames[i].values, run.frames[i].values);
 
   // A still build is phase 0 of 1, which is the first phase of any animation; its delay is plain.
   const Built still = Build(picture.handle, {0, 5, 6, kWater});
@@ -201,7 +203,8 @@ TEST(Waterside, FramesKeepTheCroppedPictureOnTopOfEveryPhase) {
 TEST(Waterside, BuildsFromThePage) {
   WindowHandle dialog = CreateValueDialog();
   ASSERT_NE(dialog, nullptr);
-  for (int32_t id : {467, 469}) DialogSetUserData(DialogItem(dialog, id), CreateButtonMaterial(0x404040));
+  for (int32_t id : {467, 469})
+    DialogSetUserData(DialogItem(dialog, id), CreateButtonMaterial(0x404040));
   const auto build = [&](std::vector<std::pair<int32_t, int32_t>> values, Built* run) {
     for (const auto& v : values) SetDialogItemInt(dialog, v.first, v.second, 0);
     FrameList list{};
