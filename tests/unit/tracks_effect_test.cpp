@@ -7,6 +7,7 @@
 
 #include "controls/page_setup.h"
 #include "controls/value_controls.h"
+#include "documents/settings.h"
 #include "materials/material_button.h"
 #include "shell/packed_dib.h"
 #include "tests/support/alloc_sweep.h"
@@ -240,6 +241,8 @@ TEST(Tracks, SeedDecidesTheFramesAndTheSampleIsOneStepOn) {
 }
 
 TEST(Tracks, BuildsFromThePage) {
+  // A control changed on Windows stores its value in the settings: start and end with defaults.
+  ResetSettings();
   WindowHandle dialog = CreateValueDialog();
   ASSERT_NE(dialog, nullptr);
   for (int32_t id : {729, 731})
@@ -280,4 +283,5 @@ TEST(Tracks, BuildsFromThePage) {
 
   for (int32_t id : {729, 731}) MovableFree(ButtonMaterialHandle(DialogItem(dialog, id)));
   DialogDestroy(dialog);
+  ResetSettings();
 }

@@ -6,6 +6,7 @@
 
 #include "controls/page_setup.h"
 #include "controls/value_controls.h"
+#include "documents/settings.h"
 #include "materials/material_button.h"
 #include "shell/crt_random.h"
 #include "shell/packed_dib.h"
@@ -201,6 +202,8 @@ TEST(Waterside, FramesKeepTheCroppedPictureOnTopOfEveryPhase) {
 }
 
 TEST(Waterside, BuildsFromThePage) {
+  // A control changed on Windows stores its value in the settings: start and end with defaults.
+  ResetSettings();
   WindowHandle dialog = CreateValueDialog();
   ASSERT_NE(dialog, nullptr);
   for (int32_t id : {467, 469})
@@ -258,4 +261,5 @@ TEST(Waterside, BuildsFromThePage) {
 
   for (int32_t id : {467, 469}) MovableFree(ButtonMaterialHandle(DialogItem(dialog, id)));
   DialogDestroy(dialog);
+  ResetSettings();
 }
