@@ -5,13 +5,9 @@
 #include <cmath>
 #include <vector>
 
-#include "controls/page_setup.h"
-#include "controls/value_controls.h"
-#include "documents/settings.h"
-#include "materials/material_button.h"
 #include "shell/packed_dib.h"
 #include "tests/support/alloc_sweep.h"
-#include "tests/support/test_images.h"
+#include "tests/support/effect_frames.h"
 
 namespace {
 
@@ -26,34 +22,13 @@ MovableHandle CopyPicture(void* picture) {
   return DuplicateHandle(static_cast<MovableHandle>(picture));
 }
 
-struct Built {
-  int ok = 0;
-  std::vector<PictureValues> frames;
-  std::vector<int32_t> delays;
-};
-
-Built Collect(FrameList* list, int ok) {
-  Built b;
-  b.ok = ok;
-  {
-    ScopedLock lock(list->records);
-    for (int32_t i = 0; lock && i < list->count; ++i) {
-      const FrameRecord& r = reinterpret_cast<const FrameRecord*>(lock.bytes)[i];
-      b.frames.push_back(ReadPicture(r.image));
-      b.delays.push_back(r.delay);
-    }
-  }
-  FreeFrameList(list);
-  return b;
-}
-
-Built Build(MovableHandle picture, TracksCutSettings cut,
-            TracksLoopSettings loop = {3, 50, 1, 98, 95}) {
+BuiltFrames Build(MovableHandle picture, TracksCutSettings cut,
+                  TracksLoopSettings loop = {3, 50, 1, 98, 95}) {
   FrameList list{};
   BuildContext context{};
   context.frames = &list;
   const int ok = RunTracksFrames(&context, &loop, &cut, CopyPicture, picture);
-  return Collect(&list, ok);
+  return TakeFrames(&list, ok);
 }
 
 // The roll s of bar rows or columns [first, first + count) of `frame` against `home`: the pixel at
@@ -89,43 +64,27 @@ TEST(Tracks, CutHoldsBarsAtLeastFourPixelsAcrossWithTruncatedEdges) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.width);
     ScopedBlock picture(RandomImage(c.width, c.height, 24, 1));
-    const long live = MovableLiveCount();
     TracksState state;
     const TracksCutSettings cut = Cut(c.mode, c.tracks, 10);
     ASSERT_EQ(CutTracks(&state, picture.handle, &cut), c.count ? 1 : 0);
-    if (!c.count) {
-      EXPECT_EQ(MovableLiveCount(), live);
-      continue;
-    }
+    if (!c.count) continue;
     ASSERT_EQ(state.trackCount, c.count);
     EXPECT_EQ(state.bevelThickness, c.bevel);
     const bool horizontal = c.mode > 2;
-    const int span = horizontal ? c.height : c.width;
     int next = 0;
     for (int i = 0; i < c.count; ++i) {
       const TrackBar& bar = state.tracks[i];
-      const int across = horizontal ? bar.height : bar.width;
+      const int across = horizontal ? bar.height : bar.width, speed = std::abs(bar.speed);
       EXPECT_EQ(bar.position, next);
-      EXPECT_TRUE(across == span / c.count || across == span / c.count + 1) << i;
+      const int quotient = (horizontal ? c.height : c.width) / c.count;
+      EXPECT_TRUE(across == quotient || across == quotient + 1) << i;
       next += across;
-      const PictureValues image = ReadPicture(bar.image);
-      EXPECT_EQ(image.width, horizontal ? c.width : across);
-      EXPECT_EQ(image.height, horizontal ? across : c.height);
-      const int speed = std::abs(bar.speed);
       EXPECT_TRUE(speed == 1 || speed == 2 || speed == 4 || speed == 8) << bar.speed;
-      if (c.mode == 6) {
-        EXPECT_GT(bar.speed, 0);
-      }
-      if (c.mode == 1) {
-        EXPECT_LT(bar.speed, 0);
-      }
-      if (i) {
-        EXPECT_NE(speed, std::abs(state.tracks[i - 1].speed)) << "neighbours differ";
-      }
+      EXPECT_TRUE(c.mode == 1 ? bar.speed < 0 : c.mode != 6 || bar.speed > 0) << "mode's sign";
+      EXPECT_TRUE(!i || speed != std::abs(state.tracks[i - 1].speed)) << "neighbours differ";
     }
-    EXPECT_EQ(next, span);
+    EXPECT_EQ(next, horizontal ? c.height : c.width);
     FreeTracks(&state);
-    EXPECT_EQ(MovableLiveCount(), live);
   }
 }
 
@@ -140,7 +99,7 @@ TEST(Tracks, EveryBarIsACyclicRollOfThePictureAtHomeByItsTargetRounded) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.mode);
     ScopedBlock picture(RandomImage(c.width, c.height, 24, 9));
-    const Built b = Build(picture.handle, Cut(c.mode, 4, c.frames));
+    const BuiltFrames b = Build(picture.handle, Cut(c.mode, 4, c.frames));
     ASSERT_EQ(b.ok, 1);
     ASSERT_EQ(b.frames.size(), static_cast<size_t>(c.frames) + 1);
     const PictureValues& home = b.frames.back();
@@ -176,7 +135,8 @@ TEST(Tracks, DelaysSlowAtTheEndAndThePictureRestsForThePause) {
   };
   for (const auto& c : cases) {
     ScopedBlock picture(RandomImage(c.width, c.height, 24, 2));
-    const Built b = Build(picture.handle, Cut(c.mode, 2, c.frames), {3, 50, c.slowEnd, 98, 95});
+    const BuiltFrames b =
+        Build(picture.handle, Cut(c.mode, 2, c.frames), {3, 50, c.slowEnd, 98, 95});
     ASSERT_EQ(b.delays.size(), static_cast<size_t>(c.frames) + 1);
     EXPECT_EQ(std::vector<int32_t>(b.delays.end() - c.tail.size(), b.delays.end()), c.tail);
     EXPECT_EQ(b.delays.front(), 3);
@@ -220,8 +180,8 @@ TEST(Tracks, BevelFadesTheEndsOfTheTravel) {
 TEST(Tracks, SeedDecidesTheFramesAndTheSampleIsOneStepOn) {
   ScopedBlock picture(RandomImage(40, 16, 24, 4));
   const TracksCutSettings cut = Cut(2, 8, 6, 1);
-  const Built first = Build(picture.handle, cut), again = Build(picture.handle, cut);
-  const Built other = Build(picture.handle, Cut(2, 8, 6, 1, 77));
+  const BuiltFrames first = Build(picture.handle, cut), again = Build(picture.handle, cut);
+  const BuiltFrames other = Build(picture.handle, Cut(2, 8, 6, 1, 77));
   ASSERT_EQ(first.frames.size(), 7u);
   for (size_t i = 0; i < first.frames.size(); ++i)
     EXPECT_EQ(first.frames[i].values, again.frames[i].values);
@@ -233,7 +193,7 @@ TEST(Tracks, SeedDecidesTheFramesAndTheSampleIsOneStepOn) {
   // A failed bevel leaves its frame plain; anything else fails the build. Nothing leaks.
   EXPECT_TRUE(SweepAllocationFailures(
       [&] {
-        const Built b = Build(small.handle, Cut(0, 2, 3, 1));
+        const BuiltFrames b = Build(small.handle, Cut(0, 2, 3, 1));
         for (const PictureValues& f : b.frames) EXPECT_EQ(f.values.size(), 48u);
         return b.ok;
       },
@@ -241,24 +201,10 @@ TEST(Tracks, SeedDecidesTheFramesAndTheSampleIsOneStepOn) {
 }
 
 TEST(Tracks, BuildsFromThePage) {
-  // A control changed on Windows stores its value in the settings: start and end with defaults.
-  ResetSettings();
-  WindowHandle dialog = CreateValueDialog();
-  ASSERT_NE(dialog, nullptr);
-  for (int32_t id : {729, 731})
-    DialogSetUserData(DialogItem(dialog, id), CreateButtonMaterial(0x404040));
-  const auto build = [&](std::vector<std::pair<int32_t, int32_t>> values) {
-    for (const auto& v : values) SetDialogItemInt(dialog, v.first, v.second, 0);
-    FrameList list{};
-    BuildContext context{};
-    context.dialog = dialog;
-    context.frames = &list;
-    const int ok = TracksEffectBuild(&context);
-    return Collect(&list, ok);
-  };
-  EXPECT_EQ(TracksEffectKeyColour(dialog, 0), 0xFFFFFF);
-
-  const Built defaults = build({{11, 5}, {23, 100}});  // Delay and Pause as the settings start
+  PageDialog page({729, 731});
+  EXPECT_EQ(TracksEffectKeyColour(page.dialog, 0), 0xFFFFFF);
+  // Delay 5 and Pause 100, as the settings start; 20 frames, slowing only past frame 19.
+  const BuiltFrames defaults = page.Build(TracksEffectBuild, {});
   ASSERT_EQ(defaults.ok, 1);
   std::vector<int32_t> delays(20, 5);
   delays.push_back(105);
@@ -268,20 +214,11 @@ TEST(Tracks, BuildsFromThePage) {
     EXPECT_EQ(f.width, home.width);
     EXPECT_EQ(f.height, home.height);
   }
-  BuildContext preview{};
-  preview.dialog = dialog;
-  preview.sample = 1;
-  ASSERT_EQ(TracksEffectPreview(&preview), 1);
-  EXPECT_EQ(TakePicture(preview.image).values, defaults.frames[1].values);
+  EXPECT_EQ(page.Preview(TracksEffectPreview).values, defaults.frames[1].values);
 
-  const Built fewer = build({{741, 2}, {11, 7}, {23, 50}});
-  EXPECT_EQ(fewer.delays, (std::vector<int32_t>{7, 7, 57}));
-  const Built padded = build({{59, 10}});
-  ASSERT_EQ(padded.frames.size(), 3u);
-  EXPECT_EQ(padded.frames[0].width, home.width + 20);
+  EXPECT_EQ(page.Build(TracksEffectBuild, {{741, 2}, {11, 7}, {23, 50}}).delays,
+            (std::vector<int32_t>{7, 7, 57}));
+  const BuiltFrames padded = page.Build(TracksEffectBuild, {{59, 10}});
+  EXPECT_EQ(padded.frames.at(0).width, home.width + 20);
   EXPECT_EQ(padded.frames[0].height, home.height + 20);
-
-  for (int32_t id : {729, 731}) MovableFree(ButtonMaterialHandle(DialogItem(dialog, id)));
-  DialogDestroy(dialog);
-  ResetSettings();
 }
