@@ -13,6 +13,7 @@
 #include "cli/settings_command.h"
 #include "host/writers/animation_output.h"
 #include "shell/build_pipeline.h"
+#include "shell/crt_random.h"
 #include "shell/effect_table.h"
 #include "shell/main_dialog_ids.h"
 #include "shell/messages.h"
@@ -22,11 +23,12 @@
 namespace {
 
 // Owns, for the length of one command, the drawing layer's start-up, the run dialog and the
-// message echo being off.
+// message echo being off; the command starts the runtime generator afresh.
 struct RunDialog {
   WindowHandle dialog = nullptr;
   DrawRequest drawing{};
   RunDialog() {
+    crt::srand(crt::kStartSeed);  // as each use of the plug-in starts
     EchoShownMessages(0);
     drawing.operation = kDrawStartup;
     DispatchDraw(&drawing);

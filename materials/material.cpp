@@ -40,28 +40,14 @@ void FreeMaterialImages(Material* material) {
 }
 
 MovableHandle CentredCrop(MovableHandle square, int32_t width, int32_t height) {
-  int32_t side, depth;
-  uint8_t table[kPaletteBytes] = {};
+  int32_t side;
   {
     ScopedLock source(square);
     if (!source) return nullptr;
-    const BitmapInfoHeader* h = reinterpret_cast<const BitmapInfoHeader*>(source.bytes);
-    side = h->biWidth;
-    depth = h->biBitCount;
-    const uint32_t entries = DibTableBytes(h->biBitCount) / 4;
-    const uint8_t* quads = DibTable(source.bytes);
-    for (uint32_t i = 0; i < entries; ++i) {
-      table[i * 3] = quads[i * 4 + 2];
-      table[i * 3 + 1] = quads[i * 4 + 1];
-      table[i * 3 + 2] = quads[i * 4];
-    }
+    side = reinterpret_cast<const BitmapInfoHeader*>(source.bytes)->biWidth;
   }
-  ScopedBlock crop(CreatePackedDib(width, height, table, depth));
-  if (!crop.handle) return nullptr;
-  const int32_t left = std::max((side - width) / 2, 0);
-  const int32_t top = std::max((side - height) / 2, 0);
-  CopyImageRect(crop.handle, 0, 0, square, left, top, width, height);
-  return crop.Release();
+  return CropImage(square, std::max((side - width) / 2, 0), std::max((side - height) / 2, 0), width,
+                   height);
 }
 
 MovableHandle MaterialFill(Material* material, int32_t width, int32_t height) {

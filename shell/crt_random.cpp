@@ -1,8 +1,8 @@
-// The process-wide state of the C runtime generator. The runtime starts as if seeded with 1.
+// The process-wide state of the C runtime generator, as a freshly started runtime has it.
 #include "shell/crt_random.h"
 
 namespace {
-uint32_t randomState = 1;
+uint32_t randomState = crt::kStartSeed;
 }
 
 namespace crt {

@@ -8,6 +8,9 @@
 namespace crt {
 
 constexpr int kRandMax = 0x7FFF;
+// The state a freshly started runtime has. Each use of the plug-in and each gm5 command starts the
+// generator here, so that an effect that never seeds it draws the same numbers in both.
+constexpr uint32_t kStartSeed = 1;
 
 // Sets the state to `seed`.
 void srand(uint32_t seed);

@@ -8,6 +8,8 @@
 #include "effects/heartbeat.h"
 #include "effects/rattle.h"
 #include "effects/simple.h"
+#include "effects/tracks.h"
+#include "effects/waterside.h"
 #include "shell/effect_pages.h"
 
 // Rows in alphabetical order of the names but for Omni, which stands ahead of Machine: the index is
@@ -32,10 +34,12 @@ const EffectEntry EffectTable[kEffectCount] = {
      kPageIds<0>.data(), nullptr},
     {"Snow", EffectPageInit<2>, nullptr, nullptr, nullptr, kPageIds<2>.data(), nullptr},
     {"Stars", EffectPageInit<3>, nullptr, nullptr, nullptr, kPageIds<3>.data(), nullptr},
-    {"Tracks", EffectPageInit<15>, nullptr, nullptr, nullptr, kPageIds<15>.data(), nullptr},
+    {"Tracks", EffectPageInit<15>, TracksEffectPreview, TracksEffectBuild, TracksEffectKeyColour,
+     kPageIds<15>.data(), nullptr},
     {"Tram Lines", EffectPageInit<20>, nullptr, nullptr, nullptr, kPageIds<20>.data(), nullptr},
     {"Unplugged TV", EffectPageInit<19>, nullptr, nullptr, nullptr, kPageIds<19>.data(), nullptr},
-    {"Waterside", EffectPageInit<8>, nullptr, nullptr, nullptr, kPageIds<8>.data(), nullptr},
+    {"Waterside", EffectPageInit<8>, WatersideEffectPreview, WatersideEffectBuild,
+     WatersideEffectKeyColour, kPageIds<8>.data(), nullptr},
     {"Wavelet", EffectPageInit<9>, nullptr, nullptr, nullptr, kPageIds<9>.data(), nullptr},
     {"Zipper", EffectPageInit<14>, nullptr, nullptr, nullptr, kPageIds<14>.data(), nullptr},
 };

@@ -6,6 +6,7 @@
 #include <shlobj.h>
 
 #include "materials/material_button_win32.h"
+#include "shell/crt_random.h"
 #include "shell/host_gate.h"
 #include "shell/host_interface.h"
 #include "shell/library_state.h"
@@ -78,6 +79,8 @@ extern "C" __declspec(dllexport) int PLUGIN16DoBuild(HWND parent, HostRecord* ho
     RepaintWindow(parent);
     return 0;
   }
+  // The library stays loaded between uses: each use draws from a fresh generator, as gm5 does.
+  crt::srand(crt::kStartSeed);
   DrawRequest drawing{};
   drawing.operation = kDrawStartup;
   DispatchDraw(&drawing);

@@ -77,6 +77,22 @@ int CopyImageRect(MovableHandle target, int32_t targetX, int32_t targetY, Movabl
   return 1;
 }
 
+MovableHandle CropImage(MovableHandle image, int32_t left, int32_t top, int32_t width,
+                        int32_t height) {
+  ScopedBlock crop;
+  {
+    ScopedLock source(image);
+    const BitmapInfoHeader* header = CheckedHeader(source);
+    if (!header) return nullptr;
+    crop.handle = CreatePackedDib(width, height, nullptr, header->biBitCount);
+    ScopedLock target(crop.handle);
+    if (!target) return nullptr;
+    std::memcpy(DibTable(target.bytes), DibTable(source.bytes), DibTableBytes(header->biBitCount));
+  }
+  CopyImageRect(crop.handle, 0, 0, image, left, top, width, height);
+  return crop.Release();
+}
+
 void FillRows24(void* picture, uint32_t colour) {
   const BitmapInfoHeader* h = static_cast<const BitmapInfoHeader*>(picture);
   const int32_t width = h->biWidth, height = h->biHeight;

@@ -16,6 +16,11 @@ MovableHandle CreateImageLike(MovableHandle image);
 int CopyImageRect(MovableHandle target, int32_t targetX, int32_t targetY, MovableHandle source,
                   int32_t sourceX, int32_t sourceY, int32_t width, int32_t height);
 
+// A new width by height picture of the depth and colour table of `image`, holding the block from
+// (left, top); the parts of the block outside `image` stay zero. Null when memory fails.
+MovableHandle CropImage(MovableHandle image, int32_t left, int32_t top, int32_t width,
+                        int32_t height);
+
 // Sets the top-left width by height pixels of `image` to `colour`. Returns 1.
 int FillImageRect(MovableHandle image, int32_t width, int32_t height, uint32_t colour);
 // Sets every pixel of a locked 24-bit picture (its header, as CreatePackedDib made it) to

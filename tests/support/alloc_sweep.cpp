@@ -3,7 +3,8 @@
 #include "platform/memory.h"
 
 testing::AssertionResult SweepAllocationFailures(const std::function<int()>& run,
-                                                 long maxAllocations) {
+                                                 long maxAllocations, bool fallbacks) {
+  long failures = 0;
   for (long n = 1; n <= maxAllocations; ++n) {
     const long before = MovableLiveCount();
     MovableFailAllocation(n);
@@ -15,9 +16,11 @@ testing::AssertionResult SweepAllocationFailures(const std::function<int()>& run
       if (!result) return testing::AssertionFailure() << "failed with no injected failure";
       if (leaked) return testing::AssertionFailure() << leaked << " blocks leaked on success";
       if (n == 1) return testing::AssertionFailure() << "the operation allocated nothing";
+      if (fallbacks && !failures) return testing::AssertionFailure() << "no failure ever reported";
       return testing::AssertionSuccess() << n - 1 << " allocation points";
     }
-    if (result)
+    failures += !result;
+    if (result && !fallbacks)
       return testing::AssertionFailure() << "succeeded although allocation " << n << " failed";
     if (leaked)
       return testing::AssertionFailure()

@@ -75,6 +75,12 @@ TEST(FrameRenderer, LayersStackInOrderOnTheBackground) {
     EXPECT_EQ(plain.colours.size(), 1u);
     EXPECT_EQ(plain.colours.at(kBack), plain.width * plain.height);
   }
+  // A page whose Background is a colour button has no material: the canvas is that colour.
+  hidden.background = nullptr;
+  hidden.backgroundColour = 0x123456;
+  const Frame coloured = Render(hidden);
+  EXPECT_EQ(coloured.colours.size(), 1u);
+  EXPECT_EQ(coloured.colours.at(0x123456), coloured.width * coloured.height);
 
   // Softness widens the margin even with the shadow off.
   s.settings.text.softness = 40;

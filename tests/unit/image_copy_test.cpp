@@ -1,5 +1,6 @@
 #include "text/image_copy.h"
 
+#include <cstring>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -71,4 +72,33 @@ TEST(FillImageRect, FillsFromTheCornerAndDropsWhatFallsOutside) {
   ScopedLock lock(image.handle);
   EXPECT_EQ(ReadDibPixel(lock.bytes, 1, 2), 0x00ABCDEFu);
   EXPECT_EQ(ReadDibPixel(lock.bytes, 2, 0), 0u);
+}
+
+TEST(CropImage, KeepsDepthAndTableAndZeroesWhatLiesOutside) {
+  const struct {
+    int depth, left, top, width, height;
+  } cases[] = {{24, 2, 1, 4, 3}, {8, 0, 0, 7, 5}, {32, 5, 3, 4, 4}, {24, -1, 0, 3, 1}};
+  for (const auto& c : cases) {
+    ScopedBlock source(RandomImage(7, 5, c.depth, 31));
+    const PictureValues in = ReadPicture(source.handle);
+    ScopedBlock crop(CropImage(source.handle, c.left, c.top, c.width, c.height));
+    const PictureValues out = ReadPicture(crop.handle);
+    ASSERT_EQ(out.width, c.width);
+    ASSERT_EQ(out.height, c.height);
+    EXPECT_EQ(out.bits, c.depth);
+    for (int y = 0; y < c.height; ++y)
+      for (int x = 0; x < c.width; ++x) {
+        const int sx = c.left + x, sy = c.top + y;
+        const bool inside = sx >= 0 && sy >= 0 && sx < 7 && sy < 5;
+        EXPECT_EQ(out.At(x, y), inside ? in.At(sx, sy) : 0u) << c.depth << " " << x << "," << y;
+      }
+    ScopedLock a(source.handle), b(crop.handle);
+    EXPECT_EQ(std::memcmp(DibTable(a.bytes), DibTable(b.bytes), DibTableBytes(c.depth)), 0);
+  }
+  ScopedBlock source(RandomImage(7, 5, 24, 32));
+  EXPECT_TRUE(SweepAllocationFailures([&] {
+    MovableHandle crop = CropImage(source.handle, 1, 1, 3, 3);
+    MovableFree(crop);
+    return crop != nullptr;
+  }));
 }
