@@ -48,7 +48,7 @@ int ReadFrameSettings(WindowHandle dialog, const FramePageIds* ids, int32_t samp
   settings->alphaBackground = Checked(dialog, kIdAlphaBackground);
   const int32_t* grey = SettingInteger("AlphaGreyBack");
   settings->alphaGreyBack = grey ? static_cast<uint32_t>(*grey) : 0x7F7F7F;
-  settings->fillOpacity = ReadDlgValue(dialog, ids->fillOpacity);
+  settings->fillOpacity = ids->fillOpacity ? ReadDlgValue(dialog, ids->fillOpacity) : 255;
   settings->shadowOpacity = ReadDlgValue(dialog, ids->shadowOpacity);
   int32_t direction = 0;
   if (!DialogPickerValue(DialogItem(dialog, ids->shadowDirection), &direction)) direction = 0;
@@ -56,16 +56,17 @@ int ReadFrameSettings(WindowHandle dialog, const FramePageIds* ids, int32_t samp
   int translated;
   settings->outlineColour = GetDialogItemInt(dialog, ids->outline, &translated, 0);
   settings->sample = sample;
-  settings->fill = MaterialForButton(DialogItem(dialog, ids->fill));
+  settings->fill = ids->fill ? MaterialForButton(DialogItem(dialog, ids->fill)) : nullptr;
   settings->shadow = MaterialForButton(DialogItem(dialog, ids->shadow));
   settings->background = MaterialForButton(DialogItem(dialog, ids->background));
-  if (settings->fill && settings->shadow && settings->background) return 1;
+  if ((settings->fill || !ids->fill) && settings->shadow && settings->background) return 1;
   ReleaseFrameSettings(dialog, ids);
   return 0;
 }
 
 void ReleaseFrameSettings(WindowHandle dialog, const FramePageIds* ids) {
   for (int32_t id : {ids->fill, ids->shadow, ids->background}) {
+    if (!id) continue;
     MovableHandle handle = ButtonMaterialHandle(DialogItem(dialog, id));
     if (handle) MovableUnlock(handle);
   }
@@ -95,6 +96,11 @@ int MaterialStep(TextFrame* frame) {
   if (!s->fill) return 0;
   frame->fillImage = MaterialFill(s->fill, frame->width, frame->height);
   if (!frame->fillImage) return 0;
+  return ShadowMaterialStep(frame);
+}
+
+int ShadowMaterialStep(TextFrame* frame) {
+  const FrameSettings* s = frame->settings;
   if (s->text.shadowEnabled) {
     if (!s->shadow) return 0;
     frame->shadowImage = MaterialFill(s->shadow, frame->width, frame->height);
@@ -175,4 +181,22 @@ MovableHandle RenderStandardFrame(WindowHandle window, const FrameSettings* sett
     result = FinishFrameStep(&frame);
   EndTextFrame(&frame);
   return result;
+}
+
+int32_t PageKeyColour(WindowHandle dialog, int32_t mode, int32_t backgroundId) {
+  if (mode) return -1;
+  if (Checked(dialog, kIdAlphaTransparency) && Checked(dialog, kIdAlphaBackground)) {
+    const int32_t* grey = SettingInteger("AlphaGreyBack");
+    return grey ? *grey : -1;
+  }
+  WindowHandle background = DialogItem(dialog, backgroundId);
+  if (DialogControlKind(background) == kControlColourButton) {
+    int translated;
+    return static_cast<int32_t>(GetDialogItemInt(dialog, backgroundId, &translated, 0));
+  }
+  const Material* material = MaterialForButton(background);
+  if (!material) return -1;
+  const int32_t colour = static_cast<int32_t>(material->solidColour);
+  MovableUnlock(ButtonMaterialHandle(background));
+  return colour;
 }

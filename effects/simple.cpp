@@ -6,31 +6,8 @@
 #include <algorithm>
 
 #include "controls/value_controls.h"
-#include "documents/settings.h"
 #include "effects/frame_renderer.h"
-#include "materials/material_button.h"
-#include "shell/host_interface.h"
 #include "shell/packed_dib.h"
-
-namespace {
-
-int AppendSimpleFrame(BuildContext* context, MovableHandle image, int32_t delay) {
-  FrameRecord record{};
-  record.image = image;
-  record.delay = delay;
-  record.transparentIndex = -1;
-  if (AppendFrame(context->frames, &record)) return 1;
-  MovableFree(image);
-  return 0;
-}
-
-void ReportProgress(const BuildContext* context, int32_t step, int32_t total) {
-  if (context->host && context->host->service)
-    context->host->service(nullptr, HostOpProgress, static_cast<uint64_t>(step),
-                           static_cast<uint64_t>(total));
-}
-
-}  // namespace
 
 int RunSimpleFrames(BuildContext* context, const SimpleLoopSettings* settings,
                     SimpleFrameRenderer render, void* renderer) {
@@ -39,7 +16,7 @@ int RunSimpleFrames(BuildContext* context, const SimpleLoopSettings* settings,
   context->flags |= kBuildFlagBuild;
   if (!settings->animated) {
     MovableHandle image = render(renderer, &params);
-    return image && AppendSimpleFrame(context, image, settings->delay);
+    return image && AppendEffectFrame(context, image, settings->delay);
   }
 
   int32_t width, height;
@@ -75,8 +52,8 @@ int RunSimpleFrames(BuildContext* context, const SimpleLoopSettings* settings,
     params.y = vertical ? static_cast<int32_t>(p) : 0;
     MovableHandle image = render(renderer, &params);
     const int32_t delay = settings->delay + (i == count - 1 || centred ? settings->pause : 0);
-    if (!image || !AppendSimpleFrame(context, image, delay)) return 0;
-    ReportProgress(context, i, count);
+    if (!image || !AppendEffectFrame(context, image, delay)) return 0;
+    ReportEffectProgress(context, i, count);
   }
   return 1;
 }
@@ -87,8 +64,7 @@ namespace {
 constexpr FramePageIds kSimpleIds = {100, 102, 104, 106, 108, 110, 114, 116, 120, 122, 123};
 constexpr int32_t kIdFrames = 112, kIdScroll = 118;
 // The main dialog's.
-constexpr int32_t kIdDelay = 11, kIdAnimated = 22, kIdPause = 23, kIdAlphaTransparency = 62,
-                  kIdAlphaBackground = 63;
+constexpr int32_t kIdDelay = 11, kIdAnimated = 22, kIdPause = 23;
 
 // The renderer: the common steps unchanged, read afresh from the dialog for every frame.
 MovableHandle RenderSimpleFrame(void* context, const SimpleFrameParams* params) {
@@ -126,20 +102,5 @@ int SimpleEffectBuild(BuildContext* context) {
 }
 
 int32_t SimpleEffectKeyColour(WindowHandle dialog, int32_t mode) {
-  if (mode) return -1;
-  if (DialogGetCheck(DialogItem(dialog, kIdAlphaTransparency)) &&
-      DialogGetCheck(DialogItem(dialog, kIdAlphaBackground))) {
-    const int32_t* grey = SettingInteger("AlphaGreyBack");
-    return grey ? *grey : -1;
-  }
-  WindowHandle background = DialogItem(dialog, kSimpleIds.background);
-  if (DialogControlKind(background) == kControlColourButton) {
-    int translated;
-    return static_cast<int32_t>(GetDialogItemInt(dialog, kSimpleIds.background, &translated, 0));
-  }
-  const Material* material = MaterialForButton(background);
-  if (!material) return -1;
-  const int32_t colour = static_cast<int32_t>(material->solidColour);
-  MovableUnlock(ButtonMaterialHandle(background));
-  return colour;
+  return PageKeyColour(dialog, mode, kSimpleIds.background);
 }

@@ -7,6 +7,7 @@
 #include "controls/page_tables.h"
 #include "effects/simple.h"
 #include "shell/effect_pages.h"
+#include "shell/host_interface.h"
 
 // Rows in alphabetical order of the names but for Omni, which stands ahead of Machine: the index is
 // stored in settings and documents and must not move. Every row makes its page with the shared
@@ -153,6 +154,22 @@ int AppendFrame(FrameList* list, const FrameRecord* record) {
               sizeof(FrameRecord));
   ++list->count;
   return 1;
+}
+
+int AppendEffectFrame(BuildContext* context, MovableHandle image, int32_t delay) {
+  FrameRecord record{};
+  record.image = image;
+  record.delay = delay;
+  record.transparentIndex = -1;
+  if (AppendFrame(context->frames, &record)) return 1;
+  MovableFree(image);
+  return 0;
+}
+
+void ReportEffectProgress(const BuildContext* context, int32_t step, int32_t total) {
+  if (context->host && context->host->service)
+    context->host->service(nullptr, HostOpProgress, static_cast<uint64_t>(step),
+                           static_cast<uint64_t>(total));
 }
 
 void FreeFrameList(FrameList* list) {

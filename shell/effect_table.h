@@ -77,6 +77,12 @@ int AppendFrame(FrameList* list, const FrameRecord* record);
 // Frees every record's image and mask, then the array; leaves the list empty.
 void FreeFrameList(FrameList* list);
 
+// What every effect's frame loop does with a finished frame: appends `image` to context->frames
+// with `delay` and no transparent index. Returns 1, or 0 after freeing `image`.
+int AppendEffectFrame(BuildContext* context, MovableHandle image, int32_t delay);
+// Tells the host that frame `step` of `total` is done; nothing without a host.
+void ReportEffectProgress(const BuildContext* context, int32_t step, int32_t total);
+
 // The row the shell builds for a selection: nothing selected (-1) is row 0, past the end the last.
 int32_t EffectRowForBuild(int32_t row);
 // The row whose page is shown: as for a build, but past the end is one past the last row, whose
