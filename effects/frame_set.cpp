@@ -79,15 +79,14 @@ MovableHandle RenderFrameSetFrame(BuildContext* context, const FrameSetEffect* e
   FrameParams* params = static_cast<FrameParams*>(context->params);
   FrameSettings settings;
   char text[2][264];
-  if (!params || !ReadFrameSettings(context->dialog, &effect->ids, context->sample, &settings,
-                                    &text))
+  if (!params ||
+      !ReadFrameSettings(context->dialog, &effect->ids, context->sample, &settings, &text))
     return nullptr;
   TextFrame frame;
   MovableHandle result = nullptr;
   // The text and its shadow stand at their place of rest in every frame; only the fill moves.
   if (BeginTextFrame(context->dialog, &settings, &frame) && BackgroundStep(&frame)) {
-    frame.fillImage =
-        FrameSetFillImage(params, effect, context->dialog, frame.width, frame.height);
+    frame.fillImage = FrameSetFillImage(params, effect, context->dialog, frame.width, frame.height);
     if (frame.fillImage && ShadowMaterialStep(&frame) && AlphaPlaneStep(&frame) &&
         ShadowStep(&frame, 0, 0) && FillStep(&frame, 0, 0) && OutlineStep(&frame, 0, 0))
       result = FinishFrameStep(&frame);

@@ -6,6 +6,7 @@
 
 #include "controls/page_tables.h"
 #include "effects/simple.h"
+#include "effects/snow.h"
 #include "shell/effect_pages.h"
 #include "shell/host_interface.h"
 
@@ -27,7 +28,8 @@ const EffectEntry EffectTable[kEffectCount] = {
     {"Ring", EffectPageInit<1>, nullptr, nullptr, nullptr, kPageIds<1>.data(), nullptr},
     {"Simple", EffectPageInit<0>, SimpleEffectPreview, SimpleEffectBuild, SimpleEffectKeyColour,
      kPageIds<0>.data(), nullptr},
-    {"Snow", EffectPageInit<2>, nullptr, nullptr, nullptr, kPageIds<2>.data(), nullptr},
+    {"Snow", EffectPageInit<2>, SnowEffectPreview, SnowEffectBuild, SnowEffectKeyColour,
+     kPageIds<2>.data(), nullptr},
     {"Stars", EffectPageInit<3>, nullptr, nullptr, nullptr, kPageIds<3>.data(), nullptr},
     {"Tracks", EffectPageInit<15>, nullptr, nullptr, nullptr, kPageIds<15>.data(), nullptr},
     {"Tram Lines", EffectPageInit<20>, nullptr, nullptr, nullptr, kPageIds<20>.data(), nullptr},

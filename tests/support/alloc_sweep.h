@@ -9,6 +9,8 @@
 // `run` performs the operation and returns nonzero on success; on success it must itself free
 // whatever the operation produced. For n = 1, 2, ... the n-th allocation fails: each such run must
 // return 0 with the live-handle count unchanged. The sweep ends with the first run that made fewer
-// than n allocations, which must succeed without a leak.
+// than n allocations, which must succeed without a leak. With `mayRecover` an operation that falls
+// back on a failed allocation (a picture left unscaled, say) may also succeed, but must not leak.
 testing::AssertionResult SweepAllocationFailures(const std::function<int()>& run,
-                                                 long maxAllocations = 100000);
+                                                 long maxAllocations = 100000,
+                                                 bool mayRecover = false);
