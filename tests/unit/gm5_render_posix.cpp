@@ -109,20 +109,6 @@ TEST(Gm5Render, GifsMatchTheirBuildsFrameByFrame) {
   png_image_free(&picture);
 }
 
-// An effect picked by its name in any case builds its own loop: Snow's Frames control decides the
-// frame count, and every frame has the canvas size.
-TEST(Gm5Render, EffectsByNameBuildTheirOwnFrames) {
-  ScratchFolder scratch(1);
-  RenderedGif snow;
-  RenderGif(scratch, "snow.gif", {"--effect", "SNOW", "--control", "175=5"}, &snow);
-  ASSERT_NE(snow.gif, nullptr);
-  ASSERT_EQ(snow.gif->ImageCount, 5);
-  for (int i = 0; i < 5; ++i) {
-    const GifImageDesc& d = snow.gif->SavedImages[i].ImageDesc;
-    EXPECT_EQ(d.Width * 65536 + d.Height, snow.gif->SWidth * 65536 + snow.gif->SHeight) << i;
-  }
-}
-
 // --alpha builds frames with an alpha plane, which the WebP file keeps.
 TEST(Gm5Render, AlphaBuildToWebpKeepsItsFramesAndAlpha) {
   ScratchFolder scratch(1);
