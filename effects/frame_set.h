@@ -16,7 +16,7 @@
 //   release(state): frees what the state holds (not the state itself). Safe on a zeroed state.
 // Its table row then has three one-line procedures, for example
 //   int SnowEffectBuild(BuildContext* c) { return FrameSetEffectBuild(c, &kSnowFrameSet); }
-// and likewise FrameSetEffectPreview; the key colour reads the page's Background as any effect.
+// and likewise FrameSetEffectPreview; its key colour is PageKeyColour with its Background id.
 //
 // Frame loop: with the animate check on, Frames frames are built, each with the Delay, and
 // progress is reported after each; with it off one frame, the first of the loop. The preview is
