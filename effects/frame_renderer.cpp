@@ -56,7 +56,7 @@ int ReadFrameSettings(WindowHandle dialog, const FramePageIds* ids, int32_t samp
   settings->alphaBackground = Checked(dialog, kIdAlphaBackground);
   const int32_t* grey = SettingInteger("AlphaGreyBack");
   settings->alphaGreyBack = grey ? static_cast<uint32_t>(*grey) : 0x7F7F7F;
-  settings->fillOpacity = ReadDlgValue(dialog, ids->fillOpacity);
+  settings->fillOpacity = ids->fillOpacity ? ReadDlgValue(dialog, ids->fillOpacity) : 255;
   settings->shadowOpacity = ReadDlgValue(dialog, ids->shadowOpacity);
   int32_t direction = 0;
   if (!DialogPickerValue(DialogItem(dialog, ids->shadowDirection), &direction)) direction = 0;
@@ -64,7 +64,7 @@ int ReadFrameSettings(WindowHandle dialog, const FramePageIds* ids, int32_t samp
   int translated;
   settings->outlineColour = GetDialogItemInt(dialog, ids->outline, &translated, 0);
   settings->sample = sample;
-  settings->fill = MaterialForButton(DialogItem(dialog, ids->fill));
+  settings->fill = ids->fill ? MaterialForButton(DialogItem(dialog, ids->fill)) : nullptr;
   settings->shadow = MaterialForButton(DialogItem(dialog, ids->shadow));
   WindowHandle background = DialogItem(dialog, ids->background);
   const bool plain = DialogControlKind(background) == kControlColourButton;
@@ -72,13 +72,15 @@ int ReadFrameSettings(WindowHandle dialog, const FramePageIds* ids, int32_t samp
     settings->backgroundColour = GetDialogItemInt(dialog, ids->background, &translated, 0);
   else
     settings->background = MaterialForButton(background);
-  if (settings->fill && settings->shadow && (plain || settings->background)) return 1;
+  if ((settings->fill || !ids->fill) && settings->shadow && (plain || settings->background))
+    return 1;
   ReleaseFrameSettings(dialog, ids);
   return 0;
 }
 
 void ReleaseFrameSettings(WindowHandle dialog, const FramePageIds* ids) {
   for (int32_t id : {ids->fill, ids->shadow, ids->background}) {
+    if (!id) continue;
     WindowHandle button = DialogItem(dialog, id);
     if (DialogControlKind(button) == kControlColourButton) continue;  // holds its setting
     MovableHandle handle = ButtonMaterialHandle(button);
@@ -112,6 +114,11 @@ int MaterialStep(TextFrame* frame) {
   if (!s->fill) return 0;
   frame->fillImage = MaterialFill(s->fill, frame->width, frame->height);
   if (!frame->fillImage) return 0;
+  return ShadowMaterialStep(frame);
+}
+
+int ShadowMaterialStep(TextFrame* frame) {
+  const FrameSettings* s = frame->settings;
   if (s->text.shadowEnabled) {
     if (!s->shadow) return 0;
     frame->shadowImage = MaterialFill(s->shadow, frame->width, frame->height);

@@ -28,6 +28,8 @@ struct FrameSettings {
 };
 
 // The ids a page reads for the common steps (the main dialog's ids are the same for every page).
+// A page whose fill comes from elsewhere (a frame set) has no Fill material and no Fill opacity:
+// it gives 0 for `fill` and `fillOpacity`, and the fill is then drawn at full level, 255.
 struct FramePageIds {
   int32_t fill, shadow;  // material buttons
   int32_t background;    // a material button, or a colour button for a plain background
@@ -39,8 +41,8 @@ struct FramePageIds {
 
 // The parameter step: reads the main dialog's text, font and alpha boxes and the page's controls
 // into `settings`, the text into `text` (which must stay alive while `settings` is used), and locks
-// the three materials. Returns 1, or 0 when a material button holds no record (nothing then stays
-// locked). ReleaseFrameSettings unlocks the materials.
+// the materials (the fill only when the page has one). Returns 1, or 0 when a material button
+// holds no record (nothing then stays locked). ReleaseFrameSettings unlocks the materials.
 int ReadFrameSettings(WindowHandle dialog, const FramePageIds* ids, int32_t sample,
                       FrameSettings* settings, char (*text)[2][264]);
 void ReleaseFrameSettings(WindowHandle dialog, const FramePageIds* ids);
@@ -70,6 +72,8 @@ int BeginTextFrame(WindowHandle window, const FrameSettings* settings, TextFrame
 int BackgroundStep(TextFrame* frame);
 // The Fill material, and the Shadow material when the shadow is on, at the canvas size.
 int MaterialStep(TextFrame* frame);
+// The Shadow material alone, when the shadow is on: for effects that make `fillImage` themselves.
+int ShadowMaterialStep(TextFrame* frame);
 // A zero coverage plane, only in a build with alpha transparency.
 int AlphaPlaneStep(TextFrame* frame);
 // The shadow at (x, y) plus margin and shadow shift, softened by the softness; only with the
@@ -89,3 +93,4 @@ void EndTextFrame(TextFrame* frame);
 // effect that changes none of them. A new picture, or null.
 MovableHandle RenderStandardFrame(WindowHandle window, const FrameSettings* settings, int32_t x,
                                   int32_t y);
+

@@ -8,6 +8,7 @@
 #include "effects/heartbeat.h"
 #include "effects/rattle.h"
 #include "effects/simple.h"
+#include "effects/snow.h"
 #include "effects/tracks.h"
 #include "effects/waterside.h"
 #include "shell/effect_pages.h"
@@ -32,7 +33,8 @@ const EffectEntry EffectTable[kEffectCount] = {
     {"Ring", EffectPageInit<1>, nullptr, nullptr, nullptr, kPageIds<1>.data(), nullptr},
     {"Simple", EffectPageInit<0>, SimpleEffectPreview, SimpleEffectBuild, SimpleEffectKeyColour,
      kPageIds<0>.data(), nullptr},
-    {"Snow", EffectPageInit<2>, nullptr, nullptr, nullptr, kPageIds<2>.data(), nullptr},
+    {"Snow", EffectPageInit<2>, SnowEffectPreview, SnowEffectBuild, SnowEffectKeyColour,
+     kPageIds<2>.data(), nullptr},
     {"Stars", EffectPageInit<3>, nullptr, nullptr, nullptr, kPageIds<3>.data(), nullptr},
     {"Tracks", EffectPageInit<15>, TracksEffectPreview, TracksEffectBuild, TracksEffectKeyColour,
      kPageIds<15>.data(), nullptr},

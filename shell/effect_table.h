@@ -29,7 +29,7 @@ struct BuildContext {
   HostRecord* host;     // for progress reports
   MovableHandle image;  // the preview's result; in a build a spare slot freed on failure
   uint64_t reserved1[4];
-  int32_t sampleWidth;   // sample area size in a preview; 0 in a build
+  int32_t sampleWidth;  // sample area size in a preview; 0 in a build
   int32_t sampleHeight;
   uint32_t flags;  // kBuildFlagPreview / kBuildFlagBuild, set by the effect on entry
   void* params;    // the effect's own frame parameters, set before it calls its renderer
@@ -58,9 +58,9 @@ extern const int32_t EffectStyle[kEffectCount];
 
 // One built frame. The list owns `image` and `mask`.
 struct FrameRecord {
-  MovableHandle image;  // 24-bit Packed DIB, or 32 bits with an alpha plane
-  MovableHandle mask;   // null from the effect; the one-bit supercompression mask
-  int32_t delay;        // in host units
+  MovableHandle image;       // 24-bit Packed DIB, or 32 bits with an alpha plane
+  MovableHandle mask;        // null from the effect; the one-bit supercompression mask
+  int32_t delay;             // in host units
   int32_t transparentIndex;  // -1 from the effect
   uint8_t reserved[32];
 };

@@ -248,3 +248,47 @@ TEST(MainDialog, BuildWritesFramesForTheNativeComparison) {
             INVALID_FILE_ATTRIBUTES);
   ForgetConfiguration();
 }
+
+// Snow from its page in the real dialog: the page's controls with their settings, a screenshot of
+// it with its sample, a Test and a Build through the host (both the loop of the Frames control,
+// every frame with the Delay), and the Build's frames and document for the native comparison.
+TEST(MainDialog, SnowPageTestsAndBuildsItsLoop) {
+  if (!DisplayAvailable()) GTEST_SKIP() << "no display";
+  ForgetConfiguration();
+  char here[MAX_PATH];
+  GetCurrentDirectoryA(MAX_PATH, here);
+  const std::string folder = std::string(here) + "\\parity";
+  CreateDirectoryA(folder.c_str(), nullptr);
+  CreateDirectoryA((folder + "\\snow-build").c_str(), nullptr);
+  DeleteFileA((folder + "\\snow.gm5").c_str());
+  const std::string bin = BuildPath(GM5_PLUGIN_PATH);
+  const std::string shots =
+      bin.substr(0, bin.find_last_of('\\', bin.find_last_of('\\') - 1)) + "\\screenshots";
+  CreateDirectoryA(shots.c_str(), nullptr);
+  HostRun run =
+      RunHost("--capabilities 1 --dump \"" + folder + "\\snow-build\"",
+              Reads({"wait-dialog", "select 58 13", "select-text 53 DejaVu Sans", "set-text 57 40",
+                     "set-text 61 100", "set-text 52 Snow", "set-text 175 6", "read-text 195",
+                     "read-text 191", "read-class 185", "read-class 167", "read-text 11",
+                     "wait-timer", "sleep 500"}) +
+                  "screenshot 0 " + shots + "\\snow-page.png\n" + Reads({"click 24", "click 39"}) +
+                  "file-dialog " + folder + "\\snow.gm5\n" + Reads({"sleep 500", "click 1"}));
+  ASSERT_EQ(run.exitCode, 0u);
+  EXPECT_EQ(run.Value("read-text id=195 ", "text"), "10651");
+  EXPECT_EQ(run.Value("read-text id=191 ", "text"), "56");
+  EXPECT_EQ(run.Value("read-class id=185 ", "class"), "MATLBT");
+  EXPECT_EQ(run.Value("read-class id=167 ", "class"), "MATLBT");
+  EXPECT_NE(run.Line("screenshot path=").find("result=1"), std::string::npos);
+  EXPECT_EQ(run.Line("dobuild"), "dobuild result=1");
+  const std::string delay = run.Value("read-text id=11 ", "text");
+  for (const char* file : {"1", "2"}) {
+    SCOPED_TRACE(file);
+    const std::string add = std::string("call op=2 name=HostOpAddImage file=") + file;
+    EXPECT_EQ(run.Count(add), 6);
+    for (int i = 0; i < 6; ++i)
+      EXPECT_EQ(run.Value(add + " index=" + std::to_string(i) + " ", "delay"), delay) << i;
+  }
+  EXPECT_NE(GetFileAttributesA((folder + "\\snow-build\\file2-frame005.bmp").c_str()),
+            INVALID_FILE_ATTRIBUTES);
+  ForgetConfiguration();
+}

@@ -1,5 +1,5 @@
-// Renders the shape, mask and Simple scenes through GDI and GDI+ and writes them to the folder
-// "parity" for the native comparison in tests/parity.
+// Renders the shape, mask, Simple and Snow scenes through GDI and GDI+ and writes them to the
+// folder "parity" for the native comparison in tests/parity.
 #include <windows.h>
 
 #include <string>
@@ -10,6 +10,7 @@
 #include "tests/support/parity_files.h"
 #include "tests/support/shape_scenes.h"
 #include "tests/support/simple_scenes.h"
+#include "tests/support/snow_scenes.h"
 
 TEST(Parity, WritesEveryShapeMaskAndSimpleFrame) {
   StartDrawingForTests();
@@ -34,5 +35,16 @@ TEST(Parity, WritesEveryShapeMaskAndSimpleFrame) {
   for (size_t i = 0; i < frames.size(); ++i) {
     ScopedBlock image(frames[i].image);
     EXPECT_TRUE(WriteParityFile("parity/simple-" + std::to_string(i) + ".dib", image.handle));
+  }
+}
+
+TEST(Parity, WritesTheSnowFrameSet) {
+  StartDrawingForTests();
+  CreateDirectoryA("parity", nullptr);
+  std::vector<MovableHandle> frames;
+  ASSERT_EQ(RenderSnowScene(&frames), 1);
+  for (size_t i = 0; i < frames.size(); ++i) {
+    ScopedBlock image(frames[i]);
+    EXPECT_TRUE(WriteParityFile("parity/snow-" + std::to_string(i) + ".dib", image.handle));
   }
 }
