@@ -57,9 +57,10 @@ int ReadFrameSettings(WindowHandle dialog, const FramePageIds* ids, int32_t samp
   settings->outlineColour = GetDialogItemInt(dialog, ids->outline, &translated, 0);
   settings->sample = sample;
   settings->fill = ids->fill ? MaterialForButton(DialogItem(dialog, ids->fill)) : nullptr;
-  settings->shadow = MaterialForButton(DialogItem(dialog, ids->shadow));
+  settings->shadow = ids->shadow ? MaterialForButton(DialogItem(dialog, ids->shadow)) : nullptr;
   settings->background = MaterialForButton(DialogItem(dialog, ids->background));
-  if ((settings->fill || !ids->fill) && settings->shadow && settings->background) return 1;
+  if ((settings->fill || !ids->fill) && (settings->shadow || !ids->shadow) && settings->background)
+    return 1;
   ReleaseFrameSettings(dialog, ids);
   return 0;
 }

@@ -49,7 +49,7 @@ void FakeRelease(void* state) {
   calls.released += static_cast<FakeState*>(state)->live;
 }
 
-const FrameSetEffect kFake = {{}, 0, sizeof(FakeState), FakePrepare, FakeFrame, FakeRelease};
+const FrameSetEffect kFake = {{}, 0, sizeof(FakeState), FakePrepare, FakeFrame, FakeRelease, 0};
 
 // The renderer the loop sees: the frame set's fill itself.
 MovableHandle RenderFill(void*, BuildContext* context) {
