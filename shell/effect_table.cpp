@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "controls/page_tables.h"
+#include "effects/arrows.h"
 #include "effects/simple.h"
 #include "effects/snow.h"
 #include "shell/effect_pages.h"
@@ -14,7 +15,8 @@
 // stored in settings and documents and must not move. Every row makes its page with the shared
 // init procedure; preview, build and key colour stay null until an effect is built.
 const EffectEntry EffectTable[kEffectCount] = {
-    {"Arrows", EffectPageInit<7>, nullptr, nullptr, nullptr, kPageIds<7>.data(), nullptr},
+    {"Arrows", EffectPageInit<7>, ArrowsEffectPreview, ArrowsEffectBuild, ArrowsEffectKeyColour,
+     kPageIds<7>.data(), nullptr},
     {"Candy", EffectPageInit<17>, nullptr, nullptr, nullptr, kPageIds<17>.data(), nullptr},
     {"Confetti", EffectPageInit<16>, nullptr, nullptr, nullptr, kPageIds<16>.data(), nullptr},
     {"Diagonal Fuse", EffectPageInit<12>, nullptr, nullptr, nullptr, kPageIds<12>.data(), nullptr},
