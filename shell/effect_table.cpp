@@ -8,6 +8,7 @@
 #include "effects/arrows.h"
 #include "effects/simple.h"
 #include "effects/snow.h"
+#include "effects/stars.h"
 #include "shell/effect_pages.h"
 #include "shell/host_interface.h"
 
@@ -32,7 +33,8 @@ const EffectEntry EffectTable[kEffectCount] = {
      kPageIds<0>.data(), nullptr},
     {"Snow", EffectPageInit<2>, SnowEffectPreview, SnowEffectBuild, SnowEffectKeyColour,
      kPageIds<2>.data(), nullptr},
-    {"Stars", EffectPageInit<3>, nullptr, nullptr, nullptr, kPageIds<3>.data(), nullptr},
+    {"Stars", EffectPageInit<3>, StarsEffectPreview, StarsEffectBuild, StarsEffectKeyColour,
+     kPageIds<3>.data(), nullptr},
     {"Tracks", EffectPageInit<15>, nullptr, nullptr, nullptr, kPageIds<15>.data(), nullptr},
     {"Tram Lines", EffectPageInit<20>, nullptr, nullptr, nullptr, kPageIds<20>.data(), nullptr},
     {"Unplugged TV", EffectPageInit<19>, nullptr, nullptr, nullptr, kPageIds<19>.data(), nullptr},
