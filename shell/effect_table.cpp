@@ -6,6 +6,7 @@
 
 #include "controls/page_tables.h"
 #include "effects/arrows.h"
+#include "effects/confetti.h"
 #include "effects/simple.h"
 #include "effects/snow.h"
 #include "effects/stars.h"
@@ -19,7 +20,8 @@ const EffectEntry EffectTable[kEffectCount] = {
     {"Arrows", EffectPageInit<7>, ArrowsEffectPreview, ArrowsEffectBuild, ArrowsEffectKeyColour,
      kPageIds<7>.data(), nullptr},
     {"Candy", EffectPageInit<17>, nullptr, nullptr, nullptr, kPageIds<17>.data(), nullptr},
-    {"Confetti", EffectPageInit<16>, nullptr, nullptr, nullptr, kPageIds<16>.data(), nullptr},
+    {"Confetti", EffectPageInit<16>, ConfettiEffectPreview, ConfettiEffectBuild,
+     ConfettiEffectKeyColour, kPageIds<16>.data(), nullptr},
     {"Diagonal Fuse", EffectPageInit<12>, nullptr, nullptr, nullptr, kPageIds<12>.data(), nullptr},
     {"Heartbeat", EffectPageInit<10>, nullptr, nullptr, nullptr, kPageIds<10>.data(), nullptr},
     {"Omni", EffectPageInit<11>, nullptr, nullptr, nullptr, kPageIds<11>.data(), nullptr},
