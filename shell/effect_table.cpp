@@ -6,6 +6,7 @@
 
 #include "controls/page_tables.h"
 #include "effects/arrows.h"
+#include "effects/candy.h"
 #include "effects/confetti.h"
 #include "effects/simple.h"
 #include "effects/snow.h"
@@ -19,7 +20,8 @@
 const EffectEntry EffectTable[kEffectCount] = {
     {"Arrows", EffectPageInit<7>, ArrowsEffectPreview, ArrowsEffectBuild, ArrowsEffectKeyColour,
      kPageIds<7>.data(), nullptr},
-    {"Candy", EffectPageInit<17>, nullptr, nullptr, nullptr, kPageIds<17>.data(), nullptr},
+    {"Candy", EffectPageInit<17>, CandyEffectPreview, CandyEffectBuild, CandyEffectKeyColour,
+     kPageIds<17>.data(), nullptr},
     {"Confetti", EffectPageInit<16>, ConfettiEffectPreview, ConfettiEffectBuild,
      ConfettiEffectKeyColour, kPageIds<16>.data(), nullptr},
     {"Diagonal Fuse", EffectPageInit<12>, nullptr, nullptr, nullptr, kPageIds<12>.data(), nullptr},
