@@ -133,10 +133,18 @@ MovableHandle RenderArrowsFrame(ArrowsState* state, int32_t frameNumber) {
     const int32_t sway = static_cast<int32_t>(std::sin(arrow.phase * kPi / 180) * amplitude);
     int32_t ox = sway, oy = sway;
     switch (arrow.heading) {
-      case kHeadingUp: oy = h - down * arrow.speed - 1; break;
-      case kHeadingLeft: ox = w - across * arrow.speed - 1; break;
-      case kHeadingDown: oy = down * arrow.speed - h + 1; break;
-      default: ox = across * arrow.speed - w + 1; break;
+      case kHeadingUp:
+        oy = h - down * arrow.speed - 1;
+        break;
+      case kHeadingLeft:
+        ox = w - across * arrow.speed - 1;
+        break;
+      case kHeadingDown:
+        oy = down * arrow.speed - h + 1;
+        break;
+      default:
+        ox = across * arrow.speed - w + 1;
+        break;
     }
     const int32_t x = arrow.x + ox - arrow.size / 2, y = arrow.y + oy - arrow.size / 2;
     if (arrow.shadow) {

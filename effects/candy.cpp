@@ -18,11 +18,11 @@ namespace {
 
 // Page 7417.
 constexpr int32_t kIdShadowColour = 826, kIdBackground = 828, kIdOutline = 830,
-                  kIdShadowOpacity = 832, kIdFrames = 834, kIdSoftness = 836,
-                  kIdShadowOffset = 838, kIdShadowDirection = 840, kIdShadowEnable = 842,
-                  kIdOutlineEnable = 843, kIdFillOpacity = 844, kIdDrift = 846, kIdSize = 848,
-                  kIdDensity = 850, kIdSeed = 852, kIdColor1 = 854, kIdEnable2 = 864,
-                  kIdFillBackground = 869, kIdScroll = 871, kIdWarp = 873;
+                  kIdShadowOpacity = 832, kIdFrames = 834, kIdSoftness = 836, kIdShadowOffset = 838,
+                  kIdShadowDirection = 840, kIdShadowEnable = 842, kIdOutlineEnable = 843,
+                  kIdFillOpacity = 844, kIdDrift = 846, kIdSize = 848, kIdDensity = 850,
+                  kIdSeed = 852, kIdColor1 = 854, kIdEnable2 = 864, kIdFillBackground = 869,
+                  kIdScroll = 871, kIdWarp = 873;
 
 constexpr double kPi = 3.14159265358979323846;
 
@@ -102,10 +102,18 @@ MovableHandle RenderCandyFrame(CandyState* state, int32_t frameNumber) {
     const int32_t sway = static_cast<int32_t>(std::sin(item.phase * kPi / 180) * amplitude);
     int32_t ox = sway, oy = sway;
     switch (state->scroll) {
-      case kCandyRight: ox = w - across * item.speed - 1; break;
-      case kCandyLeft: ox = across * item.speed - w + 1; break;
-      case kCandyDown: oy = h - down * item.speed - 1; break;
-      default: oy = down * item.speed - h + 1; break;
+      case kCandyRight:
+        ox = w - across * item.speed - 1;
+        break;
+      case kCandyLeft:
+        ox = across * item.speed - w + 1;
+        break;
+      case kCandyDown:
+        oy = h - down * item.speed - 1;
+        break;
+      default:
+        oy = down * item.speed - h + 1;
+        break;
     }
     ScopedLock stamp(item.image);
     if (!stamp || !StampWrapped(target.bytes, stamp.bytes, item.x - ox - item.size / 2,

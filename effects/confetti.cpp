@@ -17,11 +17,10 @@ namespace {
 
 // Page 7416.
 constexpr int32_t kIdShadowColour = 772, kIdBackground = 774, kIdOutline = 776,
-                  kIdShadowOpacity = 778, kIdFrames = 780, kIdSoftness = 782,
-                  kIdShadowOffset = 784, kIdShadowDirection = 786, kIdShadowEnable = 788,
-                  kIdOutlineEnable = 789, kIdFillOpacity = 790, kIdDrift = 792, kIdSize = 794,
-                  kIdDensity = 796, kIdSeed = 798, kIdColor1 = 800, kIdEnable2 = 810,
-                  kIdFillBackground = 815;
+                  kIdShadowOpacity = 778, kIdFrames = 780, kIdSoftness = 782, kIdShadowOffset = 784,
+                  kIdShadowDirection = 786, kIdShadowEnable = 788, kIdOutlineEnable = 789,
+                  kIdFillOpacity = 790, kIdDrift = 792, kIdSize = 794, kIdDensity = 796,
+                  kIdSeed = 798, kIdColor1 = 800, kIdEnable2 = 810, kIdFillBackground = 815;
 
 }  // namespace
 

@@ -99,8 +99,8 @@ MovableHandle RenderFrameSetFrame(BuildContext* context, const FrameSetEffect* e
   if (BeginTextFrame(context->dialog, &settings, &frame) && BackgroundStep(&frame)) {
     frame.fillImage = FrameSetFillImage(params, effect, context->dialog, frame.width, frame.height);
     if (frame.fillImage && ShadowLayerImage(&frame, context->dialog, effect) &&
-        AlphaPlaneStep(&frame) &&
-        ShadowStep(&frame, 0, 0) && FillStep(&frame, 0, 0) && OutlineStep(&frame, 0, 0))
+        AlphaPlaneStep(&frame) && ShadowStep(&frame, 0, 0) && FillStep(&frame, 0, 0) &&
+        OutlineStep(&frame, 0, 0))
       result = FinishFrameStep(&frame);
   }
   EndTextFrame(&frame);

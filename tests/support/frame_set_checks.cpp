@@ -5,6 +5,7 @@
 #include "controls/page_setup.h"
 #include "controls/value_controls.h"
 #include "materials/material_button.h"
+#include "shell/crt_random.h"
 #include "shell/packed_dib.h"
 #include "tests/support/alloc_sweep.h"
 
@@ -21,6 +22,24 @@ std::vector<uint32_t> PicturePixels(MovableHandle image) {
 int32_t PictureWidth(MovableHandle image) {
   ScopedLock lock(image);
   return lock ? reinterpret_cast<const BitmapInfoHeader*>(lock.bytes)->biWidth : -1;
+}
+
+std::vector<uint32_t> RolledPixels(const std::vector<uint32_t>& pixels, int32_t width, int32_t dx,
+                                   int32_t dy) {
+  const int32_t h = static_cast<int32_t>(pixels.size()) / width, w = width;
+  std::vector<uint32_t> out(pixels.size());
+  for (int32_t y = 0; y < h; ++y)
+    for (int32_t x = 0; x < w; ++x)
+      out[static_cast<size_t>(((y + dy) % h + h) % h * w + ((x + dx) % w + w) % w)] =
+          pixels[static_cast<size_t>(y * w + x)];
+  return out;
+}
+
+std::vector<int> RandomSequence(uint32_t seed, int count) {
+  crt::srand(seed);
+  std::vector<int> r;
+  for (int i = 0; i < count; ++i) r.push_back(crt::rand());
+  return r;
 }
 
 BuiltFrames BuildThroughPage(WindowHandle dialog, EffectProcedure build) {

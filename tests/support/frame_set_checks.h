@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "effects/frame_set.h"
+#include "materials/material_button.h"
 #include "platform/dialog.h"
 #include "shell/effect_table.h"
 
@@ -13,6 +14,35 @@
 std::vector<uint32_t> PicturePixels(MovableHandle image);
 // A picture's width, or -1.
 int32_t PictureWidth(MovableHandle image);
+
+// `pixels` of a `width`-wide picture moved by (dx, dy), wrapped at the edges.
+std::vector<uint32_t> RolledPixels(const std::vector<uint32_t>& pixels, int32_t width, int32_t dx,
+                                   int32_t dy);
+// The generator's next `count` results after srand(seed).
+std::vector<int> RandomSequence(uint32_t seed, int count);
+
+// An effect's state prepared from `Settings` over a white fill, released at the end of the scope.
+template <typename State, typename Settings,
+          int (*Prepare)(State*, const Settings*, int32_t, int32_t, Material*),
+          void (*Release)(State*), MovableHandle (*Render)(State*, int32_t)>
+struct PreparedFrameSet {
+  State state{};
+  MovableHandle material;
+  int ok;
+  PreparedFrameSet(const Settings& settings, int32_t width, int32_t height)
+      : material(CreateButtonMaterial(0xFFFFFF)) {
+    ScopedLock m(material);
+    ok = m && Prepare(&state, &settings, width, height, reinterpret_cast<Material*>(m.bytes));
+  }
+  ~PreparedFrameSet() {
+    Release(&state);
+    FreeButtonMaterial(material);
+  }
+  std::vector<uint32_t> Frame(int32_t n) {
+    ScopedBlock image(Render(&state, n));
+    return PicturePixels(image.handle);
+  }
+};
 
 struct BuiltFrames {
   int ok;
@@ -32,10 +62,10 @@ WindowHandle CreateFramePageDialog();
 struct FramePageCase {
   EffectProcedure build, preview;
   const FrameSetEffect* effect;
-  int32_t frames;      // the page's default Frames
-  int32_t seedId;      // the Seed control
-  int32_t densityId;   // the Density control
-  int32_t sizeId;      // the Size control, set to its minimum for the sweep
+  int32_t frames;     // the page's default Frames
+  int32_t seedId;     // the Seed control
+  int32_t densityId;  // the Density control
+  int32_t sizeId;     // the Size control, set to its minimum for the sweep
 };
 
 // The default build's frame count, delays and one canvas for all frames; the sample equals frame

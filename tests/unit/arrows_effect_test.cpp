@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "controls/value_controls.h"
-#include "materials/material_button.h"
 #include "shell/crt_random.h"
 #include "shell/packed_dib.h"
 #include "tests/support/frame_set_checks.h"
@@ -16,39 +15,18 @@ namespace {
 constexpr ArrowsSettings kDefaults = {{0xFF0000, 0x00FF00, 0x00CCFF, 0x0033CC, 0x0066FF},
                                       {0, 1, 1, 1, 1},
                                       {1, 1, 0, 0},
-                                      255, 4, 20, 11234, 255, 4, 96, 50, 128};
+                                      255,
+                                      4,
+                                      20,
+                                      11234,
+                                      255,
+                                      4,
+                                      96,
+                                      50,
+                                      128};
 
-struct Arrows {
-  ArrowsState state{};
-  MovableHandle material;
-  int ok;
-  Arrows(const ArrowsSettings& settings, int32_t width, int32_t height)
-      : material(CreateButtonMaterial(0xFFFFFF)) {
-    ScopedLock m(material);
-    ok = m && PrepareArrowsState(&state, &settings, width, height,
-                                 reinterpret_cast<Material*>(m.bytes));
-  }
-  ~Arrows() {
-    ReleaseArrowsState(&state);
-    FreeButtonMaterial(material);
-  }
-  std::vector<uint32_t> Frame(int32_t n) {
-    ScopedBlock image(RenderArrowsFrame(&state, n));
-    return PicturePixels(image.handle);
-  }
-};
-
-// `pixels` of a w-wide picture moved by (dx, dy) with wrap.
-std::vector<uint32_t> Rolled(const std::vector<uint32_t>& pixels, int32_t w, int32_t dx,
-                             int32_t dy) {
-  const int32_t h = static_cast<int32_t>(pixels.size()) / w;
-  std::vector<uint32_t> out(pixels.size());
-  for (int32_t y = 0; y < h; ++y)
-    for (int32_t x = 0; x < w; ++x)
-      out[static_cast<size_t>(((y + dy) % h + h) % h * w + ((x + dx) % w + w) % w)] =
-          pixels[static_cast<size_t>(y * w + x)];
-  return out;
-}
+using Arrows = PreparedFrameSet<ArrowsState, ArrowsSettings, PrepareArrowsState, ReleaseArrowsState,
+                                RenderArrowsFrame>;
 
 }  // namespace
 
@@ -59,8 +37,8 @@ TEST(Arrows, PreparationDrawsHeadingsLikeColoursAndOnlyWhenThereIsAChoice) {
     int32_t boxes[4];
     int32_t opacity;
     std::vector<int32_t> headings;
-  } cases[] = {{{0, 0, 0, 0}, 255, {1}},          // all clear: left
-               {{0, 0, 0, 1}, 0, {3}},            // one box: no heading draw
+  } cases[] = {{{0, 0, 0, 0}, 255, {1}},  // all clear: left
+               {{0, 0, 0, 1}, 0, {3}},    // one box: no heading draw
                {{1, 0, 1, 1}, 255, {0, 2, 3}}};
   for (const Case& c : cases) {
     SCOPED_TRACE(c.headings.size());
@@ -69,9 +47,7 @@ TEST(Arrows, PreparationDrawsHeadingsLikeColoursAndOnlyWhenThereIsAChoice) {
     s.enabled[2] = s.enabled[3] = s.enabled[4] = 0;  // two colours
     s.density = 5;
     s.shadowOpacity = c.opacity;
-    crt::srand(static_cast<uint32_t>(s.seed));
-    std::vector<int> r;
-    for (int i = 0; i < 200; ++i) r.push_back(crt::rand());
+    const std::vector<int> r = RandomSequence(static_cast<uint32_t>(s.seed), 200);
     Arrows arrows(s, 120, 60);
     ASSERT_EQ(arrows.ok, 1);
     const int next = crt::rand();
@@ -145,13 +121,11 @@ TEST(Arrows, FramesMoveEachHeadingItsWayAndSwayWithPositiveDrift) {
   Arrows a(s, 40, 40);
   ASSERT_EQ(a.ok, 1);
   ASSERT_NE(a.state.arrows[0].shadow, nullptr);
-  const struct {
-    int32_t dx, dy;
-  } moves[4] = {{0, -10}, {-10, 0}, {0, 10}, {10, 0}};
+  const struct { int32_t dx, dy; } moves[4] = {{0, -10}, {-10, 0}, {0, 10}, {10, 0}};
   for (int32_t heading = 0; heading < 4; ++heading) {
     a.state.arrows[0].heading = heading;
     const std::vector<uint32_t> first = a.Frame(0);
-    EXPECT_EQ(a.Frame(1), Rolled(first, 40, moves[heading].dx, moves[heading].dy)) << heading;
+    EXPECT_EQ(a.Frame(1), RolledPixels(first, 40, moves[heading].dx, moves[heading].dy)) << heading;
     EXPECT_EQ(a.Frame(4), first) << "the loop closes";
   }
   // Drift 10 on 40 pixels: amplitude 4; at phase 90 the arrow stands 4 to the right (up and down
@@ -164,7 +138,8 @@ TEST(Arrows, FramesMoveEachHeadingItsWayAndSwayWithPositiveDrift) {
     a.state.arrows[0].heading = b.state.arrows[0].heading = heading;
     a.state.arrows[0].phase = b.state.arrows[0].phase = 90;
     const bool vertical = heading % 2 == 0;
-    EXPECT_EQ(b.Frame(0), Rolled(a.Frame(0), 40, vertical ? 4 : 0, vertical ? 0 : 4)) << heading;
+    EXPECT_EQ(b.Frame(0), RolledPixels(a.Frame(0), 40, vertical ? 4 : 0, vertical ? 0 : 4))
+        << heading;
   }
 }
 
@@ -179,7 +154,7 @@ TEST(ArrowsPage, BuildsThePagesLoopAndTheSampleIsItsFirstFrame) {
       << "upper and left boxes: North and East";
   // Fewer arrows keep the default build quick; the loop length and sizes stay the page's.
   SetDialogItemInt(dialog, 432, 12, 0);
-  CheckFramePage(dialog, {ArrowsEffectBuild, ArrowsEffectPreview, &kArrowsFrameSet, 128, 434, 432,
-                          430});
+  CheckFramePage(dialog,
+                 {ArrowsEffectBuild, ArrowsEffectPreview, &kArrowsFrameSet, 128, 434, 432, 430});
   DialogDestroy(dialog);
 }

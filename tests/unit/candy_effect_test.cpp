@@ -8,7 +8,6 @@
 #include "controls/value_controls.h"
 #include "effects/confetti.h"
 #include "effects/item_shadow.h"
-#include "materials/material_button.h"
 #include "shell/packed_dib.h"
 #include "tests/support/frame_set_checks.h"
 
@@ -17,39 +16,20 @@ namespace {
 constexpr CandySettings kDefaults = {{0xFF0000, 0x00FF00, 0x00CCFF, 0x0033CC, 0x0066FF},
                                      {0, 1, 1, 1, 1},
                                      0x4C4C4C,
-                                     255, 4, 40, 60,
-                                     10646, 255, 2, 4, 64, 28, 64};
+                                     255,
+                                     4,
+                                     40,
+                                     60,
+                                     10646,
+                                     255,
+                                     2,
+                                     4,
+                                     64,
+                                     28,
+                                     64};
 
-struct Candy {
-  CandyState state{};
-  MovableHandle material;
-  int ok;
-  Candy(const CandySettings& settings, int32_t width, int32_t height)
-      : material(CreateButtonMaterial(0xFFFFFF)) {
-    ScopedLock m(material);
-    ok = m && PrepareCandyState(&state, &settings, width, height,
-                                reinterpret_cast<Material*>(m.bytes));
-  }
-  ~Candy() {
-    ReleaseCandyState(&state);
-    FreeButtonMaterial(material);
-  }
-  std::vector<uint32_t> Frame(int32_t n) {
-    ScopedBlock image(RenderCandyFrame(&state, n));
-    return PicturePixels(image.handle);
-  }
-};
-
-std::vector<uint32_t> Rolled(const std::vector<uint32_t>& pixels, int32_t w, int32_t dx,
-                             int32_t dy) {
-  const int32_t h = static_cast<int32_t>(pixels.size()) / w;
-  std::vector<uint32_t> out(pixels.size());
-  for (int32_t y = 0; y < h; ++y)
-    for (int32_t x = 0; x < w; ++x)
-      out[static_cast<size_t>(((y + dy) % h + h) % h * w + ((x + dx) % w + w) % w)] =
-          pixels[static_cast<size_t>(y * w + x)];
-  return out;
-}
+using Candy = PreparedFrameSet<CandyState, CandySettings, PrepareCandyState, ReleaseCandyState,
+                               RenderCandyFrame>;
 
 }  // namespace
 
@@ -108,7 +88,7 @@ TEST(Candy, BlobsScrollTheChosenWayAndSwayWithTheDrift) {
   for (const auto& m : moves) {
     a.state.scroll = m.scroll;
     const std::vector<uint32_t> first = a.Frame(0);
-    EXPECT_EQ(a.Frame(1), Rolled(first, 40, m.dx, m.dy)) << m.scroll;
+    EXPECT_EQ(a.Frame(1), RolledPixels(first, 40, m.dx, m.dy)) << m.scroll;
     EXPECT_EQ(a.Frame(4), first) << "the loop closes";
   }
   // Drift 10 on 40: the sway of 4 at phase 90 is subtracted from the place.
@@ -119,7 +99,8 @@ TEST(Candy, BlobsScrollTheChosenWayAndSwayWithTheDrift) {
     a.state.scroll = b.state.scroll = scroll;
     a.state.items[0].phase = b.state.items[0].phase = 90;
     const bool vertical = scroll == 0 || scroll == 3;
-    EXPECT_EQ(b.Frame(0), Rolled(a.Frame(0), 40, vertical ? -4 : 0, vertical ? 0 : -4)) << scroll;
+    EXPECT_EQ(b.Frame(0), RolledPixels(a.Frame(0), 40, vertical ? -4 : 0, vertical ? 0 : -4))
+        << scroll;
   }
 }
 
@@ -133,7 +114,7 @@ TEST(CandyPage, BuildsThePagesLoopWithTheSoftnessClampedToItsRange) {
   EXPECT_EQ(read.scroll, 2);
   EXPECT_EQ(read.warp, 60);
   SetDialogItemInt(dialog, 850, 12, 0);
-  CheckFramePage(dialog, {CandyEffectBuild, CandyEffectPreview, &kCandyFrameSet, 64, 852, 850,
-                          848});
+  CheckFramePage(dialog,
+                 {CandyEffectBuild, CandyEffectPreview, &kCandyFrameSet, 64, 852, 850, 848});
   DialogDestroy(dialog);
 }

@@ -7,7 +7,6 @@
 
 #include "controls/value_controls.h"
 #include "effects/item_shadow.h"
-#include "materials/material_button.h"
 #include "shell/crt_random.h"
 #include "shell/packed_dib.h"
 #include "tests/support/frame_set_checks.h"
@@ -17,38 +16,18 @@ namespace {
 constexpr ConfettiSettings kDefaults = {{0xFF0000, 0x00FF00, 0x00CCFF, 0x0033CC, 0x0066FF},
                                         {0, 1, 1, 1, 1},
                                         0x4C4C4C,
-                                        255, 4, 20, 10645, 255, 4, 128, 20, 64};
+                                        255,
+                                        4,
+                                        20,
+                                        10645,
+                                        255,
+                                        4,
+                                        128,
+                                        20,
+                                        64};
 
-struct Confetti {
-  ConfettiState state{};
-  MovableHandle material;
-  int ok;
-  Confetti(const ConfettiSettings& settings, int32_t width, int32_t height)
-      : material(CreateButtonMaterial(0xFFFFFF)) {
-    ScopedLock m(material);
-    ok = m && PrepareConfettiState(&state, &settings, width, height,
-                                   reinterpret_cast<Material*>(m.bytes));
-  }
-  ~Confetti() {
-    ReleaseConfettiState(&state);
-    FreeButtonMaterial(material);
-  }
-  std::vector<uint32_t> Frame(int32_t n) {
-    ScopedBlock image(RenderConfettiFrame(&state, n));
-    return PicturePixels(image.handle);
-  }
-};
-
-std::vector<uint32_t> Rolled(const std::vector<uint32_t>& pixels, int32_t w, int32_t dx,
-                             int32_t dy) {
-  const int32_t h = static_cast<int32_t>(pixels.size()) / w;
-  std::vector<uint32_t> out(pixels.size());
-  for (int32_t y = 0; y < h; ++y)
-    for (int32_t x = 0; x < w; ++x)
-      out[static_cast<size_t>(((y + dy) % h + h) % h * w + ((x + dx) % w + w) % w)] =
-          pixels[static_cast<size_t>(y * w + x)];
-  return out;
-}
+using Confetti = PreparedFrameSet<ConfettiState, ConfettiSettings, PrepareConfettiState,
+                                  ReleaseConfettiState, RenderConfettiFrame>;
 
 }  // namespace
 
@@ -62,9 +41,7 @@ TEST(Confetti, PreparationDrawsPositionPhaseAndColourAndEveryDiscHasSideSize) {
     s.size = c.size;
     s.shadowOpacity = c.shadowOpacity;
     s.density = 6;
-    crt::srand(static_cast<uint32_t>(s.seed));
-    std::vector<int> r;
-    for (int i = 0; i < 100; ++i) r.push_back(crt::rand());
+    const std::vector<int> r = RandomSequence(static_cast<uint32_t>(s.seed), 100);
     Confetti confetti(s, 90, 50);
     ASSERT_EQ(confetti.ok, 1);
     const int next = crt::rand();
@@ -129,12 +106,12 @@ TEST(Confetti, DiscsFallAndSwayAsSnowDoes) {
   Confetti a(s, 40, 40);
   ASSERT_EQ(a.ok, 1);
   const std::vector<uint32_t> first = a.Frame(0);
-  EXPECT_EQ(a.Frame(1), Rolled(first, 40, 0, 10));
+  EXPECT_EQ(a.Frame(1), RolledPixels(first, 40, 0, 10));
   EXPECT_EQ(a.Frame(4), first) << "the loop closes";
   s.drift = 10;
   Confetti b(s, 40, 40);
   a.state.items[0].phase = b.state.items[0].phase = 90;
-  EXPECT_EQ(b.Frame(0), Rolled(a.Frame(0), 40, 4, 0));
+  EXPECT_EQ(b.Frame(0), RolledPixels(a.Frame(0), 40, 4, 0));
 }
 
 TEST(ConfettiPage, BuildsThePagesLoopAndPaintsTheTextShadowInTheShadowColour) {
@@ -142,8 +119,8 @@ TEST(ConfettiPage, BuildsThePagesLoopAndPaintsTheTextShadowInTheShadowColour) {
   ASSERT_NE(dialog, nullptr);
   EXPECT_EQ(ConfettiEffectKeyColour(dialog, 0), 0xFFFFFF);
   SetDialogItemInt(dialog, 796, 24, 0);
-  CheckFramePage(dialog, {ConfettiEffectBuild, ConfettiEffectPreview, &kConfettiFrameSet, 64, 798,
-                          796, 794});
+  CheckFramePage(
+      dialog, {ConfettiEffectBuild, ConfettiEffectPreview, &kConfettiFrameSet, 64, 798, 796, 794});
   // A sharp text shadow in a colour nothing but the shadows has, and a single disc.
   SetDialogItemInt(dialog, 772, 0x0000FE, 0);
   SetDialogItemInt(dialog, 796, 1, 0);

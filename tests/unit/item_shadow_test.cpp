@@ -23,8 +23,8 @@ MovableHandle Picture(int32_t w, int32_t h, int32_t bits, F value) {
 TEST(ItemShadow, PadFollowsTheSoftnessBands) {
   struct Case {
     int32_t offset, softness, pad;
-  } cases[] = {{4, 0, 4},  {4, 1, 5},    {4, 9, 5},     {4, 10, 6},  {4, 20, 7},
-               {4, 21, 9}, {4, 40, 13},  {4, 41, 46},   {0, 60, 61}, {0, 61, 306},
+  } cases[] = {{4, 0, 4},     {4, 1, 5},   {4, 9, 5},   {4, 10, 6},  {4, 20, 7},
+               {4, 21, 9},    {4, 40, 13}, {4, 41, 46}, {0, 60, 61}, {0, 61, 306},
                {0, 120, 601}, {7, 30, 14}, {3, -1, -1}};
   for (const Case& c : cases)
     EXPECT_EQ(ItemShadowPad(c.offset, c.softness), c.pad) << c.offset << "/" << c.softness;
@@ -39,8 +39,9 @@ TEST(ItemShadow, SharpShadowsPlaceAndDimTheItemExactly) {
   for (const Case& c : cases) {
     SCOPED_TRACE(c.bits * 10000 + c.offset * 1000 + c.softness);
     auto value = [&c](int32_t x, int32_t y) -> uint32_t {
-      return c.bits == 8 ? static_cast<uint32_t>(40 + 10 * x + y)
-                         : static_cast<uint32_t>(0x408010 + 0x010203 * static_cast<uint32_t>(x + 5 * y));
+      return c.bits == 8
+                 ? static_cast<uint32_t>(40 + 10 * x + y)
+                 : static_cast<uint32_t>(0x408010 + 0x010203 * static_cast<uint32_t>(x + 5 * y));
     };
     ScopedBlock source(Picture(5, 4, c.bits, value));
     if (c.bits == 8) {

@@ -7,7 +7,6 @@
 
 #include "controls/value_controls.h"
 #include "effects/item_shadow.h"
-#include "materials/material_button.h"
 #include "shell/crt_random.h"
 #include "shell/packed_dib.h"
 #include "tests/support/frame_set_checks.h"
@@ -17,27 +16,18 @@ namespace {
 constexpr StarsSettings kDefaults = {{0xFF0000, 0x00FF00, 0x00CCFF, 0x0033CC, 0x0066FF},
                                      {0, 1, 1, 1, 1},
                                      1,
-                                     255, 4, 20, 10647, 255, 4, 68, 48, 64};
+                                     255,
+                                     4,
+                                     20,
+                                     10647,
+                                     255,
+                                     4,
+                                     68,
+                                     48,
+                                     64};
 
-struct Stars {
-  StarsState state{};
-  MovableHandle material;
-  int ok;
-  Stars(const StarsSettings& settings, int32_t width, int32_t height)
-      : material(CreateButtonMaterial(0xFFFFFF)) {
-    ScopedLock m(material);
-    ok = m && PrepareStarsState(&state, &settings, width, height,
-                                reinterpret_cast<Material*>(m.bytes));
-  }
-  ~Stars() {
-    ReleaseStarsState(&state);
-    FreeButtonMaterial(material);
-  }
-  std::vector<uint32_t> Frame(int32_t n) {
-    ScopedBlock image(RenderStarsFrame(&state, n));
-    return PicturePixels(image.handle);
-  }
-};
+using Stars = PreparedFrameSet<StarsState, StarsSettings, PrepareStarsState, ReleaseStarsState,
+                               RenderStarsFrame>;
 
 }  // namespace
 
@@ -52,9 +42,7 @@ TEST(Stars, PreparationDrawsPositionPhaseAndColourOnlyAndSizesStepByStarNumber) 
     s.variableSizes = c.variable;
     s.shadowOpacity = c.opacity;
     s.density = 7;
-    crt::srand(static_cast<uint32_t>(s.seed));
-    std::vector<int> r;
-    for (int i = 0; i < 100; ++i) r.push_back(crt::rand());
+    const std::vector<int> r = RandomSequence(static_cast<uint32_t>(s.seed), 100);
     Stars stars(s, 150, 70);
     ASSERT_EQ(stars.ok, 1);
     const int next = crt::rand();
@@ -143,7 +131,7 @@ TEST(StarsPage, BuildsThePagesLoopAndTheSampleIsItsFirstFrame) {
   EXPECT_EQ(read.softness, 20);
   EXPECT_EQ(read.shadowOffset, 4);
   SetDialogItemInt(dialog, 250, 12, 0);
-  CheckFramePage(dialog, {StarsEffectBuild, StarsEffectPreview, &kStarsFrameSet, 64, 252, 250,
-                          248});
+  CheckFramePage(dialog,
+                 {StarsEffectBuild, StarsEffectPreview, &kStarsFrameSet, 64, 252, 250, 248});
   DialogDestroy(dialog);
 }
