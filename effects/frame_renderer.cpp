@@ -65,14 +65,15 @@ int ReadFrameSettings(WindowHandle dialog, const FramePageIds* ids, int32_t samp
   settings->outlineColour = GetDialogItemInt(dialog, ids->outline, &translated, 0);
   settings->sample = sample;
   settings->fill = ids->fill ? MaterialForButton(DialogItem(dialog, ids->fill)) : nullptr;
-  settings->shadow = MaterialForButton(DialogItem(dialog, ids->shadow));
+  settings->shadow = ids->shadow ? MaterialForButton(DialogItem(dialog, ids->shadow)) : nullptr;
   WindowHandle background = DialogItem(dialog, ids->background);
   const bool plain = DialogControlKind(background) == kControlColourButton;
   if (plain)
     settings->backgroundColour = GetDialogItemInt(dialog, ids->background, &translated, 0);
   else
     settings->background = MaterialForButton(background);
-  if ((settings->fill || !ids->fill) && settings->shadow && (plain || settings->background))
+  if ((settings->fill || !ids->fill) && (settings->shadow || !ids->shadow) &&
+      (plain || settings->background))
     return 1;
   ReleaseFrameSettings(dialog, ids);
   return 0;

@@ -29,7 +29,8 @@ struct FrameSettings {
 
 // The ids a page reads for the common steps (the main dialog's ids are the same for every page).
 // A page whose fill comes from elsewhere (a frame set) has no Fill material and no Fill opacity:
-// it gives 0 for `fill` and `fillOpacity`, and the fill is then drawn at full level, 255.
+// it gives 0 for `fill` and `fillOpacity`, and the fill is then drawn at full level, 255. A page
+// whose shadow is a plain colour gives 0 for `shadow` and makes `shadowImage` itself.
 struct FramePageIds {
   int32_t fill, shadow;  // material buttons
   int32_t background;    // a material button, or a colour button for a plain background

@@ -7,6 +7,7 @@
 #include "controls/value_controls.h"
 #include "effects/frame_loop.h"
 #include "shell/packed_dib.h"
+#include "text/text_mask.h"
 
 namespace {
 
@@ -31,6 +32,16 @@ int FillFrameSlots(FrameParams* params, const FrameSetEffect* effect, void* stat
       MovableFree(image);  // no slot left for it
   }
   return 1;
+}
+
+// The shadow's picture: the Shadow material, or a plain field of the Shadow colour.
+int ShadowLayerImage(TextFrame* frame, WindowHandle dialog, const FrameSetEffect* effect) {
+  if (!effect->shadowColourId) return ShadowMaterialStep(frame);
+  if (!frame->settings->text.shadowEnabled) return 1;
+  int translated;
+  const uint32_t colour = GetDialogItemInt(dialog, effect->shadowColourId, &translated, 0);
+  frame->shadowImage = FilledImage(0, 0, frame->width, frame->height, colour);
+  return frame->shadowImage != nullptr;
 }
 
 }  // namespace
@@ -88,8 +99,9 @@ MovableHandle RenderFrameSetFrame(BuildContext* context, const FrameSetEffect* e
   // The text and its shadow stand at their place of rest in every frame; only the fill moves.
   if (BeginTextFrame(context->dialog, &settings, &frame) && BackgroundStep(&frame)) {
     frame.fillImage = FrameSetFillImage(params, effect, context->dialog, frame.width, frame.height);
-    if (frame.fillImage && ShadowMaterialStep(&frame) && AlphaPlaneStep(&frame) &&
-        ShadowStep(&frame, 0, 0) && FillStep(&frame, 0, 0) && OutlineStep(&frame, 0, 0))
+    if (frame.fillImage && ShadowLayerImage(&frame, context->dialog, effect) &&
+        AlphaPlaneStep(&frame) && ShadowStep(&frame, 0, 0) && FillStep(&frame, 0, 0) &&
+        OutlineStep(&frame, 0, 0))
       result = FinishFrameStep(&frame);
   }
   EndTextFrame(&frame);

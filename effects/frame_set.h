@@ -51,6 +51,9 @@ struct FrameSetEffect {
   FrameSetPrepare prepare;
   FrameSetFrame frame;
   FrameSetRelease release;
+  // 0: the text shadow is painted from the page's Shadow material. Else the id of a colour button
+  // (with `ids.shadow` 0) whose colour paints it.
+  int32_t shadowColourId;
 };
 
 // The frame builder: allocates `frameCount` slots, prepares the state and stores frames 0 to

@@ -9,6 +9,7 @@
 
 #include "controls/value_controls.h"
 #include "effects/key_colour.h"
+#include "effects/item_choice.h"
 #include "effects/wrapping_stamp.h"
 #include "imaging/resampler.h"
 #include "materials/material_button.h"
@@ -128,10 +129,7 @@ int PrepareSnowState(SnowState* state, const SnowSettings* settings, int32_t wid
   state->size = settings->size;
   state->drift = settings->drift;
   crt::srand(static_cast<uint32_t>(settings->seed));
-  state->colors[0] = settings->colors[0];
-  state->colorCount = 1;
-  for (int i = 1; i < 5; ++i)
-    if (settings->enabled[i]) state->colors[state->colorCount++] = settings->colors[i];
+  state->colorCount = CollectItemColours(settings->colors, settings->enabled, state->colors);
 
   state->flakeCount = settings->density;
   if (state->flakeCount < 1) return 0;
@@ -151,16 +149,7 @@ int PrepareSnowState(SnowState* state, const SnowSettings* settings, int32_t wid
     flake.alpha = 255;
     flake.phase = static_cast<float>(crt::rand() % 360);
     flake.opacity = settings->fillOpacity;
-    int32_t index = 0;
-    if (state->colorCount >= 2) {
-      // Up to 16 draws for a colour other than the last flake's; after that the equal one stands.
-      for (int tries = 0; tries < 16; ++tries) {
-        index = crt::rand() % state->colorCount;
-        if (index != last) break;
-      }
-    }
-    last = index;
-    flake.color = state->colors[index];
+    flake.color = state->colors[DrawItemIndex(state->colorCount, &last)];
     flake.image = DrawSnowFlake(flake.size);
     if (!flake.image) return 0;
   }
@@ -247,6 +236,7 @@ const FrameSetEffect kSnowFrameSet = {
     PrepareSnow,
     SnowFrame,
     ReleaseSnow,
+    0,
 };
 
 int SnowEffectPreview(BuildContext* context) {

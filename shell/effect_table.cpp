@@ -5,10 +5,14 @@
 #include <cstring>
 
 #include "controls/page_tables.h"
+#include "effects/arrows.h"
+#include "effects/candy.h"
+#include "effects/confetti.h"
 #include "effects/heartbeat.h"
 #include "effects/rattle.h"
 #include "effects/simple.h"
 #include "effects/snow.h"
+#include "effects/stars.h"
 #include "effects/tracks.h"
 #include "effects/waterside.h"
 #include "shell/effect_pages.h"
@@ -17,9 +21,12 @@
 // stored in settings and documents and must not move. Every row makes its page with the shared
 // init procedure; preview, build and key colour stay null until an effect is built.
 const EffectEntry EffectTable[kEffectCount] = {
-    {"Arrows", EffectPageInit<7>, nullptr, nullptr, nullptr, kPageIds<7>.data(), nullptr},
-    {"Candy", EffectPageInit<17>, nullptr, nullptr, nullptr, kPageIds<17>.data(), nullptr},
-    {"Confetti", EffectPageInit<16>, nullptr, nullptr, nullptr, kPageIds<16>.data(), nullptr},
+    {"Arrows", EffectPageInit<7>, ArrowsEffectPreview, ArrowsEffectBuild, ArrowsEffectKeyColour,
+     kPageIds<7>.data(), nullptr},
+    {"Candy", EffectPageInit<17>, CandyEffectPreview, CandyEffectBuild, CandyEffectKeyColour,
+     kPageIds<17>.data(), nullptr},
+    {"Confetti", EffectPageInit<16>, ConfettiEffectPreview, ConfettiEffectBuild,
+     ConfettiEffectKeyColour, kPageIds<16>.data(), nullptr},
     {"Diagonal Fuse", EffectPageInit<12>, nullptr, nullptr, nullptr, kPageIds<12>.data(), nullptr},
     {"Heartbeat", EffectPageInit<10>, PreviewHeartbeat, BuildHeartbeat, HeartbeatBackground,
      kPageIds<10>.data(), nullptr},
@@ -35,7 +42,8 @@ const EffectEntry EffectTable[kEffectCount] = {
      kPageIds<0>.data(), nullptr},
     {"Snow", EffectPageInit<2>, SnowEffectPreview, SnowEffectBuild, SnowEffectKeyColour,
      kPageIds<2>.data(), nullptr},
-    {"Stars", EffectPageInit<3>, nullptr, nullptr, nullptr, kPageIds<3>.data(), nullptr},
+    {"Stars", EffectPageInit<3>, StarsEffectPreview, StarsEffectBuild, StarsEffectKeyColour,
+     kPageIds<3>.data(), nullptr},
     {"Tracks", EffectPageInit<15>, TracksEffectPreview, TracksEffectBuild, TracksEffectKeyColour,
      kPageIds<15>.data(), nullptr},
     {"Tram Lines", EffectPageInit<20>, nullptr, nullptr, nullptr, kPageIds<20>.data(), nullptr},

@@ -42,7 +42,7 @@ MovableHandle FakeFrame(void* state, int32_t n) {
 void FakeRelease(void*) {
   ++calls.released;
 }
-const FrameSetEffect kFake = {{}, 0, sizeof(int32_t), FakePrepare, FakeFrame, FakeRelease};
+const FrameSetEffect kFake = {{}, 0, sizeof(int32_t), FakePrepare, FakeFrame, FakeRelease, 0};
 
 MovableHandle RenderFill(void*, BuildContext* context) {
   return FrameSetFillImage(static_cast<FrameParams*>(context->params), &kFake, nullptr, 2, 1);
