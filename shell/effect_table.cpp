@@ -5,8 +5,12 @@
 #include <cstring>
 
 #include "controls/page_tables.h"
+#include "effects/machine.h"
+#include "effects/neural_network.h"
+#include "effects/quark.h"
 #include "effects/simple.h"
 #include "effects/snow.h"
+#include "effects/wavelet.h"
 #include "shell/effect_pages.h"
 #include "shell/host_interface.h"
 
@@ -20,9 +24,12 @@ const EffectEntry EffectTable[kEffectCount] = {
     {"Diagonal Fuse", EffectPageInit<12>, nullptr, nullptr, nullptr, kPageIds<12>.data(), nullptr},
     {"Heartbeat", EffectPageInit<10>, nullptr, nullptr, nullptr, kPageIds<10>.data(), nullptr},
     {"Omni", EffectPageInit<11>, nullptr, nullptr, nullptr, kPageIds<11>.data(), nullptr},
-    {"Machine", EffectPageInit<4>, nullptr, nullptr, nullptr, kPageIds<4>.data(), nullptr},
-    {"Neural Network", EffectPageInit<6>, nullptr, nullptr, nullptr, kPageIds<6>.data(), nullptr},
-    {"Quark", EffectPageInit<5>, nullptr, nullptr, nullptr, kPageIds<5>.data(), nullptr},
+    {"Machine", EffectPageInit<4>, MachineEffectPreview, MachineEffectBuild, MachineEffectKeyColour,
+     kPageIds<4>.data(), nullptr},
+    {"Neural Network", EffectPageInit<6>, NeuralNetworkEffectPreview, NeuralNetworkEffectBuild,
+     NeuralNetworkEffectKeyColour, kPageIds<6>.data(), nullptr},
+    {"Quark", EffectPageInit<5>, QuarkEffectPreview, QuarkEffectBuild, QuarkEffectKeyColour,
+     kPageIds<5>.data(), nullptr},
     {"Quark Outline", EffectPageInit<13>, nullptr, nullptr, nullptr, kPageIds<13>.data(), nullptr},
     {"Rattle", EffectPageInit<18>, nullptr, nullptr, nullptr, kPageIds<18>.data(), nullptr},
     {"Ring", EffectPageInit<1>, nullptr, nullptr, nullptr, kPageIds<1>.data(), nullptr},
@@ -35,7 +42,8 @@ const EffectEntry EffectTable[kEffectCount] = {
     {"Tram Lines", EffectPageInit<20>, nullptr, nullptr, nullptr, kPageIds<20>.data(), nullptr},
     {"Unplugged TV", EffectPageInit<19>, nullptr, nullptr, nullptr, kPageIds<19>.data(), nullptr},
     {"Waterside", EffectPageInit<8>, nullptr, nullptr, nullptr, kPageIds<8>.data(), nullptr},
-    {"Wavelet", EffectPageInit<9>, nullptr, nullptr, nullptr, kPageIds<9>.data(), nullptr},
+    {"Wavelet", EffectPageInit<9>, WaveletEffectPreview, WaveletEffectBuild, WaveletEffectKeyColour,
+     kPageIds<9>.data(), nullptr},
     {"Zipper", EffectPageInit<14>, nullptr, nullptr, nullptr, kPageIds<14>.data(), nullptr},
 };
 
