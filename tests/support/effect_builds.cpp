@@ -4,6 +4,7 @@
 
 #include "controls/page_setup.h"
 #include "controls/value_controls.h"
+#include "documents/settings.h"
 #include "shell/packed_dib.h"
 
 Pixels PicturePixels(MovableHandle image) {
@@ -55,6 +56,7 @@ Pixels PreviewEffectPixels(EffectPreview preview, WindowHandle dialog) {
 
 WindowHandle SmallEffectDialog(std::initializer_list<int32_t> materials,
                                std::initializer_list<uint32_t> colours) {
+  ResetSettings();  // earlier tests may have left the settings elsewhere
   WindowHandle dialog = CreateValueDialog();
   if (!dialog) return nullptr;
   const uint32_t* colour = colours.begin();

@@ -25,7 +25,7 @@ Pixels PicturePixels(MovableHandle image);
 BuiltFrames BuildEffectFrames(EffectBuild build, WindowHandle dialog);
 // The sample's pixels; the preview must return 1 and set only the preview flag.
 Pixels PreviewEffectPixels(EffectPreview preview, WindowHandle dialog);
-// A value dialog whose material buttons `materials` hold solid materials (`colours` in turn) and
+// A value dialog on default settings whose material buttons `materials` hold solid materials (`colours` in turn) and
 // whose font is small, so that builds stay quick. Null on failure.
 WindowHandle SmallEffectDialog(std::initializer_list<int32_t> materials,
                                std::initializer_list<uint32_t> colours);
