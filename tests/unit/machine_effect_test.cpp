@@ -36,7 +36,7 @@ TEST(Machine, RotationGivesOneTurnOfFramesAndTheTileFollowsTheSize) {
   for (const Case& c : turns) EXPECT_EQ(RotationFrameCount(c.rotation), c.frames) << c.rotation;
   struct Size {
     int32_t size, tile;
-  } sizes[] = {{16, 22}, {48, 66}, {1024, 1448}};
+  } sizes[] = {{16, 22}, {48, 66}, {101, 142}};
   for (const Size& c : sizes) {
     MachineSettings s = kDefaults;
     s.size = c.size;
