@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "controls/value_controls.h"
+#include "effects/item_colours.h"
 #include "effects/wrapping_stamp.h"
 #include "imaging/resampler.h"
 #include "materials/material_button.h"
@@ -150,16 +151,7 @@ int PrepareSnowState(SnowState* state, const SnowSettings* settings, int32_t wid
     flake.alpha = 255;
     flake.phase = static_cast<float>(crt::rand() % 360);
     flake.opacity = settings->fillOpacity;
-    int32_t index = 0;
-    if (state->colorCount >= 2) {
-      // Up to 16 draws for a colour other than the last flake's; after that the equal one stands.
-      for (int tries = 0; tries < 16; ++tries) {
-        index = crt::rand() % state->colorCount;
-        if (index != last) break;
-      }
-    }
-    last = index;
-    flake.color = state->colors[index];
+    flake.color = state->colors[PickItemColour(state->colorCount, &last)];
     flake.image = DrawSnowFlake(flake.size);
     if (!flake.image) return 0;
   }
