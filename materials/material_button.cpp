@@ -38,6 +38,14 @@ Material* MaterialForButton(WindowHandle button) {
   return static_cast<Material*>(MovableLock(handle));
 }
 
+uint32_t ButtonSolidColour(WindowHandle button, uint32_t fallback) {
+  const Material* material = MaterialForButton(button);
+  if (!material) return fallback;
+  const uint32_t colour = material->solidColour;
+  MovableUnlock(ButtonMaterialHandle(button));
+  return colour;
+}
+
 MovableHandle DuplicateButtonMaterial(MovableHandle material) {
   ScopedBlock copy(CopyMovableBlock(material));
   ScopedLock lock(copy.handle);

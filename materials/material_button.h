@@ -35,6 +35,9 @@ MovableHandle ButtonMaterialHandle(WindowHandle button);
 // The button's Material, locked, or null when it has none. The caller unlocks
 // ButtonMaterialHandle(button) when finished.
 Material* MaterialForButton(WindowHandle button);
+// The Simple colour of the button's Material, for pages that read a material as one colour;
+// `fallback` when the button has none.
+uint32_t ButtonSolidColour(WindowHandle button, uint32_t fallback);
 
 // A copy of the record in a new block for an editor or another button: `preview` cleared,
 // `tileImage` duplicated. Null when memory fails.

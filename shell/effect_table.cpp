@@ -9,12 +9,16 @@
 #include "effects/candy.h"
 #include "effects/confetti.h"
 #include "effects/heartbeat.h"
+#include "effects/machine.h"
+#include "effects/neural_network.h"
+#include "effects/quark.h"
 #include "effects/rattle.h"
 #include "effects/simple.h"
 #include "effects/snow.h"
 #include "effects/stars.h"
 #include "effects/tracks.h"
 #include "effects/waterside.h"
+#include "effects/wavelet.h"
 #include "shell/effect_pages.h"
 
 // Rows in alphabetical order of the names but for Omni, which stands ahead of Machine: the index is
@@ -31,9 +35,12 @@ const EffectEntry EffectTable[kEffectCount] = {
     {"Heartbeat", EffectPageInit<10>, PreviewHeartbeat, BuildHeartbeat, HeartbeatBackground,
      kPageIds<10>.data(), nullptr},
     {"Omni", EffectPageInit<11>, nullptr, nullptr, nullptr, kPageIds<11>.data(), nullptr},
-    {"Machine", EffectPageInit<4>, nullptr, nullptr, nullptr, kPageIds<4>.data(), nullptr},
-    {"Neural Network", EffectPageInit<6>, nullptr, nullptr, nullptr, kPageIds<6>.data(), nullptr},
-    {"Quark", EffectPageInit<5>, nullptr, nullptr, nullptr, kPageIds<5>.data(), nullptr},
+    {"Machine", EffectPageInit<4>, MachineEffectPreview, MachineEffectBuild, MachineEffectKeyColour,
+     kPageIds<4>.data(), nullptr},
+    {"Neural Network", EffectPageInit<6>, NeuralNetworkEffectPreview, NeuralNetworkEffectBuild,
+     NeuralNetworkEffectKeyColour, kPageIds<6>.data(), nullptr},
+    {"Quark", EffectPageInit<5>, QuarkEffectPreview, QuarkEffectBuild, QuarkEffectKeyColour,
+     kPageIds<5>.data(), nullptr},
     {"Quark Outline", EffectPageInit<13>, nullptr, nullptr, nullptr, kPageIds<13>.data(), nullptr},
     {"Rattle", EffectPageInit<18>, PreviewRattle, BuildRattle, RattleBackground,
      kPageIds<18>.data(), nullptr},
@@ -50,7 +57,8 @@ const EffectEntry EffectTable[kEffectCount] = {
     {"Unplugged TV", EffectPageInit<19>, nullptr, nullptr, nullptr, kPageIds<19>.data(), nullptr},
     {"Waterside", EffectPageInit<8>, WatersideEffectPreview, WatersideEffectBuild,
      WatersideEffectKeyColour, kPageIds<8>.data(), nullptr},
-    {"Wavelet", EffectPageInit<9>, nullptr, nullptr, nullptr, kPageIds<9>.data(), nullptr},
+    {"Wavelet", EffectPageInit<9>, WaveletEffectPreview, WaveletEffectBuild, WaveletEffectKeyColour,
+     kPageIds<9>.data(), nullptr},
     {"Zipper", EffectPageInit<14>, nullptr, nullptr, nullptr, kPageIds<14>.data(), nullptr},
 };
 

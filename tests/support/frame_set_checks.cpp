@@ -9,16 +9,6 @@
 #include "shell/packed_dib.h"
 #include "tests/support/alloc_sweep.h"
 
-std::vector<uint32_t> PicturePixels(MovableHandle image) {
-  std::vector<uint32_t> pixels;
-  ScopedLock lock(image);
-  if (!lock) return pixels;
-  const BitmapInfoHeader* h = reinterpret_cast<const BitmapInfoHeader*>(lock.bytes);
-  for (int32_t y = 0; y < h->biHeight; ++y)
-    for (int32_t x = 0; x < h->biWidth; ++x) pixels.push_back(ReadDibPixel(lock.bytes, x, y));
-  return pixels;
-}
-
 int32_t PictureWidth(MovableHandle image) {
   ScopedLock lock(image);
   return lock ? reinterpret_cast<const BitmapInfoHeader*>(lock.bytes)->biWidth : -1;
@@ -40,36 +30,6 @@ std::vector<int> RandomSequence(uint32_t seed, int count) {
   std::vector<int> r;
   for (int i = 0; i < count; ++i) r.push_back(crt::rand());
   return r;
-}
-
-BuiltFrames BuildThroughPage(WindowHandle dialog, EffectProcedure build) {
-  FrameList list{};
-  BuildContext context{};
-  context.dialog = dialog;
-  context.frames = &list;
-  BuiltFrames b{};
-  b.ok = build(&context);
-  b.flags = context.flags;
-  {
-    ScopedLock lock(list.records);
-    for (int32_t i = 0; lock && i < list.count; ++i) {
-      const FrameRecord& r = reinterpret_cast<const FrameRecord*>(lock.bytes)[i];
-      b.frames.push_back(PicturePixels(r.image));
-      b.delays.push_back(r.delay);
-    }
-  }
-  FreeFrameList(&list);
-  return b;
-}
-
-std::vector<uint32_t> PreviewThroughPage(WindowHandle dialog, EffectProcedure preview) {
-  BuildContext context{};
-  context.dialog = dialog;
-  context.sample = 1;
-  EXPECT_EQ(preview(&context), 1);
-  EXPECT_EQ(context.flags, kBuildFlagPreview);
-  ScopedBlock image(context.image);
-  return PicturePixels(image.handle);
 }
 
 WindowHandle CreateFramePageDialog() {
@@ -102,17 +62,17 @@ int32_t Value(WindowHandle dialog, int32_t id) {
 
 void CheckFramePage(WindowHandle dialog, const FramePageCase& c) {
   const int32_t delay = ReadDlgValue(dialog, 11);
-  const BuiltFrames standard = BuildThroughPage(dialog, c.build);
+  const BuiltFrames standard = BuildEffectFrames(c.build, dialog);
   ASSERT_EQ(standard.ok, 1);
   EXPECT_EQ(standard.flags & kBuildFlagBuild, kBuildFlagBuild);
   ASSERT_EQ(standard.frames.size(), static_cast<size_t>(c.frames)) << "the default Frames";
   EXPECT_EQ(standard.delays, std::vector<int32_t>(static_cast<size_t>(c.frames), delay));
-  const std::vector<uint32_t> sample = PreviewThroughPage(dialog, c.preview);
+  const std::vector<uint32_t> sample = PreviewEffectPixels(c.preview, dialog);
   EXPECT_EQ(sample, standard.frames[0]) << "the sample is frame 0 of the loop";
   for (const std::vector<uint32_t>& frame : standard.frames)
     EXPECT_EQ(frame.size(), sample.size()) << "one canvas for every frame";
   EXPECT_NE(standard.frames[0], standard.frames[static_cast<size_t>(c.frames / 2)]);
-  EXPECT_EQ(BuildThroughPage(dialog, c.build).frames, standard.frames)
+  EXPECT_EQ(BuildEffectFrames(c.build, dialog).frames, standard.frames)
       << "the same settings, the same bytes";
 
   struct Change {
@@ -130,7 +90,7 @@ void CheckFramePage(WindowHandle dialog, const FramePageCase& c) {
     SCOPED_TRACE(change.id);
     const int32_t old = Value(dialog, change.id);
     SetValue(dialog, change.id, change.value);
-    const BuiltFrames b = BuildThroughPage(dialog, c.build);
+    const BuiltFrames b = BuildEffectFrames(c.build, dialog);
     EXPECT_EQ(b.ok, 1);
     EXPECT_EQ(b.delays, std::vector<int32_t>(change.frames, change.delay));
     if (!b.frames.empty()) {

@@ -9,9 +9,8 @@
 #include "materials/material_button.h"
 #include "platform/dialog.h"
 #include "shell/effect_table.h"
+#include "tests/support/effect_builds.h"
 
-// A picture's pixels, row by row from the top; empty for a null or unlockable handle.
-std::vector<uint32_t> PicturePixels(MovableHandle image);
 // A picture's width, or -1.
 int32_t PictureWidth(MovableHandle image);
 
@@ -44,17 +43,7 @@ struct PreparedFrameSet {
   }
 };
 
-struct BuiltFrames {
-  int ok;
-  uint32_t flags;
-  std::vector<std::vector<uint32_t>> frames;
-  std::vector<int32_t> delays;
-};
-
 typedef int (*EffectProcedure)(BuildContext* context);
-
-BuiltFrames BuildThroughPage(WindowHandle dialog, EffectProcedure build);
-std::vector<uint32_t> PreviewThroughPage(WindowHandle dialog, EffectProcedure preview);
 
 // A page dialog with every control at its default, the material buttons made, and a small font.
 WindowHandle CreateFramePageDialog();

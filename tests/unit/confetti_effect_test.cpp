@@ -128,7 +128,7 @@ TEST(ConfettiPage, BuildsThePagesLoopAndPaintsTheTextShadowInTheShadowColour) {
   int32_t counts[2];
   for (int on = 0; on < 2; ++on) {
     DialogSetCheck(DialogItem(dialog, 788), on);
-    const std::vector<uint32_t> sample = PreviewThroughPage(dialog, ConfettiEffectPreview);
+    const std::vector<uint32_t> sample = PreviewEffectPixels(ConfettiEffectPreview, dialog);
     counts[on] = static_cast<int32_t>(std::count(sample.begin(), sample.end(), 0x0000FEu));
   }
   EXPECT_GT(counts[1], counts[0] + 50) << "the text shadow is painted in the Shadow colour";

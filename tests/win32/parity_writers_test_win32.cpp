@@ -1,11 +1,12 @@
-// Renders the shape, mask, Simple and Snow scenes through GDI and GDI+ and writes them to the
-// folder "parity" for the native comparison in tests/parity.
+// Renders the shape, mask, Simple, Snow and frame-set fill scenes through GDI and GDI+ and writes
+// them to the folder "parity" for the native comparison in tests/parity.
 #include <windows.h>
 
 #include <string>
 
 #include <gtest/gtest.h>
 
+#include "tests/support/frame_set_scenes.h"
 #include "tests/support/mask_scenes.h"
 #include "tests/support/parity_files.h"
 #include "tests/support/shape_scenes.h"
@@ -35,6 +36,12 @@ TEST(Parity, WritesEveryShapeMaskAndSimpleFrame) {
   for (size_t i = 0; i < frames.size(); ++i) {
     ScopedBlock image(frames[i].image);
     EXPECT_TRUE(WriteParityFile("parity/simple-" + std::to_string(i) + ".dib", image.handle));
+  }
+  for (int32_t i = 0; i < kFrameSetSceneCount; ++i) {
+    ScopedBlock image(RenderFrameSetScene(i));
+    EXPECT_TRUE(WriteParityFile(std::string("parity/fill-") + kFrameSetScenes[i].name + ".dib",
+                                image.handle))
+        << kFrameSetScenes[i].name;
   }
 }
 

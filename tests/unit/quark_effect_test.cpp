@@ -1,0 +1,101 @@
+#include "effects/quark.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "controls/value_controls.h"
+#include "shell/crt_random.h"
+#include "tests/support/alloc_sweep.h"
+#include "tests/support/effect_builds.h"
+
+// Rows of the Rotation list: -60 is row 0, -1 row 16, 6 row 22, 12 row 26.
+
+namespace {
+
+Pixels Frame(const QuarkState& state, int32_t f) {
+  ScopedBlock image(RenderQuarkFrame(&state, f));
+  return PicturePixels(image.handle);
+}
+
+}  // namespace
+
+TEST(Quark, TheRainbowAndTheTurnAboutTheCentre) {
+  FountainGradient rainbow;
+  std::memset(&rainbow, 0xAB, sizeof(rainbow));
+  BuiltInRainbow(&rainbow);
+  const FountainMarker markers[7] = {0x20FF0000, 0x40FFFF00, 0x6000FF00, 0x8000FFFF,
+                                     0xA00000FF, 0xC0FF00FF, 0xE0CC0099};
+  EXPECT_EQ(std::memcmp(rainbow.magic, "COBLFOUN", 8), 0);
+  EXPECT_EQ(rainbow.version, 0x04000001u);
+  EXPECT_EQ(rainbow.size, 585u);
+  EXPECT_EQ(rainbow.flags, 0u);
+  EXPECT_EQ(rainbow.markerCount, 7u);
+  EXPECT_EQ(rainbow.leftColour, 0u);
+  EXPECT_EQ(rainbow.rightColour & 0xFFFFFF, 0xFFFFFFu);
+  EXPECT_EQ(std::memcmp(rainbow.markers, markers, sizeof(markers)), 0);
+
+  // The frame is the gradient of the turned description, the angle never reduced to one turn.
+  QuarkState state{};
+  state.width = 40;
+  state.height = 30;
+  state.centreX = -6;
+  state.centreY = 0;
+  state.initialRotation = 359;
+  state.rotation = 60;
+  GradientSpec spec{};
+  spec.type = kGradientConical;
+  spec.centreX = -6;
+  spec.midpoint = 50;
+  for (int32_t f : {0, 5}) {
+    spec.rotation = 359 + 60 * f;
+    ScopedBlock reference(MakeGradientImage(40, 30, &spec, &rainbow));
+    EXPECT_EQ(Frame(state, f), PicturePixels(reference.handle)) << f;
+  }
+  EXPECT_NE(Frame(state, 1), Frame(state, 0));
+  state.rotation = 6;
+  state.initialRotation = 0;
+  EXPECT_EQ(Frame(state, 60), Frame(state, 0)) << "one turn";
+}
+
+TEST(QuarkPage, BuildsOneTurnAndTheSampleIsItsFirstFrame) {
+  WindowHandle dialog = SmallEffectDialog({320, 322}, {0x7F7F7F, 0xFFFFFF});
+  ASSERT_NE(dialog, nullptr);
+  EXPECT_EQ(QuarkEffectKeyColour(dialog, 0), 0xFFFFFF);
+  const int32_t delay = ReadDlgValue(dialog, 11);
+  crt::srand(5);
+  const BuiltFrames standard = BuildEffectFrames(QuarkEffectBuild, dialog);
+  ASSERT_EQ(standard.ok, 1);
+  ASSERT_EQ(standard.frames.size(), 60u);
+  EXPECT_EQ(standard.delays, std::vector<int32_t>(60, delay));
+  EXPECT_EQ(PreviewEffectPixels(QuarkEffectPreview, dialog), standard.frames[0]);
+  crt::srand(6);
+  EXPECT_EQ(BuildEffectFrames(QuarkEffectBuild, dialog).frames, standard.frames);
+
+  SelectComboRow(dialog, 338, 26);
+  const BuiltFrames twelve = BuildEffectFrames(QuarkEffectBuild, dialog);
+  ASSERT_EQ(twelve.frames.size(), 30u);
+  for (size_t k : {1u, 14u, 29u}) EXPECT_EQ(twelve.frames[k], standard.frames[2 * k]) << k;
+  SelectComboRow(dialog, 338, 16);
+  EXPECT_EQ(BuildEffectFrames(QuarkEffectBuild, dialog).frames.size(), 360u);
+  SelectComboRow(dialog, 338, 22);
+  // The offsets move the cone's centre; the initial rotation is frame 0's angle.
+  SetDialogItemInt(dialog, 340, 1, 0);
+  EXPECT_NE(PreviewEffectPixels(QuarkEffectPreview, dialog), standard.frames[0]);
+  SetDialogItemInt(dialog, 340, 47, 0);
+  SetDialogItemInt(dialog, 344, 12, 0);
+  EXPECT_EQ(PreviewEffectPixels(QuarkEffectPreview, dialog), standard.frames[2]);
+  DialogSetCheck(DialogItem(dialog, 22), 0);
+  const BuiltFrames still = BuildEffectFrames(QuarkEffectBuild, dialog);
+  ASSERT_EQ(still.frames.size(), 1u);
+  EXPECT_EQ(still.frames[0], standard.frames[2]);
+
+  EXPECT_TRUE(SweepAllocationFailures([dialog] {
+    FrameParams params{};
+    params.frameCount = 2;
+    const int ok = BuildFrameSet(&params, &kQuarkFrameSet, dialog, 30, 20);
+    FreeFrameSet(&params);
+    return ok;
+  }));
+  DialogDestroy(dialog);
+}
