@@ -5,13 +5,17 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstring>
 #include <strings.h>
 #include <vector>
 
 #include "cli/dialog_state.h"
 #include "cli/inprocess_host.h"
 #include "cli/settings_command.h"
+#include "controls/value_controls.h"
 #include "host/writers/animation_output.h"
+#include "host/writers/webp_writer.h"
+#include "platform/posix/font_list_posix.h"
 #include "shell/build_pipeline.h"
 #include "shell/effect_table.h"
 #include "shell/main_dialog_ids.h"
@@ -39,8 +43,9 @@ struct RunDialog {
   }
 };
 
-// The shared start of both commands: the arguments' form, the output's type, the settings and
-// the dialog with the document and the options applied.
+// The shared start of both commands: the arguments' form, the output's type and place, the
+// settings and the dialog with the document and the options applied. All that can be known to
+// fail is refused here, before anything is rendered.
 int PrepareRun(const CommandLine& line, const char* command, OutputKind wanted, RunDialog* run,
                std::string* error) {
   const std::string name = command;
@@ -51,15 +56,30 @@ int PrepareRun(const CommandLine& line, const char* command, OutputKind wanted, 
       (document.size() < 4 || strcasecmp(document.c_str() + document.size() - 4, ".gm5") != 0))
     return *error = "not an effect document: " + document + " (expected .gm5)", 0;
   if (line.output.empty()) return *error = name + " needs an output: -o OUT", 0;
-  const OutputKind kind = OutputKindForPath(line.output);
+  const OutputKind kind = OutputKindFor(line.output, line.format);
   if (kind == OutputUnknown || (wanted != OutputUnknown && kind != wanted))
     return *error = "unknown output type: " + line.output +
                     (wanted == OutputPng ? " (a sample is written as .png)"
                                          : " (use .gif, .webp, .png or a folder)"),
            0;
+  if (line.frame != -1 && (wanted == OutputPng || kind != OutputPng))
+    return *error = "--frame chooses the frame of a single PNG (-o OUT.png)", 0;
+  if (line.loop != -1 && kind != OutputGif && kind != OutputWebp)
+    return *error = "--loop applies to a GIF or WebP", 0;
+  if (!CheckOutputPlace(line.output, kind, error)) return 0;
   if (!PrepareSettings(line, error)) return 0;
   run->dialog = CreateRunDialog(line, document, error);
-  return run->dialog != nullptr;
+  if (!run->dialog) return 0;
+  char text[2];
+  if (DialogGetText(DialogItem(run->dialog, kTextFieldId), text, sizeof text) == 0)
+    return *error = "the text is empty", 0;
+  // A face that is not installed is drawn in another; say which, once.
+  char font[kDocumentTextLimit + 1], drawn[256];
+  DialogGetText(DialogItem(run->dialog, kIdFontName), font, sizeof font);
+  if (DrawnFontFamily(font, drawn, sizeof drawn) && strcasecmp(font, drawn) != 0)
+    fprintf(stderr, "gm5: the font \"%s\" is not installed; drawing in \"%s\" instead\n", font,
+            drawn);
+  return 1;
 }
 
 std::string EngineFailure(const char* what) {
@@ -74,7 +94,8 @@ int RenderAnimation(const CommandLine& line, std::string* error, HostFile* built
   if (!PrepareRun(line, "render", OutputUnknown, &run, error)) return 0;
   // A GIF holds at most 256 colours and no alpha plane: its build is an indexed one. Boxes the
   // settings or a document turned on give way; the options asking for it are a contradiction.
-  if (OutputKindForPath(line.output) == OutputGif) {
+  const OutputKind kind = OutputKindFor(line.output, line.format);
+  if (kind == OutputGif) {
     if (line.trueColour == 1 || line.alpha == 1)
       return *error = std::string("a GIF cannot hold a ") +
                       (line.alpha == 1 ? "--alpha" : "--true-color") + " build: " + line.output +
@@ -90,15 +111,28 @@ int RenderAnimation(const CommandLine& line, std::string* error, HostFile* built
   BeginProgress(&bar, stderr, line.quiet);
   InProcessHost host;
   BeginInProcessHost(&host, trueColour, &bar);
+  host.largestSide = kind == OutputWebp ? kWebpLargestSide : 65535;
   RecordShownMessage("");
   const int ok = BuildFrames(run.dialog, &host.record, 0);
   EndInProcessHost(&host);
   EndProgress(&bar);
+  if (!host.refusal.empty()) return *error = host.refusal, 0;
   const HostFile* file = InProcessResult(&host);
   if (!ok || !file) return *error = EngineFailure("the build failed"), 0;
   if (built) *built = *file;
   if (file->frames.empty()) return *error = "the build made no frames", 0;
-  return WriteAnimationOutput(file, InProcessDelayMilliseconds(&host), line.output, error);
+  OutputOptions options;
+  options.format = line.format;
+  options.loopCount = line.loop == -1 ? 0 : line.loop;
+  options.frame = line.frame == -1 ? 0 : line.frame - 1;
+  uint64_t bytes = 0;
+  if (!WriteAnimationOutput(file, options, line.output, error, &bytes)) return 0;
+  if (!line.quiet)
+    fprintf(stderr, "gm5: wrote %s: %zu frame%s, %dx%d, %llu bytes\n",
+            line.output == "-" ? "the standard output" : line.output.c_str(), file->frames.size(),
+            file->frames.size() == 1 ? "" : "s", file->record.width, file->record.height,
+            static_cast<unsigned long long>(bytes));
+  return 1;
 }
 
 int RenderPreview(const CommandLine& line, std::string* error) {

@@ -1,6 +1,8 @@
 // The settings as gm5 sees them: option texts into the table, and the table printed with defaults.
 #include "cli/settings_command.h"
 
+#include <sys/stat.h>
+
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
@@ -65,10 +67,19 @@ int ApplySettingText(const std::string& key, const std::string& value, std::stri
 }
 
 int PrepareSettings(const CommandLine& line, std::string* error) {
-  if (line.defaults)
+  if (line.defaults) {
     ResetSettings();
-  else
+  } else {
+    // Only a regular file is read: a folder, a pipe or a device would hang or say nothing.
+    char path[kSettingTextSize];
+    struct stat info;
+    if (SettingsFolderPath("rfdplgm5.ini", path, sizeof path) && stat(path, &info) == 0 &&
+        !S_ISREG(info.st_mode)) {
+      *error = std::string("cannot read the configuration ") + path + ": not a regular file";
+      return 0;
+    }
     LoadSettings();
+  }
   for (const auto& setting : line.settings)
     if (!ApplySettingText(setting.first, setting.second, error)) return 0;
   return 1;

@@ -114,7 +114,6 @@ TEST(InProcessHost, ServesTheEngineAndShowsItsProgress) {
   InProcessHost host, colour;
   BeginInProcessHost(&host, 0, &bar);
   EXPECT_EQ(host.record.capabilities, kHostIndexed);
-  EXPECT_EQ(InProcessDelayMilliseconds(&host), 10);  // hundredths
 
   HostService service = host.record.service;
   FileObjectRecord record{};
@@ -143,7 +142,6 @@ TEST(InProcessHost, ServesTheEngineAndShowsItsProgress) {
                "\rQuantizing       [###############...............] 5/10\x1b[K\n");
   BeginInProcessHost(&colour, 1, nullptr);
   EXPECT_EQ(colour.record.capabilities & kHostIndexed, 0u);
-  EXPECT_EQ(InProcessDelayMilliseconds(&colour), 1);
   EXPECT_EQ(InProcessResult(&colour), nullptr);
   EndInProcessHost(&colour);
 }
