@@ -133,7 +133,8 @@ int ParseCommandLine(int argc, const char* const* argv, CommandLine* line, std::
     if (numeric) {
       std::string value;
       if (!takeValue(&value)) return 0;
-      if (!ParseInteger(value, &(line->*numeric->field)) || line->*numeric->field < numeric->least) {
+      if (!ParseInteger(value, &(line->*numeric->field)) ||
+          line->*numeric->field < numeric->least) {
         *error = "bad value for " + name + ": " + value + " (a whole number from " +
                  std::to_string(numeric->least) + ")";
         return 0;

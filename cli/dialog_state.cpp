@@ -140,7 +140,8 @@ int32_t FramesControl(int32_t row) {
 // writes it). Text field lines are applied here, blanks kept; the others go to the controls.
 int ReadDocument(WindowHandle dialog, const std::string& path, std::string* error) {
   struct stat info;
-  if (stat(path.c_str(), &info) != 0) return *error = "cannot read " + path + ": " + strerror(errno), 0;
+  if (stat(path.c_str(), &info) != 0)
+    return *error = "cannot read " + path + ": " + strerror(errno), 0;
   if (!S_ISREG(info.st_mode)) return *error = "cannot read " + path + ": not a regular file", 0;
   FILE* file = fopen(path.c_str(), "rb");
   if (!file) return *error = "cannot read " + path + ": " + strerror(errno), 0;
@@ -255,8 +256,7 @@ int ApplyControlText(WindowHandle dialog, int32_t id, const std::string& value,
   if (kind == kControlSpinEdit || kind == kControlSignedSpinEdit) {
     const int32_t held = ReadDlgValue(dialog, id);
     if (held != number)
-      fprintf(stderr, "gm5: %lld is outside the range of control %d; using %d\n", number, id,
-              held);
+      fprintf(stderr, "gm5: %lld is outside the range of control %d; using %d\n", number, id, held);
   }
   return 1;
 }
@@ -298,8 +298,10 @@ WindowHandle CreateRunDialog(const CommandLine& line, const std::string& documen
   for (const SwitchControl& s : kSwitchControls)
     if (ok && line.*s.field != -1)
       ok = ApplyControlText(dialog, s.id, std::to_string(line.*s.field), error);
-  if (ok && line.delay != -1) ok = ApplyControlText(dialog, kIdDelay, std::to_string(line.delay), error);
-  if (ok && line.pause != -1) ok = ApplyControlText(dialog, kIdPause, std::to_string(line.pause), error);
+  if (ok && line.delay != -1)
+    ok = ApplyControlText(dialog, kIdDelay, std::to_string(line.delay), error);
+  if (ok && line.pause != -1)
+    ok = ApplyControlText(dialog, kIdPause, std::to_string(line.pause), error);
   if (ok && line.frames != -1) {
     const int32_t row = DialogGetSelection(DialogItem(dialog, kIdEffect));
     const int32_t id = FramesControl(row);
@@ -361,7 +363,8 @@ int PrintControls(FILE* out, const CommandLine& line, const std::string& effect,
     if (c.range && (c.kind == kControlSpinEdit || c.kind == kControlSignedSpinEdit)) {
       range = c.range;
       const size_t comma = range.find(',');
-      range = range.substr(0, comma) + ".." + range.substr(comma + 1, range.find(',', comma + 1) - comma - 1);
+      range = range.substr(0, comma) + ".." +
+              range.substr(comma + 1, range.find(',', comma + 1) - comma - 1);
     } else if (DialogRowCount(control) > 0 && c.kind != kControlFontBox) {
       range = "0.." + std::to_string(DialogRowCount(control) - 1);
     } else if (c.kind == kControlCheckBox) {
@@ -369,8 +372,8 @@ int PrintControls(FILE* out, const CommandLine& line, const std::string& effect,
     } else if (c.kind == kControlColourButton) {
       range = "colour";
     }
-    fprintf(out, "%4d  %-6s  %-12s  %-12s  %s\n", c.id, tag, range.c_str(),
-            value ? value + 1 : "", c.caption ? c.caption : "");
+    fprintf(out, "%4d  %-6s  %-12s  %-12s  %s\n", c.id, tag, range.c_str(), value ? value + 1 : "",
+            c.caption ? c.caption : "");
   }
   DestroyRunDialog(dialog);
   return 1;

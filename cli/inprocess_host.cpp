@@ -48,7 +48,8 @@ int RefuseFile(InProcessHost* host, const FileObjectRecord* record) {
 uint64_t ServeInProcess(void* object, int32_t opcode, uint64_t a, uint64_t b) {
   InProcessHost* host = activeHost;
   if (!host) return 0;
-  if (opcode == HostOpCreateFile && b && RefuseFile(host, reinterpret_cast<const FileObjectRecord*>(b)))
+  if (opcode == HostOpCreateFile && b &&
+      RefuseFile(host, reinterpret_cast<const FileObjectRecord*>(b)))
     return 0;
   uint64_t result = ServeHostCall(&host->session, object, opcode, a, b);
   if (host->progress && opcode == HostOpProgressCaption && b) {
@@ -85,8 +86,11 @@ const HostFile* InProcessResult(const InProcessHost* host) {
 
 uint64_t EstimateFrameBytes(int32_t width, int32_t height, int32_t bits, int32_t frameCount) {
   if (width <= 0 || height <= 0) return 0;
-  const uint64_t stride = (static_cast<uint64_t>(width) * static_cast<uint64_t>(bits) + 31) / 32 * 4;
-  const uint64_t frame = kDibHeaderBytes + DibTableBytes(bits) + stride * static_cast<uint64_t>(height);
-  const uint64_t canvas = uint64_t{4} * static_cast<uint64_t>(width) * static_cast<uint64_t>(height);
+  const uint64_t stride =
+      (static_cast<uint64_t>(width) * static_cast<uint64_t>(bits) + 31) / 32 * 4;
+  const uint64_t frame =
+      kDibHeaderBytes + DibTableBytes(bits) + stride * static_cast<uint64_t>(height);
+  const uint64_t canvas =
+      uint64_t{4} * static_cast<uint64_t>(width) * static_cast<uint64_t>(height);
   return frame * static_cast<uint64_t>(frameCount > 0 ? frameCount : 1) + canvas;
 }

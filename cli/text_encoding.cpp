@@ -16,9 +16,11 @@ const uint16_t kHigh[32] = {
 // Reads one UTF-8 character at `at`, moving past it. Returns 0 on a malformed sequence.
 int ReadCodePoint(const std::string& text, size_t* at, uint32_t* code) {
   const unsigned char lead = static_cast<unsigned char>(text[*at]);
-  int extra = lead < 0x80 ? 0 : lead >= 0xC2 && lead < 0xE0 ? 1 : lead >= 0xE0 && lead < 0xF0 ? 2
-          : lead >= 0xF0 && lead < 0xF5                        ? 3
-                                                               : -1;
+  int extra = lead < 0x80                   ? 0
+              : lead >= 0xC2 && lead < 0xE0 ? 1
+              : lead >= 0xE0 && lead < 0xF0 ? 2
+              : lead >= 0xF0 && lead < 0xF5 ? 3
+                                            : -1;
   if (extra < 0 || *at + extra >= text.size() + (extra ? 0 : 1)) return 0;
   uint32_t value = extra ? lead & (0x3F >> extra) : lead;
   for (int i = 1; i <= extra; ++i) {
@@ -91,8 +93,8 @@ std::string Windows1252ToUtf8(const std::string& text) {
   std::string out;
   for (const char c : text) {
     const unsigned char byte = static_cast<unsigned char>(c);
-    const uint32_t code = byte >= 0x80 && byte < 0xA0 && kHigh[byte - 0x80] ? kHigh[byte - 0x80]
-                                                                             : byte;
+    const uint32_t code =
+        byte >= 0x80 && byte < 0xA0 && kHigh[byte - 0x80] ? kHigh[byte - 0x80] : byte;
     AppendUtf8(code, &out);
   }
   return out;

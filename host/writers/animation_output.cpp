@@ -73,8 +73,8 @@ int WriteAnimationOutput(const HostFile* file, const OutputOptions& options,
       return 0;
   }
   if (!ok) {
-    *error = "cannot write " + (path == "-" ? std::string("the standard output") : path) + ": " +
-             *error;
+    *error =
+        "cannot write " + (path == "-" ? std::string("the standard output") : path) + ": " + *error;
     return 0;
   }
   uint64_t total = bytes.size();

@@ -162,7 +162,8 @@ int WriteOutputBytes(const std::string& path, const void* bytes, size_t size, in
   const uint8_t* data = static_cast<const uint8_t*>(bytes);
   if (path == "-") {
     fflush(stdout);
-    if (!WriteAll(STDOUT_FILENO, data, size)) return Fail(error, "the standard output", Reason(errno));
+    if (!WriteAll(STDOUT_FILENO, data, size))
+      return Fail(error, "the standard output", Reason(errno));
     return 1;
   }
   if (!CheckOutputFile(path, error)) return 0;

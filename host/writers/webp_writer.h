@@ -1,5 +1,5 @@
 // Animated WebP through libwebp's animation encoder: every frame as the viewer sees it (see
-// frame_canvas.h), lossless, with alpha. A frame's delay counts hundredths of a second, as in a GIF.
+// frame_canvas.h), lossless, with alpha. A delay counts hundredths of a second, as in a GIF.
 #pragma once
 
 #include <cstdint>
