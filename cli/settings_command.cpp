@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "documents/settings.h"
+#include "text/text_mask.h"
 
 namespace {
 
@@ -82,6 +83,8 @@ int PrepareSettings(const CommandLine& line, std::string* error) {
   }
   for (const auto& setting : line.settings)
     if (!ApplySettingText(setting.first, setting.second, error)) return 0;
+  // Text measurement reads its one setting from here, as the plug-in's dialog start gives it.
+  SetAccentCompensation(*SettingInteger("AccentCompensation") != 0);
   return 1;
 }
 

@@ -14,8 +14,11 @@
 #include "cli/command_line.h"
 #include "cli/inprocess_host.h"
 #include "cli/progress.h"
+#include "cli/settings_command.h"
 #include "cli/text_encoding.h"
+#include "documents/settings.h"
 #include "tests/support/scratch_folder.h"
+#include "text/text_mask.h"
 
 namespace {
 
@@ -446,4 +449,28 @@ TEST(InProcessHost, RefusesFilesTheOutputOrMemoryCannotHold) {
     EXPECT_EQ(host.refusal, c.message);
     EndInProcessHost(&host);
   }
+}
+
+// The measuring of accents follows the configuration, then --set, like every other setting.
+TEST(Gm5Settings, AccentCompensationComesFromTheConfiguration) {
+  ScratchFolder scratch(1);
+  SetSettingsFolder(nullptr);  // the configuration folder the environment names
+  std::filesystem::create_directories(scratch.Path("config/Cobalt Lanternary"));
+  std::ofstream(scratch.Path("config/Cobalt Lanternary/rfdplgm5.ini"))
+      << "AccentCompensation = 0\n";
+  const struct {
+    std::vector<const char*> args;
+    int32_t expected;
+  } cases[] = {{{"settings"}, 0},
+               {{"settings", "--set", "AccentCompensation=1"}, 1},
+               {{"settings", "--defaults"}, 1}};
+  for (const auto& c : cases) {
+    CommandLine line;
+    std::string error;
+    SetAccentCompensation(c.expected ? 0 : 1);
+    ASSERT_EQ(Parse(c.args, &line, &error), 1) << error;
+    ASSERT_EQ(PrepareSettings(line, &error), 1) << error;
+    EXPECT_EQ(AccentCompensation(), c.expected) << c.args.size();
+  }
+  SetAccentCompensation(1);
 }
