@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstring>
 #include <strings.h>
+#include <utility>
 #include <vector>
 
 #include "cli/dialog_state.h"
@@ -73,13 +74,16 @@ int PrepareRun(const CommandLine& line, const char* command, OutputKind wanted, 
   char text[2];
   if (DialogGetText(DialogItem(run->dialog, kTextFieldId), text, sizeof text) == 0)
     return *error = "the text is empty", 0;
-  // A face that is not installed is drawn in another; say which, once.
+  return 1;
+}
+
+// A face that is not installed is drawn in another; says which, once, as the run starts.
+void WarnOfSubstituteFont(WindowHandle dialog) {
   char font[kDocumentTextLimit + 1], drawn[256];
-  DialogGetText(DialogItem(run->dialog, kIdFontName), font, sizeof font);
+  DialogGetText(DialogItem(dialog, kIdFontName), font, sizeof font);
   if (DrawnFontFamily(font, drawn, sizeof drawn) && strcasecmp(font, drawn) != 0)
     fprintf(stderr, "gm5: the font \"%s\" is not installed; drawing in \"%s\" instead\n", font,
             drawn);
-  return 1;
 }
 
 std::string EngineFailure(const char* what) {
@@ -104,9 +108,23 @@ int RenderAnimation(const CommandLine& line, std::string* error, HostFile* built
     DialogSetCheck(DialogItem(run.dialog, kIdTrueColour), 0);
     DialogSetCheck(DialogItem(run.dialog, kIdAlphaTransparency), 0);
   }
+  // A fixed palette keeps no index free: a transparent key or the marks of unchanged pixels
+  // would take the index of a real colour and punch holes in the letters.
+  const int indexed = !DialogGetCheck(DialogItem(run.dialog, kIdTrueColour)) &&
+                      !DialogGetCheck(DialogItem(run.dialog, kIdAlphaTransparency));
+  if (indexed && !DialogGetCheck(DialogItem(run.dialog, kIdCustomPalette))) {
+    for (const auto& [id, option] : {std::pair{kIdTransparent, "--transparent"},
+                                     std::pair{kIdSupercompress, "--supercompress"}})
+      if (DialogGetCheck(DialogItem(run.dialog, id)))
+        return *error = std::string(option) +
+                        " needs a palette with a free index: add --custom-palette"
+                        " (or use --true-color with .webp)",
+               0;
+  }
   // True colour and alpha builds need a host that takes frames of 24 and 32 bits.
   const int32_t trueColour = DialogGetCheck(DialogItem(run.dialog, kIdTrueColour)) ||
                              DialogGetCheck(DialogItem(run.dialog, kIdAlphaTransparency));
+  WarnOfSubstituteFont(run.dialog);
   ProgressBar bar;
   BeginProgress(&bar, stderr, line.quiet);
   InProcessHost host;
@@ -143,6 +161,7 @@ int RenderPreview(const CommandLine& line, std::string* error) {
   context.sample = 1;
   context.sampleWidth = line.sampleWidth;
   context.sampleHeight = line.sampleHeight;
+  WarnOfSubstituteFont(run.dialog);
   RecordShownMessage("");
   const int32_t row = DialogGetSelection(DialogItem(run.dialog, kIdEffect));
   if (!RunEffectPreview(row, &context)) return *error = EngineFailure("the preview failed"), 0;

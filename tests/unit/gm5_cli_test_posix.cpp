@@ -322,6 +322,12 @@ TEST(Gm5Program, InputsAreReadFaithfullyOrRefused) {
        "the text holds U+2192 (→), which the engine's code page (Windows-1252) cannot hold"},
       {"render --defaults --text \"$(printf 'a\\nb')\"" + out,
        "the text holds a control character, U+000A (the text is a single line)"},
+      {"render --defaults --transparent" + out,
+       "--transparent needs a palette with a free index: add --custom-palette (or use "
+       "--true-color with .webp)"},
+      {"render --defaults --set MainSupercompress=1" + out,
+       "--supercompress needs a palette with a free index: add --custom-palette (or use "
+       "--true-color with .webp)"},
       {"render --defaults --control 106=#12" + out,
        "bad value for control 106: #12 (a colour: #RRGGBB, #RGB, a CSS colour name such as navy, "
        "or a number 0xBBGGRR)"},

@@ -164,3 +164,36 @@ TEST(Gm5Render, FailuresSayWhyAndLeaveNothing) {
     EXPECT_EQ(scratch.Names(), std::vector<std::string>{"damaged.gm5"}) << c.message;
   }
 }
+
+// The same settings play for the same time in a GIF (an indexed build) and a WebP (a true-colour
+// one): each frame's delay is hundredths of a second in both.
+TEST(Gm5Render, GifAndWebpOfOneStatePlayAlike) {
+  ScratchFolder scratch(1);
+  RenderedGif gif;
+  RenderGif(scratch, "a.gif", {"--text", "Hi", "--delay", "7", "--pause", "40"}, &gif);
+  int32_t hundredths = 0;
+  for (int i = 0; i < gif.gif->ImageCount; ++i) {
+    GraphicsControlBlock control;
+    ASSERT_EQ(DGifSavedExtensionToGCB(gif.gif, i, &control), GIF_OK);
+    hundredths += control.DelayTime;
+  }
+  EXPECT_GE(hundredths, 7 * gif.gif->ImageCount + 40);  // every frame, and the pause
+  const std::string webp = scratch.Path("a.webp");
+  std::string error;
+  ASSERT_EQ(RenderAnimation(Line({"render", "--defaults", "--text", "Hi", "--delay", "7", "--pause",
+                                  "40", "-o", webp.c_str()},
+                                 &error),
+                            &error),
+            1)
+      << error;
+  const std::vector<uint8_t> bytes = FileBytes(webp);
+  WebPData data = {bytes.data(), bytes.size()};
+  WebPAnimDecoder* decoder = WebPAnimDecoderNew(&data, nullptr);
+  ASSERT_NE(decoder, nullptr);
+  // The encoder may merge frames that show the same picture; the end time is what counts.
+  int timestamp = 0;
+  for (uint8_t* pixels = nullptr; WebPAnimDecoderGetNext(decoder, &pixels, &timestamp);) {
+  }
+  WebPAnimDecoderDelete(decoder);
+  EXPECT_EQ(timestamp, hundredths * 10);
+}
