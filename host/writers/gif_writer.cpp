@@ -41,10 +41,191 @@ int PutLoop(GifFileType* gif, int32_t loopCount) {
          EGifPutExtensionBlock(gif, 3, kLoop) == GIF_OK && EGifPutExtensionTrailer(gif) == GIF_OK;
 }
 
+// A frame's picture checked against its header, with its drawn size and its control block as the
+// engine's records give them.
+struct GifFrame {
+  const BitmapInfoHeader* header = nullptr;
+  int width = 0, height = 0;
+  GraphicsControlBlock control{};
+};
+
+int ReadGifFrame(const HostFrame& frame, const FileObjectRecord& record, int colours,
+                 GifFrame* out) {
+  if (frame.dib.size() < kDibHeaderBytes) return 0;
+  const BitmapInfoHeader* header = reinterpret_cast<const BitmapInfoHeader*>(frame.dib.data());
+  const int bits = header->biBitCount;
+  if ((bits != 1 && bits != 4 && bits != 8) || header->biWidth <= 0 || header->biHeight <= 0 ||
+      uint64_t{kDibHeaderBytes} + DibTableBytes(bits) +
+              uint64_t{DibStride(header->biWidth, bits)} * header->biHeight >
+          frame.dib.size())
+    return 0;
+  out->header = header;
+  out->width = std::min<int>(header->biWidth, record.width);
+  out->height = std::min<int>(header->biHeight, record.height);
+  out->control.DisposalMode = HostFrameDisposal(frame);
+  out->control.UserInputFlag = false;
+  out->control.DelayTime = std::clamp(frame.delay, 0, 65535);
+  out->control.TransparentColor = frame.transparentIndex >= 0 && frame.transparentIndex < colours
+                                      ? frame.transparentIndex
+                                      : NO_TRANSPARENT_COLOR;
+  return 1;
+}
+
+int PutImage(GifFileType* gif, const GraphicsControlBlock& control, int left, int top, int width,
+             int height, const GifPixelType* pixels, int stride) {
+  GifByteType extension[4];
+  EGifGCBToExtension(&control, extension);
+  if (EGifPutExtension(gif, GRAPHICS_EXT_FUNC_CODE, 4, extension) != GIF_OK ||
+      EGifPutImageDesc(gif, left, top, width, height, false, nullptr) != GIF_OK)
+    return 0;
+  for (int y = 0; y < height; ++y)
+    if (EGifPutLine(gif, const_cast<GifPixelType*>(pixels + y * stride), width) != GIF_OK) return 0;
+  return 1;
+}
+
+// The bytes an image takes in a stream of `bits` per pixel, found by encoding it on its own.
+size_t ImageBytes(const GraphicsControlBlock& control, int width, int height,
+                  const GifPixelType* pixels, int bits) {
+  std::vector<uint8_t> scratch;
+  int code = 0;
+  GifFileType* gif = EGifOpen(&scratch, AppendBytes, &code);
+  if (!gif) return SIZE_MAX;
+  ColorMapObject* map = GifMakeMapObject(1 << bits, nullptr);
+  int ok = map && EGifPutScreenDesc(gif, width, height, bits, 0, map) == GIF_OK;
+  if (map) GifFreeMapObject(map);
+  const size_t start = scratch.size();
+  ok = ok && PutImage(gif, control, 0, 0, width, height, pixels, width);
+  const size_t size = scratch.size() - start;
+  EGifCloseFile(gif, &code);
+  return ok ? size : SIZE_MAX;
+}
+
+// What a decoder shows after each frame of the stream as the records describe it, as palette
+// indices, -1 where nothing is shown. Returns 0 when a frame is damaged.
+struct Composer {
+  std::vector<int16_t> shown;
+  int width = 0, previousDisposal = DISPOSE_DO_NOT, previousWidth = 0, previousHeight = 0;
+};
+
+void StartComposer(Composer* composer, int width, int height) {
+  composer->shown.assign(static_cast<size_t>(width) * height, -1);
+  composer->width = width;
+  composer->previousDisposal = DISPOSE_DO_NOT;
+}
+
+void Compose(Composer* c, const GifFrame& frame) {
+  if (c->previousDisposal == DISPOSE_BACKGROUND)
+    for (int y = 0; y < c->previousHeight; ++y)
+      std::fill_n(&c->shown[static_cast<size_t>(y) * c->width], c->previousWidth, int16_t{-1});
+  const int key = frame.control.TransparentColor;
+  for (int y = 0; y < frame.height; ++y)
+    for (int x = 0; x < frame.width; ++x) {
+      const int index = static_cast<int>(ReadDibPixel(frame.header, x, y));
+      if (index != key)
+        c->shown[static_cast<size_t>(y) * c->width + x] = static_cast<int16_t>(index);
+    }
+  c->previousDisposal = frame.control.DisposalMode;
+  c->previousWidth = frame.width;
+  c->previousHeight = frame.height;
+}
+
+// Frames written as they come: each whole, with its own control block.
+int PutFramesAsRecorded(GifFileType* gif, const HostFile* file, int colours, std::string* error) {
+  std::vector<GifPixelType> pixels;
+  for (const HostFrame& frame : file->frames) {
+    GifFrame f;
+    if (!ReadGifFrame(frame, file->record, colours, &f))
+      return Fail(error, "a damaged or true-colour frame");
+    pixels.resize(static_cast<size_t>(f.width) * f.height);
+    for (int y = 0; y < f.height; ++y)
+      for (int x = 0; x < f.width; ++x)
+        pixels[static_cast<size_t>(y) * f.width + x] =
+            static_cast<GifPixelType>(ReadDibPixel(f.header, x, y));
+    if (!PutImage(gif, f.control, 0, 0, f.width, f.height, pixels.data(), f.width))
+      return Fail(error, GifErrorString(gif->Error));
+  }
+  return 1;
+}
+
+// Nonzero when every picture the decoder shows covers the whole screen (nothing ever shows
+// through), which lets each frame after the first carry only what changed. `used` receives the
+// indices that are shown.
+int ShowsOnlyOpaqueFrames(const HostFile* file, int colours, std::vector<uint8_t>* used) {
+  Composer composer;
+  StartComposer(&composer, file->record.width, file->record.height);
+  used->assign(256, 0);
+  for (const HostFrame& frame : file->frames) {
+    GifFrame f;
+    if (!ReadGifFrame(frame, file->record, colours, &f)) return 0;
+    Compose(&composer, f);
+    for (const int16_t index : composer.shown) {
+      if (index < 0) return 0;
+      (*used)[index] = 1;
+    }
+  }
+  return 1;
+}
+
+// Each frame after the first as the rectangle that changed, its unchanged pixels marked with a
+// free index where that encodes smaller; every frame is kept on screen for the next.
+int PutChangedRectangles(GifFileType* gif, const HostFile* file, int colours,
+                         const std::vector<uint8_t>& used, std::string* error) {
+  const int width = file->record.width, height = file->record.height;
+  int free = -1;
+  for (int i = colours - 1; i >= 0 && free < 0; --i)
+    if (!used[i]) free = i;
+  Composer composer;
+  StartComposer(&composer, width, height);
+  std::vector<int16_t> before;
+  std::vector<GifPixelType> plain, marked;
+  for (size_t n = 0; n < file->frames.size(); ++n) {
+    GifFrame f;
+    if (!ReadGifFrame(file->frames[n], file->record, colours, &f))
+      return Fail(error, "a damaged or true-colour frame");
+    before = composer.shown;
+    Compose(&composer, f);
+    const std::vector<int16_t>& now = composer.shown;
+    int left = 0, top = 0, right = width - 1, bottom = height - 1;
+    if (n > 0) {
+      left = width, top = height, right = -1, bottom = -1;
+      for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+          if (now[static_cast<size_t>(y) * width + x] !=
+              before[static_cast<size_t>(y) * width + x]) {
+            left = std::min(left, x), right = std::max(right, x);
+            top = std::min(top, y), bottom = std::max(bottom, y);
+          }
+      if (right < 0) left = top = right = bottom = 0;  // nothing changed: one pixel, as it is
+    }
+    const int w = right - left + 1, h = bottom - top + 1;
+    plain.resize(static_cast<size_t>(w) * h);
+    marked.resize(plain.size());
+    for (int y = 0; y < h; ++y)
+      for (int x = 0; x < w; ++x) {
+        const size_t at = static_cast<size_t>(top + y) * width + left + x;
+        plain[static_cast<size_t>(y) * w + x] = static_cast<GifPixelType>(now[at]);
+        marked[static_cast<size_t>(y) * w + x] =
+            static_cast<GifPixelType>(n > 0 && free >= 0 && now[at] == before[at] ? free : now[at]);
+      }
+    GraphicsControlBlock control = f.control;
+    control.DisposalMode = DISPOSE_DO_NOT;
+    control.TransparentColor = NO_TRANSPARENT_COLOR;
+    GraphicsControlBlock keyed = control;
+    keyed.TransparentColor = free;
+    const int useMarks = n > 0 && free >= 0 &&
+                         ImageBytes(keyed, w, h, marked.data(), file->record.bits) <
+                             ImageBytes(control, w, h, plain.data(), file->record.bits);
+    if (!PutImage(gif, useMarks ? keyed : control, left, top, w, h,
+                  useMarks ? marked.data() : plain.data(), w))
+      return Fail(error, GifErrorString(gif->Error));
+  }
+  return 1;
+}
+
 }  // namespace
 
 int EncodeGif(const HostFile* file, int32_t loopCount, std::vector<uint8_t>* bytes,
-              std::string* error) {
+              std::string* error, int optimise) {
   const FileObjectRecord& record = file->record;
   if (record.bits < 1 || record.bits > 8)
     return Fail(error, "GIF needs an indexed build (not true colour or alpha)");
@@ -79,38 +260,12 @@ int EncodeGif(const HostFile* file, int32_t loopCount, std::vector<uint8_t>* byt
   if (!file->comment.empty() && EGifPutComment(gif, file->comment.c_str()) != GIF_OK)
     return Fail(error, GifErrorString(gif->Error));
 
-  std::vector<GifPixelType> row;
-  for (const HostFrame& frame : file->frames) {
-    if (frame.dib.size() < kDibHeaderBytes) return Fail(error, "a damaged frame");
-    const BitmapInfoHeader* header = reinterpret_cast<const BitmapInfoHeader*>(frame.dib.data());
-    const int bits = header->biBitCount;
-    if ((bits != 1 && bits != 4 && bits != 8) || header->biWidth <= 0 || header->biHeight <= 0 ||
-        uint64_t{kDibHeaderBytes} + DibTableBytes(bits) +
-                uint64_t{DibStride(header->biWidth, bits)} * header->biHeight >
-            frame.dib.size())
-      return Fail(error, "a damaged or true-colour frame");
-    const int width = std::min<int>(header->biWidth, record.width);
-    const int height = std::min<int>(header->biHeight, record.height);
-
-    GraphicsControlBlock control{};
-    control.DisposalMode = HostFrameDisposal(frame);
-    control.UserInputFlag = false;
-    control.DelayTime = std::clamp(frame.delay, 0, 65535);
-    control.TransparentColor = frame.transparentIndex >= 0 && frame.transparentIndex < colours
-                                   ? frame.transparentIndex
-                                   : NO_TRANSPARENT_COLOR;
-    GifByteType extension[4];
-    EGifGCBToExtension(&control, extension);
-    if (EGifPutExtension(gif, GRAPHICS_EXT_FUNC_CODE, 4, extension) != GIF_OK ||
-        EGifPutImageDesc(gif, 0, 0, width, height, false, nullptr) != GIF_OK)
-      return Fail(error, GifErrorString(gif->Error));
-    row.resize(width);
-    for (int y = 0; y < height; ++y) {
-      for (int x = 0; x < width; ++x)
-        row[x] = static_cast<GifPixelType>(ReadDibPixel(header, x, y));
-      if (EGifPutLine(gif, row.data(), width) != GIF_OK)
-        return Fail(error, GifErrorString(gif->Error));
-    }
+  // Frames through which something shows (transparent builds) keep their records as they are.
+  std::vector<uint8_t> used;
+  if (optimise && ShowsOnlyOpaqueFrames(file, colours, &used)) {
+    if (!PutChangedRectangles(gif, file, colours, used, error)) return 0;
+  } else if (!PutFramesAsRecorded(gif, file, colours, error)) {
+    return 0;
   }
   GifFileType* done = guard.gif;
   guard.gif = nullptr;

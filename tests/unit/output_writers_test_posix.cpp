@@ -14,8 +14,10 @@
 
 #include "host/host_session.h"
 #include "host/writers/animation_output.h"
+#include "host/writers/gif_writer.h"
 #include "host/writers/output_file.h"
 #include "shell/packed_dib.h"
+#include "tests/support/gif_pictures.h"
 #include "tests/support/scratch_folder.h"
 
 namespace fs = std::filesystem;
@@ -97,17 +99,26 @@ TEST(GifWriter, SupercompressedFileDecodesWithItsRecords) {
   ScratchFolder scratch;
   HostSession session;
   const HostFile* file = MakeFile(&session, 3, 8, 4, 2, kSupercompressed, "made by gm5 tests", 7);
-  std::string error, path = scratch.Path("a.gif");
+  std::string error, path = scratch.Path("a.gif"), recorded = scratch.Path("recorded.gif");
   const mode_t mask = umask(022);
-  ASSERT_EQ(WriteAnimationOutput(file, {}, path, &error), 1) << error;
+  OutputOptions options;
+  options.loopCount = 3;
+  ASSERT_EQ(WriteAnimationOutput(file, options, path, &error), 1) << error;
   umask(mask);
   EXPECT_EQ(scratch.Names(), std::vector<std::string>{"a.gif"});
   EXPECT_EQ(fs::status(path).permissions(), static_cast<fs::perms>(0644));  // as any new file
+  // The same file with every frame whole, as the records give it.
+  std::vector<uint8_t> bytes;
+  ASSERT_EQ(EncodeGif(file, 3, &bytes, &error, 0), 1) << error;
+  ASSERT_EQ(WriteOutputBytes(recorded, bytes.data(), bytes.size(), 0, &error), 1) << error;
+  EXPECT_LE(FileBytes(path).size(), bytes.size());
 
   int code = 0;
   GifFileType* gif = DGifOpenFileName(path.c_str(), &code);
-  ASSERT_NE(gif, nullptr);
+  GifFileType* whole = DGifOpenFileName(recorded.c_str(), &code);
+  ASSERT_TRUE(gif && whole);
   ASSERT_EQ(DGifSlurp(gif), GIF_OK);
+  ASSERT_EQ(DGifSlurp(whole), GIF_OK);
   EXPECT_EQ(gif->SWidth * 10 + gif->SHeight, 42);
   EXPECT_EQ(gif->SBackGroundColor, 7);
   ASSERT_NE(gif->SColorMap, nullptr);
@@ -115,15 +126,24 @@ TEST(GifWriter, SupercompressedFileDecodesWithItsRecords) {
   const GifColorType five = gif->SColorMap->Colors[5];
   EXPECT_EQ(five.Red << 16 | five.Green << 8 | five.Blue, 5 << 16 | 250 << 8 | 35);
   ASSERT_EQ(gif->ImageCount, 3);
+  ASSERT_EQ(whole->ImageCount, 3);
   for (int i = 0; i < 3; ++i) {
-    GraphicsControlBlock control;
-    ASSERT_EQ(DGifSavedExtensionToGCB(gif, i, &control), GIF_OK);
+    GraphicsControlBlock control, kept;
+    ASSERT_EQ(DGifSavedExtensionToGCB(whole, i, &control), GIF_OK);
+    ASSERT_EQ(DGifSavedExtensionToGCB(gif, i, &kept), GIF_OK);
     EXPECT_EQ(control.DelayTime, kSupercompressed[i].delay);
+    EXPECT_EQ(kept.DelayTime, kSupercompressed[i].delay);
     EXPECT_EQ(control.TransparentColor, kSupercompressed[i].transparentIndex);  // -1: none
     EXPECT_EQ(control.DisposalMode, DISPOSE_DO_NOT) << "frame " << i;
     for (int p = 0; p < 8; ++p)
-      EXPECT_EQ(gif->SavedImages[i].RasterBits[p], kSupercompressed[i].pixels[p]) << i << p;
+      EXPECT_EQ(whole->SavedImages[i].RasterBits[p], kSupercompressed[i].pixels[p]) << i << p;
   }
+  // Whatever the frames carry, a decoder shows the same pictures, the viewer's.
+  const auto shown = ShownGifPictures(gif);
+  EXPECT_TRUE(shown == ShownGifPictures(whole));
+  for (int i = 0; i < 3; ++i)
+    for (int p = 0; p < 8; ++p) EXPECT_EQ(shown[i][p], Rgba(kSeen[i][p])) << i << "," << p;
+  DGifCloseFile(whole, &code);
   // The comment and the loop block, wherever they stand among the blocks before the images.
   int sawComment = 0, sawLoop = 0;
   for (int i = 0; i < gif->ImageCount; ++i) {
@@ -136,7 +156,7 @@ TEST(GifWriter, SupercompressedFileDecodesWithItsRecords) {
       if (block.Function == APPLICATION_EXT_FUNC_CODE && block.ByteCount == 11 &&
           memcmp(block.Bytes, "NETSCAPE2.0", 11) == 0 && e + 1 < image.ExtensionBlockCount) {
         const ExtensionBlock& loop = image.ExtensionBlocks[e + 1];
-        sawLoop = loop.ByteCount == 3 && memcmp(loop.Bytes, "\1\0\0", 3) == 0;
+        sawLoop = loop.ByteCount == 3 && memcmp(loop.Bytes, "\1\3\0", 3) == 0;
       }
     }
   }
@@ -233,4 +253,3 @@ TEST(AnimationOutput, FailuresLeaveNothingBehind) {
   EXPECT_EQ(error.rfind("cannot write " + scratch.Path("taken.gif") + ": ", 0), 0u) << error;
   EXPECT_EQ(scratch.Names(), std::vector<std::string>{"taken.gif"});
 }
-
