@@ -166,18 +166,17 @@ int ShowsOnlyOpaqueFrames(const HostFile* file, int colours, std::vector<uint8_t
   return 1;
 }
 
-// Each frame after the first as the rectangle that changed, its unchanged pixels marked with a
-// free index where that encodes smaller; every frame is kept on screen for the next.
+// Each frame after the first as the rectangle that changed, its unchanged pixels marked with the
+// free index `free` (-1: none) where that encodes smaller; every frame is kept on screen for the
+// next. Shown indices are written through `remap` into a colour table of `tableBits`.
 int PutChangedRectangles(GifFileType* gif, const HostFile* file, int colours,
-                         const std::vector<uint8_t>& used, std::string* error) {
+                         const std::vector<int>& remap, int tableBits, int free,
+                         std::string* error) {
   const int width = file->record.width, height = file->record.height;
-  int free = -1;
-  for (int i = colours - 1; i >= 0 && free < 0; --i)
-    if (!used[i]) free = i;
   Composer composer;
   StartComposer(&composer, width, height);
   std::vector<int16_t> before;
-  std::vector<GifPixelType> plain, marked;
+  std::vector<GifPixelType> plain, marked, runs;
   for (size_t n = 0; n < file->frames.size(); ++n) {
     GifFrame f;
     if (!ReadGifFrame(file->frames[n], file->record, colours, &f))
@@ -200,23 +199,34 @@ int PutChangedRectangles(GifFileType* gif, const HostFile* file, int colours,
     const int w = right - left + 1, h = bottom - top + 1;
     plain.resize(static_cast<size_t>(w) * h);
     marked.resize(plain.size());
+    runs.resize(plain.size());
+    // Three ways to write the rectangle: as it is; every unchanged pixel marked; and unchanged
+    // pixels marked only where the row's run of one colour does not go on through them.
     for (int y = 0; y < h; ++y)
       for (int x = 0; x < w; ++x) {
         const size_t at = static_cast<size_t>(top + y) * width + left + x;
-        plain[static_cast<size_t>(y) * w + x] = static_cast<GifPixelType>(now[at]);
-        marked[static_cast<size_t>(y) * w + x] =
-            static_cast<GifPixelType>(n > 0 && free >= 0 && now[at] == before[at] ? free : now[at]);
+        const size_t to = static_cast<size_t>(y) * w + x;
+        const int index = remap[now[at]];
+        const int unchanged = n > 0 && free >= 0 && now[at] == before[at];
+        plain[to] = static_cast<GifPixelType>(index);
+        marked[to] = static_cast<GifPixelType>(unchanged ? free : index);
+        runs[to] = static_cast<GifPixelType>(
+            unchanged && (x == 0 || runs[to - 1] != index) ? free : index);
       }
     GraphicsControlBlock control = f.control;
     control.DisposalMode = DISPOSE_DO_NOT;
     control.TransparentColor = NO_TRANSPARENT_COLOR;
     GraphicsControlBlock keyed = control;
     keyed.TransparentColor = free;
-    const int useMarks = n > 0 && free >= 0 &&
-                         ImageBytes(keyed, w, h, marked.data(), file->record.bits) <
-                             ImageBytes(control, w, h, plain.data(), file->record.bits);
-    if (!PutImage(gif, useMarks ? keyed : control, left, top, w, h,
-                  useMarks ? marked.data() : plain.data(), w))
+    const GifPixelType* best = plain.data();
+    if (n > 0 && free >= 0) {
+      size_t smallest = ImageBytes(control, w, h, plain.data(), tableBits);
+      for (const std::vector<GifPixelType>* candidate : {&marked, &runs}) {
+        const size_t size = ImageBytes(keyed, w, h, candidate->data(), tableBits);
+        if (size < smallest) smallest = size, best = candidate->data();
+      }
+    }
+    if (!PutImage(gif, best == plain.data() ? control : keyed, left, top, w, h, best, w))
       return Fail(error, GifErrorString(gif->Error));
   }
   return 1;
@@ -242,28 +252,40 @@ int EncodeGif(const HostFile* file, int32_t loopCount, std::vector<uint8_t>* byt
   GifFileType* gif = guard.gif;
   EGifSetGifVersion(gif, true);
 
-  ColorMapObject* map = GifMakeMapObject(colours, nullptr);
+  // Frames through which something shows (transparent builds) keep their records as they are.
+  // Otherwise only the colours shown go into the table, in their order, with one index more for
+  // marking unchanged pixels when the table's size leaves room for it.
+  std::vector<uint8_t> used;
+  const int compact = optimise && ShowsOnlyOpaqueFrames(file, colours, &used);
+  std::vector<int> remap(256, 0), kept;
+  for (int i = 0; i < colours; ++i)
+    if (!compact || used[i]) remap[i] = static_cast<int>(kept.size()), kept.push_back(i);
+  int tableBits = compact ? 1 : record.bits;
+  while (compact && (1 << tableBits) < static_cast<int>(kept.size())) ++tableBits;
+  const int free = compact && static_cast<int>(kept.size()) < (1 << tableBits)
+                       ? static_cast<int>(kept.size())
+                       : -1;
+  ColorMapObject* map = GifMakeMapObject(1 << tableBits, nullptr);
   if (!map) return Fail(error, "out of memory");
-  for (int i = 0; i < colours; ++i) {
-    map->Colors[i].Red = record.palette[i * 3];
-    map->Colors[i].Green = record.palette[i * 3 + 1];
-    map->Colors[i].Blue = record.palette[i * 3 + 2];
+  for (size_t i = 0; i < kept.size(); ++i) {
+    map->Colors[i].Red = record.palette[kept[i] * 3];
+    map->Colors[i].Green = record.palette[kept[i] * 3 + 1];
+    map->Colors[i].Blue = record.palette[kept[i] * 3 + 2];
   }
   int background = 0;
   if (file->backgroundMode == static_cast<int64_t>(kBackgroundIndex) &&
       file->background < static_cast<uint64_t>(colours))
-    background = static_cast<int>(file->background);
+    background = compact && !used[file->background] ? std::max(free, 0)
+                                                    : remap[static_cast<int>(file->background)];
   int ok =
-      EGifPutScreenDesc(gif, record.width, record.height, record.bits, background, map) == GIF_OK;
+      EGifPutScreenDesc(gif, record.width, record.height, tableBits, background, map) == GIF_OK;
   GifFreeMapObject(map);
   if (!ok || !PutLoop(gif, loopCount)) return Fail(error, GifErrorString(gif->Error));
   if (!file->comment.empty() && EGifPutComment(gif, file->comment.c_str()) != GIF_OK)
     return Fail(error, GifErrorString(gif->Error));
 
-  // Frames through which something shows (transparent builds) keep their records as they are.
-  std::vector<uint8_t> used;
-  if (optimise && ShowsOnlyOpaqueFrames(file, colours, &used)) {
-    if (!PutChangedRectangles(gif, file, colours, used, error)) return 0;
+  if (compact) {
+    if (!PutChangedRectangles(gif, file, colours, remap, tableBits, free, error)) return 0;
   } else if (!PutFramesAsRecorded(gif, file, colours, error)) {
     return 0;
   }

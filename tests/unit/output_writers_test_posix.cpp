@@ -120,10 +120,10 @@ TEST(GifWriter, SupercompressedFileDecodesWithItsRecords) {
   ASSERT_EQ(DGifSlurp(gif), GIF_OK);
   ASSERT_EQ(DGifSlurp(whole), GIF_OK);
   EXPECT_EQ(gif->SWidth * 10 + gif->SHeight, 42);
-  EXPECT_EQ(gif->SBackGroundColor, 7);
-  ASSERT_NE(gif->SColorMap, nullptr);
-  EXPECT_EQ(gif->SColorMap->ColorCount, 8);
-  const GifColorType five = gif->SColorMap->Colors[5];
+  EXPECT_EQ(whole->SBackGroundColor, 7);
+  ASSERT_NE(whole->SColorMap, nullptr);
+  EXPECT_EQ(whole->SColorMap->ColorCount, 8);
+  const GifColorType five = whole->SColorMap->Colors[5];
   EXPECT_EQ(five.Red << 16 | five.Green << 8 | five.Blue, 5 << 16 | 250 << 8 | 35);
   ASSERT_EQ(gif->ImageCount, 3);
   ASSERT_EQ(whole->ImageCount, 3);
