@@ -372,7 +372,10 @@ int PrintControls(FILE* out, const CommandLine& line, const std::string& effect,
     } else if (c.kind == kControlColourButton) {
       range = "colour";
     }
-    fprintf(out, "%4d  %-6s  %-12s  %-12s  %s\n", c.id, tag, range.c_str(), value ? value + 1 : "",
+    // Texts are quoted, so that a value with blanks stays one column.
+    std::string shown = value ? value + 1 : "";
+    if (c.kind == kControlTextField || c.kind == kControlFontBox) shown = "\"" + shown + "\"";
+    fprintf(out, "%4d  %-6s  %-12s  %-12s  %s\n", c.id, tag, range.c_str(), shown.c_str(),
             c.caption ? c.caption : "");
   }
   DestroyRunDialog(dialog);

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <sstream>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -479,4 +480,52 @@ TEST(Gm5Settings, AccentCompensationComesFromTheConfiguration) {
     EXPECT_EQ(AccentCompensation(), c.expected) << c.args.size();
   }
   SetAccentCompensation(1);
+}
+
+// The image-tool options say what their controls and writers say: --frames is the effect's frame
+// count, --frame N is frame N of the folder of frames, and each option's misuse is refused.
+TEST(Gm5Program, ImageToolOptionsMatchTheirControls) {
+  ScratchFolder scratch;
+  const std::string a = scratch.Path("a.gif"), b = scratch.Path("b.gif");
+  ASSERT_EQ(RunGm5("render" + kSmall + "--effect simple --frames 6 -o " + a).status, 0);
+  ASSERT_EQ(RunGm5("render" + kSmall + "--effect simple --control 112=6 -o " + b).status, 0);
+  EXPECT_EQ(FileBytes(a), FileBytes(b));
+  const std::string frames = scratch.Path("frames/"), third = scratch.Path("third.png");
+  ASSERT_EQ(RunGm5("render" + kSmall + "--frames 6 -o " + frames).status, 0);
+  ASSERT_EQ(RunGm5("render" + kSmall + "--frames 6 --frame 3 -o " + third).status, 0);
+  EXPECT_EQ(FileBytes(third), FileBytes(frames + "frame-0003.png"));
+  ExpectFailures({
+      {"render" + kSmall + "--frame 2 -o " + a,
+       "--frame chooses the frame of a single PNG (-o OUT.png)"},
+      {"render" + kSmall + "--loop 2 -o " + third, "--loop applies to a GIF or WebP"},
+      {"render" + kSmall + "--frames 6 --frame 7 -o " + third,
+       "cannot write " + third + ": there is no frame 7 (the animation has 6)"},
+      {"render" + kSmall + "--format bmp -o " + a,
+       "bad value for --format: bmp (gif, webp or png)"},
+      {"render" + kSmall + "--delay x -o " + a, "bad value for --delay: x (a whole number from 0)"},
+  });
+}
+
+// Each control gm5 controls lists carries the value the document saved from the same state holds.
+TEST(Gm5Program, ControlsListAgreesWithTheDocument) {
+  ScratchFolder scratch;
+  const std::string document = scratch.Path("s.gm5");
+  ASSERT_EQ(RunGm5("save-document " + document + " --defaults --control 120=3").status, 0);
+  const std::string saved = Text(document);
+  for (const char* effect : {"", "simple"}) {
+    ProgramRun listed = RunGm5(std::string("controls --defaults --control 120=3 ") + effect);
+    ASSERT_EQ(listed.status, 0) << listed.out;
+    std::istringstream lines(listed.out);
+    int count = 0;
+    for (std::string line; std::getline(lines, line); ++count) {
+      std::istringstream fields(line);
+      std::string id, tag, range, value;
+      fields >> id >> tag >> range >> value;
+      if (tag == "MATLBT" || tag == "FOUNTB" || tag == "ANMCTL" || value[0] == '"') continue;
+      EXPECT_NE(saved.find("\n" + tag + id + "=" + value + "\n"), std::string::npos) << line;
+    }
+    EXPECT_GT(count, 10) << effect;
+  }
+  EXPECT_NE(RunGm5("controls --defaults simple").out.find("\n 120  SDWDIR"), std::string::npos);
+  ExpectFailures({{"controls --defaults nope", "unknown effect: nope (see gm5 effects)"}});
 }
