@@ -10,6 +10,7 @@
 #include <set>
 #include <vector>
 
+#include "cli/colour_text.h"
 #include "documents/settings.h"
 #include "text/text_mask.h"
 
@@ -52,6 +53,18 @@ int ApplySettingText(const std::string& key, const std::string& value, std::stri
       return 0;
     }
     memcpy(row->value, value.c_str(), value.size() + 1);
+    return 1;
+  }
+  // Colour settings take every colour form; their keys name a colour, or the alpha background.
+  const std::string name = key;
+  uint32_t colour = 0;
+  if ((name.find("Color") != std::string::npos || name == "AlphaGreyBack") &&
+      !(row->flags & kSettingBoolean) && name.find("Enable") == std::string::npos) {
+    if (!ParseColourText(value, &colour)) {
+      *error = "bad value for " + key + ": " + value + " (a colour: " + kColourForms + ")";
+      return 0;
+    }
+    *static_cast<int32_t*>(row->value) = static_cast<int32_t>(colour);
     return 1;
   }
   errno = 0;

@@ -287,8 +287,13 @@ TEST(Gm5Program, OutputsLandWholeWhereAsked) {
   EXPECT_EQ(named.status, 0) << named.out;
   EXPECT_EQ(FileBytes(longest), FileBytes(gif));
 
+  // A full disk fails the run with the system's reason, for an animation and a document alike.
+  const std::string full = scratch.Path("full.gm5");
+  std::filesystem::create_symlink("/dev/full", full);
   ExpectFailures(
-      {{"render" + kSmall + "-o /dev/full", "cannot write /dev/full: No space left on device"}});
+      {{"render" + kSmall + "-o /dev/full", "cannot write /dev/full: No space left on device"},
+       {"save-document " + full + kSmall, "cannot write " + full + ": No space left on device"}});
+  std::filesystem::remove(full);
   const std::string document = scratch.Path("d.gm5");
   ASSERT_EQ(RunGm5("save-document " + document + kSmall).status, 0);
   const std::string first = Text(document);
@@ -329,6 +334,9 @@ TEST(Gm5Program, InputsAreReadFaithfullyOrRefused) {
       {"render --defaults --set MainSupercompress=1" + out,
        "--supercompress needs a palette with a free index: add --custom-palette (or use "
        "--true-color with .webp)"},
+      {"settings --defaults --set Style012FillColor=teal --set AlphaGreyBack=ink",
+       "bad value for AlphaGreyBack: ink (a colour: #RRGGBB, #RGB, a CSS colour name such as navy, "
+       "or a number 0xBBGGRR)"},
       {"render --defaults --control 106=#12" + out,
        "bad value for control 106: #12 (a colour: #RRGGBB, #RGB, a CSS colour name such as navy, "
        "or a number 0xBBGGRR)"},
