@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "host/writers/frame_canvas.h"
+#include "host/writers/gif_lzw.h"
 #include "shell/packed_dib.h"
 
 namespace {
@@ -83,21 +84,23 @@ int PutImage(GifFileType* gif, const GraphicsControlBlock& control, int left, in
   return 1;
 }
 
-// The bytes an image takes in a stream of `bits` per pixel, found by encoding it on its own.
-size_t ImageBytes(const GraphicsControlBlock& control, int width, int height,
-                  const GifPixelType* pixels, int bits) {
-  std::vector<uint8_t> scratch;
-  int code = 0;
-  GifFileType* gif = EGifOpen(&scratch, AppendBytes, &code);
-  if (!gif) return SIZE_MAX;
-  ColorMapObject* map = GifMakeMapObject(1 << bits, nullptr);
-  int ok = map && EGifPutScreenDesc(gif, width, height, bits, 0, map) == GIF_OK;
-  if (map) GifFreeMapObject(map);
-  const size_t start = scratch.size();
-  ok = ok && PutImage(gif, control, 0, 0, width, height, pixels, width);
-  const size_t size = scratch.size() - start;
-  EGifCloseFile(gif, &code);
-  return ok ? size : SIZE_MAX;
+// Writes an image whose pixels are already compressed (`codes`, see gif_lzw.h).
+int PutCompressedImage(GifFileType* gif, const GraphicsControlBlock& control, int left, int top,
+                       int width, int height, int minCodeSize, const std::vector<uint8_t>& codes) {
+  GifByteType extension[4];
+  EGifGCBToExtension(&control, extension);
+  if (EGifPutExtension(gif, GRAPHICS_EXT_FUNC_CODE, 4, extension) != GIF_OK ||
+      EGifPutImageDesc(gif, left, top, width, height, false, nullptr) != GIF_OK)
+    return 0;
+  GifByteType block[256];
+  for (size_t at = 0; at < codes.size(); at += 255) {
+    const size_t n = std::min<size_t>(255, codes.size() - at);
+    block[0] = static_cast<GifByteType>(n);
+    std::copy_n(codes.begin() + static_cast<std::ptrdiff_t>(at), n, block + 1);
+    if ((at == 0 ? EGifPutCode(gif, minCodeSize, block) : EGifPutCodeNext(gif, block)) != GIF_OK)
+      return 0;
+  }
+  return EGifPutCodeNext(gif, nullptr) == GIF_OK;
 }
 
 // What a decoder shows after each frame of the stream as the records describe it, as palette
@@ -166,9 +169,9 @@ int ShowsOnlyOpaqueFrames(const HostFile* file, int colours, std::vector<uint8_t
   return 1;
 }
 
-// Each frame after the first as the rectangle that changed, its unchanged pixels marked with the
-// free index `free` (-1: none) where that encodes smaller; every frame is kept on screen for the
-// next. Shown indices are written through `remap` into a colour table of `tableBits`.
+// Each frame after the first as the rectangle that changed, its unchanged pixels free to take the
+// index `free` (-1: none) where that encodes smaller; every frame is kept on screen for the next.
+// Shown indices are written through `remap` into a colour table of `tableBits`.
 int PutChangedRectangles(GifFileType* gif, const HostFile* file, int colours,
                          const std::vector<int>& remap, int tableBits, int free,
                          std::string* error) {
@@ -176,7 +179,8 @@ int PutChangedRectangles(GifFileType* gif, const HostFile* file, int colours,
   Composer composer;
   StartComposer(&composer, width, height);
   std::vector<int16_t> before;
-  std::vector<GifPixelType> plain, marked, runs;
+  std::vector<uint8_t> plain, unchanged, marks, codes, marked;
+  const int minCodeSize = std::max(2, tableBits);
   for (size_t n = 0; n < file->frames.size(); ++n) {
     GifFrame f;
     if (!ReadGifFrame(file->frames[n], file->record, colours, &f))
@@ -198,35 +202,34 @@ int PutChangedRectangles(GifFileType* gif, const HostFile* file, int colours,
     }
     const int w = right - left + 1, h = bottom - top + 1;
     plain.resize(static_cast<size_t>(w) * h);
-    marked.resize(plain.size());
-    runs.resize(plain.size());
-    // Three ways to write the rectangle: as it is; every unchanged pixel marked; and unchanged
-    // pixels marked only where the row's run of one colour does not go on through them.
+    unchanged.resize(plain.size());
     for (int y = 0; y < h; ++y)
       for (int x = 0; x < w; ++x) {
         const size_t at = static_cast<size_t>(top + y) * width + left + x;
         const size_t to = static_cast<size_t>(y) * w + x;
-        const int index = remap[now[at]];
-        const int unchanged = n > 0 && free >= 0 && now[at] == before[at];
-        plain[to] = static_cast<GifPixelType>(index);
-        marked[to] = static_cast<GifPixelType>(unchanged ? free : index);
-        runs[to] = static_cast<GifPixelType>(
-            unchanged && (x == 0 || runs[to - 1] != index) ? free : index);
+        plain[to] = static_cast<uint8_t>(remap[now[at]]);
+        unchanged[to] = n > 0 && now[at] == before[at];
       }
+    // The rectangle as it is, and with its unchanged pixels free to take the mark where that
+    // spells longer strings; the smaller is written.
     GraphicsControlBlock control = f.control;
     control.DisposalMode = DISPOSE_DO_NOT;
     control.TransparentColor = NO_TRANSPARENT_COLOR;
-    GraphicsControlBlock keyed = control;
-    keyed.TransparentColor = free;
-    const GifPixelType* best = plain.data();
+    CompressGifPixels(plain.data(), nullptr, plain.size(), minCodeSize, -1, &codes);
     if (n > 0 && free >= 0) {
-      size_t smallest = ImageBytes(control, w, h, plain.data(), tableBits);
-      for (const std::vector<GifPixelType>* candidate : {&marked, &runs}) {
-        const size_t size = ImageBytes(keyed, w, h, candidate->data(), tableBits);
-        if (size < smallest) smallest = size, best = candidate->data();
+      marks.resize(plain.size());
+      for (size_t i = 0; i < plain.size(); ++i)
+        marks[i] = unchanged[i] ? static_cast<uint8_t>(free) : plain[i];
+      for (const uint8_t* pixels : {plain.data(), marks.data()}) {
+        CompressGifPixels(pixels, pixels == plain.data() ? unchanged.data() : nullptr, plain.size(),
+                          minCodeSize, free, &marked);
+        if (marked.size() < codes.size()) {
+          codes.swap(marked);
+          control.TransparentColor = free;
+        }
       }
     }
-    if (!PutImage(gif, best == plain.data() ? control : keyed, left, top, w, h, best, w))
+    if (!PutCompressedImage(gif, control, left, top, w, h, minCodeSize, codes))
       return Fail(error, GifErrorString(gif->Error));
   }
   return 1;

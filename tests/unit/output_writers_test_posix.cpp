@@ -14,6 +14,7 @@
 
 #include "host/host_session.h"
 #include "host/writers/animation_output.h"
+#include "host/writers/gif_lzw.h"
 #include "host/writers/gif_writer.h"
 #include "host/writers/output_file.h"
 #include "shell/packed_dib.h"
@@ -252,4 +253,80 @@ TEST(AnimationOutput, FailuresLeaveNothingBehind) {
   EXPECT_EQ(WriteAnimationOutput(indexed, {}, scratch.Path("taken.gif"), &error), 0);
   EXPECT_EQ(error.rfind("cannot write " + scratch.Path("taken.gif") + ": ", 0), 0u) << error;
   EXPECT_EQ(scratch.Names(), std::vector<std::string>{"taken.gif"});
+}
+
+namespace {
+
+struct ByteReader {
+  const std::vector<uint8_t>* bytes;
+  size_t at = 0;
+};
+
+int ReadBytes(GifFileType* gif, GifByteType* out, int n) {
+  ByteReader* r = static_cast<ByteReader*>(gif->UserData);
+  const size_t count = std::min<size_t>(static_cast<size_t>(n), r->bytes->size() - r->at);
+  memcpy(out, r->bytes->data() + r->at, count);
+  r->at += count;
+  return static_cast<int>(count);
+}
+
+}  // namespace
+
+// Compressed pixels decode, through giflib, to the pixels given: each as it is, or, where it may
+// be either, as itself or the mark; across table clears and for every code size.
+TEST(GifCompression, DecodesToThePixelsOrTheirMarks) {
+  uint32_t seed = 12345;
+  auto next = [&]() { return seed = seed * 1103515245u + 12345u, seed >> 16; };
+  for (const int bits : {2, 4, 8}) {
+    const int width = 300, height = 200, mark = (1 << bits) - 1;
+    std::vector<uint8_t> pixels(width * height), either(pixels.size());
+    for (size_t i = 0; i < pixels.size(); ++i) {
+      // Runs and noise, so that strings grow long and the table fills and clears.
+      pixels[i] = static_cast<uint8_t>(i % 97 < 60 ? (i / 301) % mark : next() % mark);
+      either[i] = next() % 3 == 0;
+    }
+    std::vector<uint8_t> codes;
+    CompressGifPixels(pixels.data(), either.data(), pixels.size(), bits, mark, &codes);
+    // A one-image GIF around the codes: header, screen with a black table, image descriptor.
+    std::vector<uint8_t> file;
+    for (const char c : std::string("GIF89a")) file.push_back(static_cast<uint8_t>(c));
+    auto put16 = [&](int value) {
+      file.push_back(static_cast<uint8_t>(value & 0xFF));
+      file.push_back(static_cast<uint8_t>(value >> 8));
+    };
+    put16(width);
+    put16(height);
+    file.push_back(static_cast<uint8_t>(0x80 | (bits - 1)));
+    file.push_back(0);
+    file.push_back(0);
+    file.resize(file.size() + 3 * (1 << bits), 0);
+    file.push_back(0x2C);
+    put16(0);
+    put16(0);
+    put16(width);
+    put16(height);
+    file.push_back(0);
+    file.push_back(static_cast<uint8_t>(bits));
+    for (size_t at = 0; at < codes.size(); at += 255) {
+      const size_t n = std::min<size_t>(255, codes.size() - at);
+      file.push_back(static_cast<uint8_t>(n));
+      file.insert(file.end(), codes.begin() + at, codes.begin() + at + n);
+    }
+    file.push_back(0);
+    file.push_back(0x3B);
+    ByteReader reader{&file};
+    int code = 0;
+    GifFileType* gif = DGifOpen(&reader, ReadBytes, &code);
+    ASSERT_NE(gif, nullptr) << bits;
+    ASSERT_EQ(DGifSlurp(gif), GIF_OK) << bits << " " << GifErrorString(gif->Error);
+    const uint8_t* decoded = gif->SavedImages[0].RasterBits;
+    size_t wrong = 0, marked = 0;
+    for (size_t i = 0; i < pixels.size(); ++i) {
+      marked += decoded[i] == mark && pixels[i] != mark;
+      wrong += decoded[i] != pixels[i] && !(either[i] && decoded[i] == mark);
+    }
+    EXPECT_EQ(wrong, 0u) << bits;
+    EXPECT_GT(marked, 0u) << bits;  // the marks were used
+    DGifCloseFile(gif, &code);
+  }
 }
