@@ -100,6 +100,7 @@ void CompressGifPixels(const uint8_t* pixels, const uint8_t* either, size_t coun
     writer.Flush();
     return;
   }
+  std::vector<size_t> reachFrom(count, 0);
   size_t i = 0;
   int start = pickStart(0, -1);
   for (;;) {
@@ -116,10 +117,15 @@ void CompressGifPixels(const uint8_t* pixels, const uint8_t* either, size_t coun
           reach = count, stop = end, code = node;
         continue;
       }
-      int a, b, unused = 0;
-      values(end, &a, &b);
-      size_t further = longest(end, a, &unused);
-      if (b >= 0) further = std::max(further, longest(end, b, &unused));
+      // How far the string from `end` reaches is kept from the step that first asked: the
+      // table has grown since by a few entries at most, and this only ranks the choices.
+      size_t& further = reachFrom[end];
+      if (!further) {
+        int a, b, unused = 0;
+        values(end, &a, &b);
+        further = longest(end, a, &unused);
+        if (b >= 0) further = std::max(further, longest(end, b, &unused));
+      }
       if (further > reach || (further == reach && end > stop))
         reach = further, stop = end, code = node;
     }
