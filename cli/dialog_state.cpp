@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <strings.h>
+#include <vector>
 
 #include "cli/colour_text.h"
 #include "cli/text_encoding.h"
@@ -101,6 +102,31 @@ void SyncPickers(WindowHandle dialog) {
       DialogSetText(picker, std::to_string(value).c_str());
       if (int32_t* setting = c.key ? SettingInteger(c.key) : nullptr) *setting = value;
     }
+}
+
+// The spin edits of the main dialog and of the page of effect `row`, with their settings.
+template <typename Visit>
+void ForEachShownSpin(int32_t row, Visit visit) {
+  auto table = [&](const PageTable& t) {
+    for (int32_t i = 0; i < t.count; ++i)
+      if (t.controls[i].kind == kControlSpinEdit && t.controls[i].key) visit(t.controls[i]);
+  };
+  table(kMainDialogTable);
+  for (const PageTable& page : kPageTables)
+    if (row >= 0 && row < kEffectCount && page.style == EffectStyle[row]) table(page);
+}
+
+// Reports the settings that their controls took as another value, their range's nearest.
+void ReportClampedSettings(WindowHandle dialog, const std::vector<int32_t>& before) {
+  const int32_t row = DialogGetSelection(DialogItem(dialog, kIdEffect));
+  size_t n = 0;
+  ForEachShownSpin(row, [&](const PageControl& c) {
+    const int32_t held = ReadDlgValue(dialog, c.id);
+    if (n < before.size() && before[n] != held)
+      fprintf(stderr, "gm5: the setting %s=%d is outside the range of its control; using %d\n",
+              c.key, before[n], held);
+    ++n;
+  });
 }
 
 void AddFontRow(const char* family, void* control) {
@@ -268,6 +294,13 @@ int ApplyControlText(WindowHandle dialog, int32_t id, const std::string& value,
 
 WindowHandle CreateRunDialog(const CommandLine& line, const std::string& document,
                              std::string* error) {
+  // The values the settings hold for the controls shown, to report those their controls clamp.
+  std::vector<int32_t> settingValues;
+  const int32_t* effect = SettingInteger("MainEffect");
+  ForEachShownSpin(effect ? *effect : -1, [&](const PageControl& c) {
+    const int32_t* value = SettingInteger(c.key);
+    settingValues.push_back(value ? *value : 0);
+  });
   WindowHandle dialog = CreateValueDialog();
   if (dialog && !GiveButtonMaterials(dialog)) dialog = (DestroyRunDialog(dialog), nullptr);
   if (!dialog) {
@@ -286,6 +319,7 @@ WindowHandle CreateRunDialog(const CommandLine& line, const std::string& documen
       }
     }
   }
+  if (document.empty() && line.effect.empty()) ReportClampedSettings(dialog, settingValues);
   int ok = 1;
   if (!document.empty()) ok = ReadDocument(dialog, document, error);
   if (ok && !line.effect.empty()) {
@@ -356,6 +390,9 @@ int PrintControls(FILE* out, const CommandLine& line, const std::string& effect,
   }
   WindowHandle dialog = CreateRunDialog(line, std::string(), error);
   if (!dialog) return 0;
+  if (table != &kMainDialogTable)
+    fprintf(out, "# %s: settings Style%03d...\n", EffectTable[FindEffectRow(effect)].name,
+            table->style);
   for (int32_t i = 0; i < table->count; ++i) {
     const PageControl& c = table->controls[i];
     WindowHandle control = DialogItem(dialog, c.id);

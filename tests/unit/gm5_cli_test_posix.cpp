@@ -341,6 +341,10 @@ TEST(Gm5Program, InputsAreReadFaithfullyOrRefused) {
        "bad value for control 106: #12 (a colour: #RRGGBB, #RGB, a CSS colour name such as navy, "
        "or a number 0xBBGGRR)"},
   });
+  // A setting its control clamps is reported, as an option would be.
+  EXPECT_EQ(
+      RunGm5("save-document " + scratch.Path("c.gm5") + " --defaults --set MainFontSize=5000").out,
+      "gm5: the setting MainFontSize=5000 is outside the range of its control; using 400\n");
   // Typed UTF-8 is saved as UTF-8, blanks and all, and reads back unchanged.
   const std::string document = scratch.Path("t.gm5"), again = scratch.Path("u.gm5");
   ASSERT_EQ(RunGm5("save-document " + document + " --defaults --text '  Café €5 '").status, 0);
@@ -526,6 +530,7 @@ TEST(Gm5Program, ControlsListAgreesWithTheDocument) {
     std::istringstream lines(listed.out);
     int count = 0;
     for (std::string line; std::getline(lines, line); ++count) {
+      if (line[0] == '#') continue;  // the page's heading
       std::istringstream fields(line);
       std::string id, tag, range, value;
       fields >> id >> tag >> range >> value;
@@ -534,6 +539,8 @@ TEST(Gm5Program, ControlsListAgreesWithTheDocument) {
     }
     EXPECT_GT(count, 10) << effect;
   }
-  EXPECT_NE(RunGm5("controls --defaults simple").out.find("\n 120  SDWDIR"), std::string::npos);
+  const std::string simple = RunGm5("controls --defaults simple").out;
+  EXPECT_EQ(simple.rfind("# Simple: settings Style000...\n", 0), 0u) << simple;
+  EXPECT_NE(simple.find("\n 120  SDWDIR"), std::string::npos);
   ExpectFailures({{"controls --defaults nope", "unknown effect: nope (see gm5 effects)"}});
 }
