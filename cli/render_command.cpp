@@ -57,7 +57,10 @@ int PrepareRun(const CommandLine& line, const char* command, OutputKind wanted, 
       (document.size() < 4 || strcasecmp(document.c_str() + document.size() - 4, ".gm5") != 0))
     return *error = "not an effect document: " + document + " (expected .gm5)", 0;
   if (line.output.empty()) return *error = name + " needs an output: -o OUT", 0;
-  const OutputKind kind = OutputKindFor(line.output, line.format);
+  // A sample on the standard output is a PNG unless a format says otherwise.
+  const std::string format =
+      line.output == "-" && wanted == OutputPng && line.format.empty() ? "png" : line.format;
+  const OutputKind kind = OutputKindFor(line.output, format);
   if (kind == OutputUnknown || (wanted != OutputUnknown && kind != wanted))
     return *error = "unknown output type: " + line.output +
                     (wanted == OutputPng ? " (a sample is written as .png)"

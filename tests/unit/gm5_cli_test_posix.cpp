@@ -277,6 +277,11 @@ TEST(Gm5Program, OutputsLandWholeWhereAsked) {
   ASSERT_EQ(RunShell(std::string(GM5_PROGRAM_PATH) + " render" + kSmall + "-o - > " + piped), 0);
   EXPECT_EQ(FileBytes(piped), FileBytes(gif));
   EXPECT_GT(FileBytes(gif).size(), 100u);
+  const std::string sample = scratch.Path("sample.png"), pipedSample = scratch.Path("piped.png");
+  ASSERT_EQ(RunGm5("preview" + kSmall + "-o " + sample).status, 0);
+  ASSERT_EQ(RunShell(std::string(GM5_PROGRAM_PATH) + " preview" + kSmall + "-o - > " + pipedSample),
+            0);
+  EXPECT_EQ(FileBytes(pipedSample), FileBytes(sample));
   const std::string forced = scratch.Path("forced.gif");
   ASSERT_EQ(RunGm5("render" + kSmall + "--format webp -o " + forced).status, 0);
   EXPECT_EQ(Text(forced).substr(8, 4), "WEBP");
@@ -303,7 +308,8 @@ TEST(Gm5Program, OutputsLandWholeWhereAsked) {
   std::vector<std::string> names = scratch.Names();
   std::sort(names.begin(), names.end());
   EXPECT_EQ(names, (std::vector<std::string>{"a.gif", "d.gm5", "d.gm5.bak", "forced.gif",
-                                             std::string(251, 'n') + ".gif", "piped.gif"}));
+                                             std::string(251, 'n') + ".gif", "piped.gif",
+                                             "piped.png", "sample.png"}));
 }
 
 // What is read is read as it stands or refused in one line: files that are not regular files,
