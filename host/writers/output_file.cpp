@@ -178,11 +178,21 @@ int WriteOutputBytes(const std::string& path, const void* bytes, size_t size, in
     if (close(descriptor) != 0 && ok) ok = 0, code = errno;
     return ok ? 1 : Fail(error, path, Reason(code));
   }
+  // A link to a file is followed: the file it names is replaced and the link stays.
+  std::string place = path;
+  struct stat link;
+  if (exists && lstat(path.c_str(), &link) == 0 && S_ISLNK(link.st_mode)) {
+    char resolved[PATH_MAX];
+    if (realpath(path.c_str(), resolved)) place = resolved;
+  }
   // A rewritten document keeps what it replaces; the copy is complete before anything changes.
-  if (exists && keepBackup && !CopyToBackup(path, path + ".bak", error)) return 0;
+  // A name too long to take ".bak" goes without.
+  if (exists && keepBackup && !CopyToBackup(place, place + ".bak", error) &&
+      error->find(strerror(ENAMETOOLONG)) == std::string::npos)
+    return 0;
   // The temporary's name does not grow with the destination's, so that any valid name works.
   const std::string temporary =
-      FolderOf(path) + "/.gm5-" + std::to_string(static_cast<long>(getpid())) + ".part";
+      FolderOf(place) + "/.gm5-" + std::to_string(static_cast<long>(getpid())) + ".part";
   PublishPartial(temporary);
   const int descriptor =
       open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_EXCL | O_CLOEXEC, 0666);
@@ -196,7 +206,7 @@ int WriteOutputBytes(const std::string& path, const void* bytes, size_t size, in
   if (ok && fsync(descriptor) != 0 && errno != EINVAL && errno != EROFS) ok = 0, code = errno;
   if (close(descriptor) != 0 && ok) ok = 0, code = errno;
   if (ok && exists) fchmodat(AT_FDCWD, temporary.c_str(), info.st_mode & 07777, 0);
-  if (ok && rename(temporary.c_str(), path.c_str()) != 0) ok = 0, code = errno;
+  if (ok && rename(temporary.c_str(), place.c_str()) != 0) ok = 0, code = errno;
   if (!ok) unlink(temporary.c_str());
   partialSet.store(0);
   return ok ? 1 : Fail(error, path, Reason(code));

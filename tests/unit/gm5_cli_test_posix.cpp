@@ -305,6 +305,18 @@ TEST(Gm5Program, OutputsLandWholeWhereAsked) {
   ASSERT_EQ(RunGm5("save-document " + document + " --defaults --text Later").status, 0);
   EXPECT_EQ(Text(document + ".bak"), first);
   EXPECT_NE(Text(document).find("\nTXTFLD52=Later\n"), std::string::npos);
+  // A link is followed, and stays a link; a name too long to take ".bak" is still written.
+  const std::string linked = scratch.Path("linked.gm5");
+  std::filesystem::create_symlink(document, linked);
+  ASSERT_EQ(RunGm5("save-document " + linked + " --defaults --text Linked").status, 0);
+  EXPECT_TRUE(std::filesystem::is_symlink(linked));
+  EXPECT_NE(Text(document).find("\nTXTFLD52=Linked\n"), std::string::npos);
+  std::filesystem::remove(linked);
+  const std::string longDocument = scratch.Path(std::string(250, 'd') + ".gm5");
+  for (int i = 0; i < 2; ++i)
+    EXPECT_EQ(RunGm5("save-document " + longDocument + " --defaults").status, 0) << i;
+  EXPECT_TRUE(std::filesystem::exists(longDocument));
+  std::filesystem::remove(longDocument);
   std::vector<std::string> names = scratch.Names();
   std::sort(names.begin(), names.end());
   EXPECT_EQ(names, (std::vector<std::string>{"a.gif", "d.gm5", "d.gm5.bak", "forced.gif",
