@@ -22,6 +22,21 @@ const CommandName kCommands[] = {
     {"save-document", CommandSaveDocument},
     {"render", CommandRender},
     {"preview", CommandPreview},
+    {"fonts", CommandFonts},
+    {"controls", CommandControls},
+};
+
+// Options taking a whole number of at least `least`.
+struct NumberOption {
+  const char* name;
+  int32_t CommandLine::*field;
+  int32_t least;
+};
+
+const NumberOption kNumberOptions[] = {
+    {"--frames", &CommandLine::frames, 1}, {"--delay", &CommandLine::delay, 0},
+    {"--pause", &CommandLine::pause, 0},   {"--loop", &CommandLine::loop, 0},
+    {"--frame", &CommandLine::frame, 1},
 };
 
 // Switches that set one field to 1, with a --no- form that sets it to 0.
@@ -105,7 +120,32 @@ int ParseCommandLine(int argc, const char* const* argv, CommandLine* line, std::
       return 1;
     };
 
-    if (name == "-h" || name == "--help") {
+    // Options without a value take none, not even after an =.
+    const int flag = name == "-h" || name == "--help" || name == "--version" || name == "-q" ||
+                     name == "--quiet" || name == "--defaults" || name == "--path";
+    if (flag && hasInline) {
+      *error = "option takes no value: " + name;
+      return 0;
+    }
+    const NumberOption* numeric = nullptr;
+    for (const NumberOption& o : kNumberOptions)
+      if (name == o.name) numeric = &o;
+    if (numeric) {
+      std::string value;
+      if (!takeValue(&value)) return 0;
+      if (!ParseInteger(value, &(line->*numeric->field)) ||
+          line->*numeric->field < numeric->least) {
+        *error = "bad value for " + name + ": " + value + " (a whole number from " +
+                 std::to_string(numeric->least) + ")";
+        return 0;
+      }
+    } else if (name == "--format") {
+      if (!takeValue(&line->format)) return 0;
+      if (line->format != "gif" && line->format != "webp" && line->format != "png") {
+        *error = "bad value for --format: " + line->format + " (gif, webp or png)";
+        return 0;
+      }
+    } else if (name == "-h" || name == "--help") {
       line->help = 1;
     } else if (name == "--version") {
       line->version = 1;
@@ -113,6 +153,8 @@ int ParseCommandLine(int argc, const char* const* argv, CommandLine* line, std::
       line->quiet = 1;
     } else if (name == "--defaults") {
       line->defaults = 1;
+    } else if (name == "--path") {
+      line->path = 1;
     } else if (name == "-o" || name == "--output") {
       if (!takeValue(&line->output)) return 0;
     } else if (name == "--effect") {
@@ -178,7 +220,9 @@ int ParseCommandLine(int argc, const char* const* argv, CommandLine* line, std::
 
 int HasBuildOptions(const CommandLine& line) {
   int any = !line.output.empty() || line.defaults || !line.effect.empty() || line.hasText ||
-            !line.font.empty() || line.size || !line.settings.empty() || !line.controls.empty();
+            !line.font.empty() || line.size || !line.settings.empty() || !line.controls.empty() ||
+            !line.format.empty();
+  for (const NumberOption& o : kNumberOptions) any |= line.*o.field != -1;
   for (const Switch& s : kSwitches) any |= line.*s.field != -1;
   return any;
 }
@@ -195,12 +239,17 @@ const char* Gm5Usage() {
          "Renders text animations with the Glyph Motion 5 engine.\n"
          "\n"
          "commands:\n"
-         "  render [DOC.gm5] -o OUT      build the animation: OUT.gif, OUT.webp, OUT.png (first\n"
-         "                               frame) or a folder of numbered PNG frames (OUT/)\n"
+         "  render [DOC.gm5] -o OUT      build the animation: OUT.gif, OUT.webp, OUT.png (one\n"
+         "                               frame), a folder of numbered PNG frames (OUT/), or -\n"
+         "                               for the standard output (GIF unless --format says)\n"
          "  preview [DOC.gm5] -o OUT.png the selected effect's sample picture\n"
          "  effects                      list the effects, one per line: row, name, and build\n"
          "                               where the effect can build (- where not yet)\n"
-         "  settings [KEY]               each setting's value and default (or only KEY's)\n"
+         "  controls [EFFECT]            the controls of the main dialog, or of EFFECT's page:\n"
+         "                               id, kind, range, current value and label\n"
+         "  fonts                        the font names the system has\n"
+         "  settings [KEY]               each setting's value and default (or only KEY's);\n"
+         "                               with --path, where the configuration file is\n"
          "  save-document OUT.gm5        write the state the options give as an effect document\n"
          "\n"
          "options:\n"
@@ -209,13 +258,21 @@ const char* Gm5Usage() {
          "      --control ID=VALUE       set a control by its id, as a document line would\n"
          "      --effect NAME            the effect, by its name in the Effect box (any case)\n"
          "      --text TEXT, --font NAME, --size N\n"
+         "      --frames N               the number of frames of the effect, where it has one\n"
+         "      --delay N                each frame's delay, in hundredths of a second\n"
+         "      --pause N                the pause after the last frame, in hundredths\n"
+         "      --loop N                 repeats of a GIF or WebP (0: for ever, the default)\n"
+         "      --frame N                the frame (from 1) a single PNG shows (1)\n"
+         "      --format gif|webp|png    the output's format, whatever its extension\n"
          "      --bold, --italic, --true-color, --custom-palette, --dither, --transparent,\n"
          "      --supercompress, --alpha (and each with --no- to turn it off)\n"
          "  -h, --help                   this text\n"
          "  -o, --output OUT             where render and preview write\n"
          "      --sample-size WxH        the sample area preview gives the effect (450x276)\n"
-         "  -q, --quiet                  no progress bar\n"
+         "  -q, --quiet                  no progress bar and no closing line\n"
          "      --version                the program's version\n"
          "\n"
+         "\n"
+         "Colours: #RRGGBB, #RGB, a CSS colour name, or the engine's decimal 0xBBGGRR value.\n"
          "Exit status: 0 on success, 1 on any failure, with a one-line message on stderr.\n";
 }

@@ -15,6 +15,8 @@ enum Gm5Command : int32_t {
   CommandSaveDocument,
   CommandRender,
   CommandPreview,
+  CommandFonts,
+  CommandControls,
 };
 
 struct CommandLine {
@@ -22,11 +24,16 @@ struct CommandLine {
   std::vector<std::string> arguments;  // the command's file or key arguments, in order
   std::string output;                  // -o / --output
   int help = 0, version = 0, quiet = 0, defaults = 0;
+  int path = 0;  // settings --path: print where the configuration file is
   std::string effect;  // --effect, as typed
   int hasText = 0;
   std::string text;
   std::string font;
   int32_t size = 0;  // --size, 0 when not given
+  // --frames, --delay (hundredths of a second), --pause (hundredths), --loop (0 for ever),
+  // --frame (from 1, a single PNG): -1 when not given.
+  int32_t frames = -1, delay = -1, pause = -1, loop = -1, frame = -1;
+  std::string format;  // --format gif|webp|png
   // --sample-size WxH: the sample area preview hands the effect. The default is the main dialog's
   // sample button, 300 by 170 dialog units at the dialog font's 6 by 13 base units.
   int32_t sampleWidth = 450, sampleHeight = 276;

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdio>
 #include <string>
 
 #include "cli/command_line.h"
@@ -27,3 +28,9 @@ void DestroyRunDialog(WindowHandle dialog);
 // Writes the dialog's state as an effect document at `path`, whole or not at all. Returns 0 with
 // `error` on failure.
 int SaveRunDocument(WindowHandle dialog, const std::string& path, std::string* error);
+
+// Writes one line per control of the main dialog (`effect` empty) or of the page of the effect
+// named `effect`: id, kind, range ("min..max" or the number of rows), current value and label,
+// the value as a document line would hold it. Returns 0 with `error` for an unknown effect.
+int PrintControls(FILE* out, const CommandLine& line, const std::string& effect,
+                  std::string* error);

@@ -9,6 +9,8 @@
 #include "cli/dialog_state.h"
 #include "cli/render_command.h"
 #include "cli/settings_command.h"
+#include "documents/settings.h"
+#include "platform/posix/font_list_posix.h"
 #include "host/writers/output_file.h"
 #include "shell/effect_table.h"
 
@@ -43,12 +45,41 @@ int HasOptionsBeyondSettings(CommandLine line) {
 
 int ShowSettings(const CommandLine& line) {
   std::string error;
+  if (line.path) {
+    char path[kSettingTextSize];
+    if (!line.arguments.empty() || HasBuildOptions(line))
+      return Fail("settings --path takes nothing else");
+    if (!SettingsFolderPath("rfdplgm5.ini", path, sizeof path))
+      return Fail("no configuration folder (HOME is not set)");
+    printf("%s\n", path);
+    return 0;
+  }
   if (line.arguments.size() > 1) return Fail("settings takes at most one key");
   if (HasOptionsBeyondSettings(line)) return Fail("settings takes only --defaults and --set");
   if (!PrepareSettings(line, &error) ||
       !PrintSettings(stdout, line.arguments.empty() ? std::string() : line.arguments[0], &error))
     return Fail(error);
   return 0;
+}
+
+void PrintFamily(const char* family, void*) {
+  printf("%s\n", family);
+}
+
+int ListFonts(const CommandLine& line) {
+  if (!line.arguments.empty() || HasBuildOptions(line)) return Fail("fonts takes no arguments");
+  if (ListFontFamilies(PrintFamily, nullptr) == 0) return Fail("no fonts are installed");
+  return 0;
+}
+
+int ListControls(const CommandLine& line) {
+  std::string error;
+  if (line.arguments.size() > 1) return Fail("controls takes at most one effect");
+  if (!PrepareSettings(line, &error)) return Fail(error);
+  return PrintControls(stdout, line, line.arguments.empty() ? std::string() : line.arguments[0],
+                       &error)
+             ? 0
+             : Fail(error);
 }
 
 int WriteDocument(const CommandLine& line) {
@@ -73,10 +104,13 @@ int WriteDocument(const CommandLine& line) {
 extern "C" const char* __lsan_default_suppressions() {
   return "leak:libfontconfig.so\n";
 }
+// ... and keeps quiet about having used it, so that a failing run still ends in its one line.
+extern "C" const char* __lsan_default_options() {
+  return "print_suppressions=0";
+}
 
 int main(int argc, char** argv) {
-  signal(SIGINT, OnStopSignal);
-  signal(SIGTERM, OnStopSignal);
+  for (int stop : {SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGALRM}) signal(stop, OnStopSignal);
   CommandLine line;
   std::string error;
   if (!ParseCommandLine(argc, argv, &line, &error)) return Fail(error);
@@ -105,6 +139,12 @@ int main(int argc, char** argv) {
       break;
     case CommandRender:
       status = RenderAnimation(line, &error) ? 0 : Fail(error);
+      break;
+    case CommandFonts:
+      status = ListFonts(line);
+      break;
+    case CommandControls:
+      status = ListControls(line);
       break;
     case CommandPreview:
       status = RenderPreview(line, &error) ? 0 : Fail(error);

@@ -1,15 +1,56 @@
 // The in-process host: HostService routed to the active session, with progress shown on the way.
 #include "cli/inprocess_host.h"
 
+#include <unistd.h>
+
+#include <cstdio>
 #include <cstring>
+
+#include "shell/packed_dib.h"
 
 namespace {
 
 InProcessHost* activeHost = nullptr;
 
+uint64_t MachineMemory() {
+  const long pages = sysconf(_SC_PHYS_PAGES), size = sysconf(_SC_PAGE_SIZE);
+  return pages > 0 && size > 0 ? static_cast<uint64_t>(pages) * static_cast<uint64_t>(size)
+                               : UINT64_MAX;
+}
+
+std::string InMegabytes(uint64_t bytes) {
+  char text[32];
+  snprintf(text, sizeof text, "%.1f MB", static_cast<double>(bytes) / (1024.0 * 1024.0));
+  return text;
+}
+
+// Refuses a file the output cannot hold or memory cannot keep, saying why.
+int RefuseFile(InProcessHost* host, const FileObjectRecord* record) {
+  if (record->width > host->largestSide || record->height > host->largestSide) {
+    host->refusal = "the animation would be " + std::to_string(record->width) + "x" +
+                    std::to_string(record->height) + ", larger than the output holds (" +
+                    std::to_string(host->largestSide) + " pixels a side)";
+    return 1;
+  }
+  const uint64_t limit = host->memoryLimit ? host->memoryLimit : MachineMemory();
+  const uint64_t need =
+      EstimateFrameBytes(record->width, record->height, record->bits, record->frameCount);
+  if (need > limit) {
+    host->refusal = "the animation would need about " + InMegabytes(need) + " for its " +
+                    std::to_string(record->frameCount) + " frames of " +
+                    std::to_string(record->width) + "x" + std::to_string(record->height) +
+                    ", more than the " + InMegabytes(limit) + " of memory (use a smaller --size)";
+    return 1;
+  }
+  return 0;
+}
+
 uint64_t ServeInProcess(void* object, int32_t opcode, uint64_t a, uint64_t b) {
   InProcessHost* host = activeHost;
   if (!host) return 0;
+  if (opcode == HostOpCreateFile && b &&
+      RefuseFile(host, reinterpret_cast<const FileObjectRecord*>(b)))
+    return 0;
   uint64_t result = ServeHostCall(&host->session, object, opcode, a, b);
   if (host->progress && opcode == HostOpProgressCaption && b) {
     const char* text = reinterpret_cast<const char*>(b);
@@ -43,6 +84,13 @@ const HostFile* InProcessResult(const InProcessHost* host) {
   return nullptr;
 }
 
-int32_t InProcessDelayMilliseconds(const InProcessHost* host) {
-  return host->trueColour ? 1 : 10;
+uint64_t EstimateFrameBytes(int32_t width, int32_t height, int32_t bits, int32_t frameCount) {
+  if (width <= 0 || height <= 0) return 0;
+  const uint64_t stride =
+      (static_cast<uint64_t>(width) * static_cast<uint64_t>(bits) + 31) / 32 * 4;
+  const uint64_t frame =
+      kDibHeaderBytes + DibTableBytes(bits) + stride * static_cast<uint64_t>(height);
+  const uint64_t canvas =
+      uint64_t{4} * static_cast<uint64_t>(width) * static_cast<uint64_t>(height);
+  return frame * static_cast<uint64_t>(frameCount > 0 ? frameCount : 1) + canvas;
 }

@@ -5,13 +5,18 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstring>
 #include <strings.h>
+#include <utility>
 #include <vector>
 
 #include "cli/dialog_state.h"
 #include "cli/inprocess_host.h"
 #include "cli/settings_command.h"
+#include "controls/value_controls.h"
 #include "host/writers/animation_output.h"
+#include "host/writers/webp_writer.h"
+#include "platform/posix/font_list_posix.h"
 #include "shell/build_pipeline.h"
 #include "shell/crt_random.h"
 #include "shell/effect_table.h"
@@ -41,8 +46,9 @@ struct RunDialog {
   }
 };
 
-// The shared start of both commands: the arguments' form, the output's type, the settings and
-// the dialog with the document and the options applied.
+// The shared start of both commands: the arguments' form, the output's type and place, the
+// settings and the dialog with the document and the options applied. All that can be known to
+// fail is refused here, before anything is rendered.
 int PrepareRun(const CommandLine& line, const char* command, OutputKind wanted, RunDialog* run,
                std::string* error) {
   const std::string name = command;
@@ -53,15 +59,36 @@ int PrepareRun(const CommandLine& line, const char* command, OutputKind wanted, 
       (document.size() < 4 || strcasecmp(document.c_str() + document.size() - 4, ".gm5") != 0))
     return *error = "not an effect document: " + document + " (expected .gm5)", 0;
   if (line.output.empty()) return *error = name + " needs an output: -o OUT", 0;
-  const OutputKind kind = OutputKindForPath(line.output);
+  // A sample on the standard output is a PNG unless a format says otherwise.
+  const std::string format =
+      line.output == "-" && wanted == OutputPng && line.format.empty() ? "png" : line.format;
+  const OutputKind kind = OutputKindFor(line.output, format);
   if (kind == OutputUnknown || (wanted != OutputUnknown && kind != wanted))
     return *error = "unknown output type: " + line.output +
                     (wanted == OutputPng ? " (a sample is written as .png)"
                                          : " (use .gif, .webp, .png or a folder)"),
            0;
+  if (line.frame != -1 && (wanted == OutputPng || kind != OutputPng))
+    return *error = "--frame chooses the frame of a single PNG (-o OUT.png)", 0;
+  if (line.loop != -1 && kind != OutputGif && kind != OutputWebp)
+    return *error = "--loop applies to a GIF or WebP", 0;
+  if (!CheckOutputPlace(line.output, kind, error)) return 0;
   if (!PrepareSettings(line, error)) return 0;
   run->dialog = CreateRunDialog(line, document, error);
-  return run->dialog != nullptr;
+  if (!run->dialog) return 0;
+  char text[2];
+  if (DialogGetText(DialogItem(run->dialog, kTextFieldId), text, sizeof text) == 0)
+    return *error = "the text is empty", 0;
+  return 1;
+}
+
+// A face that is not installed is drawn in another; says which, once, as the run starts.
+void WarnOfSubstituteFont(WindowHandle dialog) {
+  char font[kDocumentTextLimit + 1], drawn[256];
+  DialogGetText(DialogItem(dialog, kIdFontName), font, sizeof font);
+  if (DrawnFontFamily(font, drawn, sizeof drawn) && strcasecmp(font, drawn) != 0)
+    fprintf(stderr, "gm5: the font \"%s\" is not installed; drawing in \"%s\" instead\n", font,
+            drawn);
 }
 
 std::string EngineFailure(const char* what) {
@@ -76,7 +103,8 @@ int RenderAnimation(const CommandLine& line, std::string* error, HostFile* built
   if (!PrepareRun(line, "render", OutputUnknown, &run, error)) return 0;
   // A GIF holds at most 256 colours and no alpha plane: its build is an indexed one. Boxes the
   // settings or a document turned on give way; the options asking for it are a contradiction.
-  if (OutputKindForPath(line.output) == OutputGif) {
+  const OutputKind kind = OutputKindFor(line.output, line.format);
+  if (kind == OutputGif) {
     if (line.trueColour == 1 || line.alpha == 1)
       return *error = std::string("a GIF cannot hold a ") +
                       (line.alpha == 1 ? "--alpha" : "--true-color") + " build: " + line.output +
@@ -85,22 +113,49 @@ int RenderAnimation(const CommandLine& line, std::string* error, HostFile* built
     DialogSetCheck(DialogItem(run.dialog, kIdTrueColour), 0);
     DialogSetCheck(DialogItem(run.dialog, kIdAlphaTransparency), 0);
   }
+  // A fixed palette keeps no index free: a transparent key or the marks of unchanged pixels
+  // would take the index of a real colour and punch holes in the letters.
+  const int indexed = !DialogGetCheck(DialogItem(run.dialog, kIdTrueColour)) &&
+                      !DialogGetCheck(DialogItem(run.dialog, kIdAlphaTransparency));
+  if (indexed && !DialogGetCheck(DialogItem(run.dialog, kIdCustomPalette))) {
+    for (const auto& [id, option] : {std::pair{kIdTransparent, "--transparent"},
+                                     std::pair{kIdSupercompress, "--supercompress"}})
+      if (DialogGetCheck(DialogItem(run.dialog, id)))
+        return *error = std::string(option) +
+                        " needs a palette with a free index: add --custom-palette"
+                        " (or use --true-color with .webp)",
+               0;
+  }
   // True colour and alpha builds need a host that takes frames of 24 and 32 bits.
   const int32_t trueColour = DialogGetCheck(DialogItem(run.dialog, kIdTrueColour)) ||
                              DialogGetCheck(DialogItem(run.dialog, kIdAlphaTransparency));
+  WarnOfSubstituteFont(run.dialog);
   ProgressBar bar;
   BeginProgress(&bar, stderr, line.quiet);
   InProcessHost host;
   BeginInProcessHost(&host, trueColour, &bar);
+  host.largestSide = kind == OutputWebp ? kWebpLargestSide : 65535;
   RecordShownMessage("");
   const int ok = BuildFrames(run.dialog, &host.record, 0);
   EndInProcessHost(&host);
   EndProgress(&bar);
+  if (!host.refusal.empty()) return *error = host.refusal, 0;
   const HostFile* file = InProcessResult(&host);
   if (!ok || !file) return *error = EngineFailure("the build failed"), 0;
   if (built) *built = *file;
   if (file->frames.empty()) return *error = "the build made no frames", 0;
-  return WriteAnimationOutput(file, InProcessDelayMilliseconds(&host), line.output, error);
+  OutputOptions options;
+  options.format = line.format;
+  options.loopCount = line.loop == -1 ? 0 : line.loop;
+  options.frame = line.frame == -1 ? 0 : line.frame - 1;
+  uint64_t bytes = 0;
+  if (!WriteAnimationOutput(file, options, line.output, error, &bytes)) return 0;
+  if (!line.quiet)
+    fprintf(stderr, "gm5: wrote %s: %zu frame%s, %dx%d, %llu bytes\n",
+            line.output == "-" ? "the standard output" : line.output.c_str(), file->frames.size(),
+            file->frames.size() == 1 ? "" : "s", file->record.width, file->record.height,
+            static_cast<unsigned long long>(bytes));
+  return 1;
 }
 
 int RenderPreview(const CommandLine& line, std::string* error) {
@@ -111,6 +166,7 @@ int RenderPreview(const CommandLine& line, std::string* error) {
   context.sample = 1;
   context.sampleWidth = line.sampleWidth;
   context.sampleHeight = line.sampleHeight;
+  WarnOfSubstituteFont(run.dialog);
   RecordShownMessage("");
   const int32_t row = DialogGetSelection(DialogItem(run.dialog, kIdEffect));
   if (!RunEffectPreview(row, &context)) return *error = EngineFailure("the preview failed"), 0;

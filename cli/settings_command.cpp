@@ -1,6 +1,8 @@
 // The settings as gm5 sees them: option texts into the table, and the table printed with defaults.
 #include "cli/settings_command.h"
 
+#include <sys/stat.h>
+
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
@@ -8,7 +10,9 @@
 #include <set>
 #include <vector>
 
+#include "cli/colour_text.h"
 #include "documents/settings.h"
+#include "text/text_mask.h"
 
 namespace {
 
@@ -51,6 +55,18 @@ int ApplySettingText(const std::string& key, const std::string& value, std::stri
     memcpy(row->value, value.c_str(), value.size() + 1);
     return 1;
   }
+  // Colour settings take every colour form; their keys name a colour, or the alpha background.
+  const std::string name = key;
+  uint32_t colour = 0;
+  if ((name.find("Color") != std::string::npos || name == "AlphaGreyBack") &&
+      !(row->flags & kSettingBoolean) && name.find("Enable") == std::string::npos) {
+    if (!ParseColourText(value, &colour)) {
+      *error = "bad value for " + key + ": " + value + " (a colour: " + kColourForms + ")";
+      return 0;
+    }
+    *static_cast<int32_t*>(row->value) = static_cast<int32_t>(colour);
+    return 1;
+  }
   errno = 0;
   char* end = nullptr;
   long long n = value.empty() ? 0 : strtoll(value.c_str(), &end, 10);
@@ -65,12 +81,23 @@ int ApplySettingText(const std::string& key, const std::string& value, std::stri
 }
 
 int PrepareSettings(const CommandLine& line, std::string* error) {
-  if (line.defaults)
+  if (line.defaults) {
     ResetSettings();
-  else
+  } else {
+    // Only a regular file is read: a folder, a pipe or a device would hang or say nothing.
+    char path[kSettingTextSize];
+    struct stat info;
+    if (SettingsFolderPath("rfdplgm5.ini", path, sizeof path) && stat(path, &info) == 0 &&
+        !S_ISREG(info.st_mode)) {
+      *error = std::string("cannot read the configuration ") + path + ": not a regular file";
+      return 0;
+    }
     LoadSettings();
+  }
   for (const auto& setting : line.settings)
     if (!ApplySettingText(setting.first, setting.second, error)) return 0;
+  // Text measurement reads its one setting from here, as the plug-in's dialog start gives it.
+  SetAccentCompensation(*SettingInteger("AccentCompensation") != 0);
   return 1;
 }
 

@@ -53,12 +53,19 @@ int SaveDocument(WindowHandle dialog, const char* path) {
     Show(dialog, kDocumentCreateError);
     return 0;
   }
+  SaveDocumentTo(dialog, file);
+  std::fclose(file);
+  return 1;
+}
+
+int SaveDocumentTo(WindowHandle dialog, void* stream) {
+  std::FILE* file = static_cast<std::FILE*>(stream);
+  if (!file) return 0;
   std::fprintf(file, ";This is a document created by %s by %s - do not edit.\n", kProduct, kMaker);
   std::fputs(";Start of document\n", file);
   DialogEnumChildren(dialog, WriteChildLine, file);
   std::fputs(";End of document\n", file);
-  std::fclose(file);
-  return 1;
+  return !std::ferror(file);
 }
 
 int LoadDocumentFrom(WindowHandle dialog, void* stream) {

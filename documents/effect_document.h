@@ -15,6 +15,9 @@ inline constexpr const char kDocumentDamaged[] = "This file has been damaged.";
 // Writes every child of `dialog` that has a line, in child order, after keeping the old file as
 // "<path>.bak". Returns 1, or 0 after showing kDocumentCreateError.
 int SaveDocument(WindowHandle dialog, const char* path);
+// The writing of SaveDocument into an open file, for callers that place the bytes themselves.
+// Returns 0 when the stream reports an error.
+int SaveDocumentTo(WindowHandle dialog, void* file);
 // Hands each line of the document to the control with its id, then posts message 1224 to the
 // dialog. A file that can't be opened, or whose first line lacks the marks, changes nothing and
 // shows its message.

@@ -349,8 +349,8 @@ void SaveSettings() {
   std::fputs("[PlugIn]\n", file);
   for (const SettingEntry& e : SettingTable) {
     if (e.flags & (kSettingBoolean | kSettingInteger)) {
-      std::fprintf(file, "%s = %u\n", e.key,
-                   static_cast<uint32_t>(*static_cast<int32_t*>(e.value)));
+      // Signed, so that a negative value reads back as itself.
+      std::fprintf(file, "%s = %d\n", e.key, *static_cast<int32_t*>(e.value));
     } else if (e.flags & kSettingString) {
       char copy[kSettingTextSize];
       CopyValue(static_cast<const char*>(e.value), copy);

@@ -18,8 +18,7 @@ int PlatformSettingsFolder(char* folder, size_t size) {
   }
   const int n = std::snprintf(folder, size, "%s/Cobalt Lanternary/", base);
   if (n < 0 || static_cast<size_t>(n) >= size) return 0;
-  mkdir(base, 0755);
-  mkdir(folder, 0755);
+  // Finding the folder creates nothing: reading the settings or printing the path leaves no trace.
   return 1;
 }
 

@@ -1,27 +1,41 @@
-// Output that appears whole or not at all: writers fill a temporary file or folder beside the
-// destination, named after it with the process id, and a commit renames it into place. The
-// temporary path is also published for a signal handler, which removes it if the run is stopped.
+// Writing files so that a user's data is never lost. A file is encoded in memory first, then
+// written to a temporary file beside its destination, every write and the close checked, and
+// renamed over the destination only when complete. A device, a pipe or standard output ("-") is
+// written in place. A folder of frames receives only its own numbered frames, each written the
+// same way; a folder holding anything else is refused, and no folder is ever removed.
+// The temporary file in flight is published for a signal handler, which removes it.
 #pragma once
 
+#include <cstdint>
 #include <string>
+#include <vector>
 
-struct OutputTarget {
-  std::string path;       // where the result goes
-  std::string temporary;  // what the writer fills
-  int folder = 0;         // 1: a folder of frames
-};
+// Nonzero when `name` is the name of a frame in a folder of frames: "frame-" with four or more
+// digits and ".png".
+int IsFrameFileName(const std::string& name);
 
-// Prepares the temporary path for `path`; a folder target also creates the temporary folder.
-// Returns 0, with `error` set, when the place cannot be written.
-int BeginOutput(OutputTarget* target, const std::string& path, int folder, std::string* error);
-// Replaces whatever is at `path` by the temporary. Returns 0, with `error` set, on failure, having
-// removed the temporary.
-int CommitOutput(OutputTarget* target, std::string* error);
-// Removes the temporary and everything in it. Safe to call twice.
-void AbandonOutput(OutputTarget* target);
+// Checks, before anything is rendered, that a file can be written at `path` ("-" is standard
+// output): its folder exists and is a folder, and `path` is not a folder itself. Returns 0 with a
+// one-line `error` otherwise.
+int CheckOutputFile(const std::string& path, std::string* error);
+// Checks that `path` can take a folder of frames: not ".", "..", "/" or the home folder, not
+// something other than a folder, and holding nothing but frames. Returns 0 with a one-line `error`
+// naming the first foreign entry otherwise.
+int CheckFrameFolder(const std::string& path, std::string* error);
 
-// Removes, from a signal handler, the temporary file of the output in progress (with the frames
-// written so far into a temporary folder). Uses only calls that are safe there.
+// Writes `size` bytes as the whole of `path`. With `keepBackup`, a file that is replaced is first
+// copied to path + ".bak". Returns 0 with "cannot write PATH: REASON" (the system's reason) in
+// `error` on failure, having left the destination as it was.
+int WriteOutputBytes(const std::string& path, const void* bytes, size_t size, int keepBackup,
+                     std::string* error);
+// Writes `frames` (encoded pictures) into the folder `path` as frame-0001.png, frame-0002.png, ...,
+// creating the folder when missing, and removes the frames of an earlier, longer render. Checks
+// the folder as CheckFrameFolder does first.
+int WriteFrameFolder(const std::string& path, const std::vector<std::vector<uint8_t>>& frames,
+                     std::string* error);
+// The name of frame `index` (from 0) in such a folder.
+std::string FrameFileName(size_t index);
+
+// Removes, from a signal handler, the temporary file being written, if any. Uses only calls that
+// are safe there.
 void RemovePartialOutputFromSignal();
-// A file written into the temporary folder, remembered for the handler above.
-void NotePartialOutputFile(const std::string& path);

@@ -1,51 +1,50 @@
-// PNG output through libpng's simplified writing interface.
+// PNG output through libpng's simplified writing interface, into memory.
 #include "host/writers/png_writer.h"
 
 #include <png.h>
 
-#include <cstdio>
 #include <cstring>
 
 #include "host/writers/frame_canvas.h"
-#include "host/writers/output_file.h"
 
-int WritePngPicture(const uint8_t* rgba, int32_t width, int32_t height, const std::string& path,
-                    std::string* error) {
+int EncodePng(const uint8_t* rgba, int32_t width, int32_t height, std::vector<uint8_t>* bytes,
+              std::string* error) {
+  if (width <= 0 || height <= 0) return *error = "bad picture size", 0;
   png_image image;
   memset(&image, 0, sizeof image);
   image.version = PNG_IMAGE_VERSION;
   image.width = static_cast<png_uint_32>(width);
   image.height = static_cast<png_uint_32>(height);
   image.format = PNG_FORMAT_RGBA;
-  if (width <= 0 || height <= 0 ||
-      !png_image_write_to_file(&image, path.c_str(), 0, rgba, 0, nullptr)) {
-    *error = "cannot write " + path + ": " + (width > 0 ? image.message : "bad picture size");
-    png_image_free(&image);
-    return 0;
+  png_alloc_size_t size = 0;
+  int ok = png_image_write_get_memory_size(image, size, 0, rgba, 0, nullptr);
+  if (ok) {
+    bytes->resize(size);
+    ok = png_image_write_to_memory(&image, bytes->data(), &size, 0, rgba, 0, nullptr);
+    bytes->resize(size);
   }
-  return 1;
+  if (!ok) *error = image.message[0] ? image.message : "PNG error";
+  png_image_free(&image);
+  return ok;
 }
 
-std::string PngFrameName(size_t index) {
-  char name[32];
-  snprintf(name, sizeof name, "frame-%04zu.png", index + 1);
-  return name;
-}
-
-int WritePngFrames(const HostFile* file, const std::string& folder, std::string* error) {
+int EncodePngFrames(const HostFile* file, int32_t index,
+                    std::vector<std::vector<uint8_t>>* pictures, std::string* error) {
   FrameCanvas canvas;
-  if (file->frames.empty() || !BeginFrameCanvas(&canvas, file)) {
-    *error = "cannot write " + folder + ": no frames or a bad picture size";
-    return 0;
-  }
-  for (size_t i = 0; i < file->frames.size(); ++i) {
-    if (!DrawNextFrame(&canvas, file, i)) {
-      *error = "cannot write " + folder + ": a damaged frame";
+  if (file->frames.empty() || !BeginFrameCanvas(&canvas, file))
+    return *error = "no frames or a bad picture size", 0;
+  if (index >= static_cast<int32_t>(file->frames.size()))
+    return *error = "there is no frame " + std::to_string(index + 1) + " (the animation has " +
+                    std::to_string(file->frames.size()) + ")",
+           0;
+  pictures->clear();
+  const size_t last = index < 0 ? file->frames.size() - 1 : static_cast<size_t>(index);
+  for (size_t i = 0; i <= last; ++i) {
+    if (!DrawNextFrame(&canvas, file, i)) return *error = "a damaged frame", 0;
+    if (index >= 0 && i != last) continue;
+    pictures->emplace_back();
+    if (!EncodePng(canvas.rgba.data(), canvas.width, canvas.height, &pictures->back(), error))
       return 0;
-    }
-    std::string path = folder + "/" + PngFrameName(i);
-    NotePartialOutputFile(path);
-    if (!WritePngPicture(canvas.rgba.data(), canvas.width, canvas.height, path, error)) return 0;
   }
   return 1;
 }

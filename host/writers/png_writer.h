@@ -4,14 +4,15 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "host/host_session.h"
 
-// Writes `rgba` (width * height * 4 bytes, rows top to bottom) to `path`. Returns 0, with `error`
-// set, on failure.
-int WritePngPicture(const uint8_t* rgba, int32_t width, int32_t height, const std::string& path,
-                    std::string* error);
-// Writes every frame into the existing folder `folder`. Returns 0, with `error` set, on failure.
-int WritePngFrames(const HostFile* file, const std::string& folder, std::string* error);
-// The name of frame `index` (from 0) in such a folder.
-std::string PngFrameName(size_t index);
+// Encodes `rgba` (width * height * 4 bytes, rows top to bottom) into `bytes`. Returns 0, with the
+// reason in `error`, on failure.
+int EncodePng(const uint8_t* rgba, int32_t width, int32_t height, std::vector<uint8_t>* bytes,
+              std::string* error);
+// Encodes frame `index` (from 0) of `file` as the viewer sees it; every frame when `index` is
+// negative. Returns 0, with the reason in `error`, on failure.
+int EncodePngFrames(const HostFile* file, int32_t index,
+                    std::vector<std::vector<uint8_t>>* pictures, std::string* error);

@@ -4,15 +4,15 @@
 #include <webp/encode.h>
 #include <webp/mux.h>
 
-#include <cstdio>
+#include <algorithm>
 #include <memory>
 
 #include "host/writers/frame_canvas.h"
 
 namespace {
 
-int Fail(std::string* error, const std::string& path, const char* what) {
-  *error = "cannot write " + path + ": " + what;
+int Fail(std::string* error, const char* what) {
+  *error = what;
   return 0;
 }
 
@@ -33,50 +33,47 @@ struct PictureGuard {
 
 }  // namespace
 
-int WriteWebpFile(const HostFile* file, int32_t millisecondsPerDelay, const std::string& path,
-                  std::string* error) {
-  if (file->frames.empty()) return Fail(error, path, "no frames");
+int EncodeWebp(const HostFile* file, int32_t loopCount, std::vector<uint8_t>* bytes,
+               std::string* error) {
+  static_assert(kWebpLargestSide == WEBP_MAX_DIMENSION);
+  if (file->frames.empty()) return Fail(error, "no frames");
   FrameCanvas canvas;
   if (!BeginFrameCanvas(&canvas, file) || canvas.width > WEBP_MAX_DIMENSION ||
       canvas.height > WEBP_MAX_DIMENSION)
-    return Fail(error, path, "bad picture size");
+    return Fail(error, "bad picture size");
 
   WebPAnimEncoderOptions options;
   WebPConfig config;
   if (!WebPAnimEncoderOptionsInit(&options) || !WebPConfigInit(&config) ||
       !WebPConfigLosslessPreset(&config, 1))
-    return Fail(error, path, "libwebp version mismatch");
-  options.anim_params.loop_count = 0;
+    return Fail(error, "libwebp version mismatch");
+  options.anim_params.loop_count = std::clamp(loopCount, 0, 65535);
   options.anim_params.bgcolor = 0;
   EncoderGuard encoder;
   encoder.encoder = WebPAnimEncoderNew(canvas.width, canvas.height, &options);
-  if (!encoder.encoder) return Fail(error, path, "out of memory");
+  if (!encoder.encoder) return Fail(error, "out of memory");
 
   int timestamp = 0;
   for (size_t i = 0; i < file->frames.size(); ++i) {
-    if (!DrawNextFrame(&canvas, file, i)) return Fail(error, path, "a damaged frame");
+    if (!DrawNextFrame(&canvas, file, i)) return Fail(error, "a damaged frame");
     PictureGuard picture;
-    if (!WebPPictureInit(&picture.picture)) return Fail(error, path, "libwebp version mismatch");
+    if (!WebPPictureInit(&picture.picture)) return Fail(error, "libwebp version mismatch");
     picture.picture.use_argb = 1;
     picture.picture.width = canvas.width;
     picture.picture.height = canvas.height;
     picture.ready = 1;
     if (!WebPPictureImportRGBA(&picture.picture, canvas.rgba.data(), canvas.width * 4) ||
         !WebPAnimEncoderAdd(encoder.encoder, &picture.picture, timestamp, &config))
-      return Fail(error, path, WebPAnimEncoderGetError(encoder.encoder));
+      return Fail(error, WebPAnimEncoderGetError(encoder.encoder));
     int delay = file->frames[i].delay > 0 ? file->frames[i].delay : 1;
-    timestamp += delay * millisecondsPerDelay;
+    timestamp += delay * 10;
   }
   WebPData data;
   WebPDataInit(&data);
   if (!WebPAnimEncoderAdd(encoder.encoder, nullptr, timestamp, nullptr) ||
       !WebPAnimEncoderAssemble(encoder.encoder, &data))
-    return Fail(error, path, WebPAnimEncoderGetError(encoder.encoder));
+    return Fail(error, WebPAnimEncoderGetError(encoder.encoder));
   std::unique_ptr<WebPData, void (*)(WebPData*)> owned(&data, WebPDataClear);
-  FILE* out = fopen(path.c_str(), "wb");
-  if (!out) return Fail(error, path, "cannot create the file");
-  int written = fwrite(data.bytes, 1, data.size, out) == data.size;
-  if (fclose(out) != 0) written = 0;
-  if (!written) return Fail(error, path, "write failed");
+  bytes->assign(data.bytes, data.bytes + data.size);
   return 1;
 }

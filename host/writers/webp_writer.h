@@ -1,13 +1,17 @@
 // Animated WebP through libwebp's animation encoder: every frame as the viewer sees it (see
-// frame_canvas.h), lossless, with alpha, looping forever. Delays are converted to milliseconds.
+// frame_canvas.h), lossless, with alpha. A delay counts hundredths of a second, as in a GIF.
 #pragma once
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "host/host_session.h"
 
-// Writes `file` to `path`; a frame's delay counts `millisecondsPerDelay` milliseconds (10 for an
-// indexed host, 1 for a true-colour one). Returns 0, with `error` set, on any failure.
-int WriteWebpFile(const HostFile* file, int32_t millisecondsPerDelay, const std::string& path,
-                  std::string* error);
+// The largest width or height a WebP picture can have.
+constexpr int32_t kWebpLargestSide = 16383;
+
+// Encodes `file` into `bytes`, repeating `loopCount` times (0: for ever). Returns 0, with the
+// reason in `error`, on any failure.
+int EncodeWebp(const HostFile* file, int32_t loopCount, std::vector<uint8_t>* bytes,
+               std::string* error);

@@ -2,12 +2,16 @@
 // family asked for, "DejaVu Sans" is asked for instead, so a missing "Impact" gives the same face
 // here as under Wine. One FreeType library serves the process and lives until it ends.
 #include <cmath>
+#include <cstdio>
 #include <cstring>
 #include <new>
+#include <set>
+#include <string>
 
 #include <fontconfig/fontconfig.h>
 
 #include "platform/posix/font_face_posix.h"
+#include "platform/posix/font_list_posix.h"
 
 #include FT_TRUETYPE_TABLES_H
 
@@ -73,6 +77,53 @@ FT_Face OpenFace(const FontDescription* d) {
 }
 
 }  // namespace
+
+int ListFontFamilies(void (*visit)(const char* family, void* context), void* context) {
+  FcPattern* pattern = FcPatternCreate();
+  FcObjectSet* objects = FcObjectSetBuild(FC_FAMILY, nullptr);
+  if (pattern) FcPatternAddBool(pattern, FC_SCALABLE, FcTrue);
+  FcFontSet* fonts = pattern && objects ? FcFontList(nullptr, pattern, objects) : nullptr;
+  std::set<std::string> families;
+  for (int i = 0; fonts && i < fonts->nfont; ++i) {
+    FcChar8* name = nullptr;
+    if (FcPatternGetString(fonts->fonts[i], FC_FAMILY, 0, &name) == FcResultMatch)
+      families.insert(reinterpret_cast<const char*>(name));
+  }
+  if (fonts) FcFontSetDestroy(fonts);
+  if (objects) FcObjectSetDestroy(objects);
+  if (pattern) FcPatternDestroy(pattern);
+  for (const std::string& family : families) visit(family.c_str(), context);
+  return static_cast<int>(families.size());
+}
+
+int DrawnFontFamily(const char* family, char* face, size_t size) {
+  if (!face || size == 0) return 0;
+  face[0] = 0;
+  FontDescription d{};
+  d.height = 16;
+  d.weight = 400;
+  std::snprintf(d.faceName, sizeof d.faceName, "%s", family ? family : "");
+  int exact = 0;
+  FcPattern* match = MatchFamily(d.faceName, &d, &exact);
+  if (!exact) {
+    int fallbackExact = 0;
+    FcPattern* fallback = MatchFamily(kFallbackFace, &d, &fallbackExact);
+    if (fallback && (fallbackExact || !match)) {
+      if (match) FcPatternDestroy(match);
+      match = fallback;
+    } else if (fallback) {
+      FcPatternDestroy(fallback);
+    }
+  }
+  if (!match) return 0;
+  FcChar8* name = nullptr;
+  if (exact)
+    std::snprintf(face, size, "%s", d.faceName);
+  else if (FcPatternGetString(match, FC_FAMILY, 0, &name) == FcResultMatch)
+    std::snprintf(face, size, "%s", reinterpret_cast<const char*>(name));
+  FcPatternDestroy(match);
+  return face[0] != 0;
+}
 
 PosixFont* OpenPosixFont(const FontDescription* description) {
   if (!description || description->height < 1) return nullptr;

@@ -1,5 +1,6 @@
 // Documents and settings on the headless side: messages reach ShowMessage's record, and the
 // environment stands in for the Shift key.
+#include <sys/stat.h>
 #include <cstdlib>
 #include <string>
 
@@ -27,6 +28,10 @@ TEST(DocumentsHeadless, ShiftComesFromTheEnvironmentAndSettingsFromXdg) {
   char path[512];
   ASSERT_TRUE(SettingsFolderPath("rfdplgm5.ini", path, sizeof path));
   EXPECT_EQ(std::string(path), base + "/Cobalt Lanternary/rfdplgm5.ini");
+  // Finding the path made no folder; the one the settings are saved into is made here.
+  struct stat info;
+  EXPECT_NE(stat((base + "/Cobalt Lanternary").c_str(), &info), 0);
+  ASSERT_EQ(mkdir((base + "/Cobalt Lanternary").c_str(), 0755), 0);
   ResetSettings();
   *SettingInteger("MainEffect") = 3;
   SaveSettings();

@@ -11,11 +11,16 @@
 
 #include <gtest/gtest.h>
 
+#include "cli/colour_text.h"
 #include "cli/command_line.h"
 #include "cli/inprocess_host.h"
 #include "cli/progress.h"
+#include "cli/settings_command.h"
+#include "cli/text_encoding.h"
+#include "documents/settings.h"
 #include "shell/effect_table.h"
 #include "tests/support/scratch_folder.h"
+#include "text/text_mask.h"
 
 namespace {
 
@@ -116,7 +121,6 @@ TEST(InProcessHost, ServesTheEngineAndShowsItsProgress) {
   InProcessHost host, colour;
   BeginInProcessHost(&host, 0, &bar);
   EXPECT_EQ(host.record.capabilities, kHostIndexed);
-  EXPECT_EQ(InProcessDelayMilliseconds(&host), 10);  // hundredths
 
   HostService service = host.record.service;
   FileObjectRecord record{};
@@ -145,7 +149,6 @@ TEST(InProcessHost, ServesTheEngineAndShowsItsProgress) {
                "\rQuantizing       [###############...............] 5/10\x1b[K\n");
   BeginInProcessHost(&colour, 1, nullptr);
   EXPECT_EQ(colour.record.capabilities & kHostIndexed, 0u);
-  EXPECT_EQ(InProcessDelayMilliseconds(&colour), 1);
   EXPECT_EQ(InProcessResult(&colour), nullptr);
   EndInProcessHost(&colour);
 }
@@ -221,4 +224,355 @@ TEST(Gm5Program, SaveDocumentWritesTheOptionsStateOrNothing) {
        "cannot write " + nowhere + ": no folder " + scratch.Path("none")},
   });
   EXPECT_EQ(scratch.Names(), std::vector<std::string>{"a.gm5"});
+}
+
+namespace {
+
+// Runs a shell command line as it stands; returns its exit status.
+int RunShell(const std::string& command) {
+  const int status = system(command.c_str());
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+std::string Text(const std::string& path) {
+  const std::vector<uint8_t> bytes = FileBytes(path);
+  return std::string(bytes.begin(), bytes.end());
+}
+
+const std::string kSmall = " --defaults -q --text Hi --size 20 --font 'DejaVu Sans' ";
+
+}  // namespace
+
+// A folder of frames takes only its own frames: a folder holding anything else is refused and
+// left as it was, the places that stand for a whole tree are never written, and a later, shorter
+// render replaces the frames without leaving the earlier render's last ones.
+TEST(Gm5Program, FolderOutputKeepsWhatIsNotItsOwn) {
+  ScratchFolder scratch;
+  const std::string pics = scratch.Path("pics/");
+  std::filesystem::create_directories(scratch.Path("pics/sub"));
+  std::ofstream(scratch.Path("pics/photo.jpg")) << "photo";
+  std::ofstream(scratch.Path("pics/frame-0001.png")) << "old frame";
+  const std::string refused =
+      ": frames are written only into a folder of their own (for example frames/)";
+  ExpectFailures({
+      {"render" + kSmall + "-o " + pics,
+       "cannot write " + pics +
+           ": the folder holds photo.jpg, which is not a frame (use an empty folder)"},
+      {"render" + kSmall + "-o /", "cannot write /" + refused},
+      {"render" + kSmall + "-o " + scratch.Path("."),
+       "cannot write " + scratch.Path(".") + refused},
+      {"render" + kSmall + "-o " + scratch.Path("pics/.."),
+       "cannot write " + scratch.Path("pics/..") + refused},
+      {"render" + kSmall + "-o /dev/null/", "cannot write /dev/null/: it is not a folder"},
+  });
+  EXPECT_EQ(Text(scratch.Path("pics/photo.jpg")), "photo");
+  EXPECT_EQ(Text(scratch.Path("pics/frame-0001.png")), "old frame");
+  EXPECT_TRUE(std::filesystem::is_directory(scratch.Path("pics/sub")));
+
+  const std::string frames = scratch.Path("frames");
+  ASSERT_EQ(RunGm5("render" + kSmall + "--control 112=6 -o " + frames).status, 0);
+  std::ofstream(frames + "/frame-9999.png") << "from a longer render";
+  ProgramRun again = RunGm5("render" + kSmall + "--control 112=4 -o " + frames + "/");
+  EXPECT_EQ(again.status, 0) << again.out;
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(frames))
+    names.push_back(entry.path().filename().string());
+  std::sort(names.begin(), names.end());
+  EXPECT_EQ(names, (std::vector<std::string>{"frame-0001.png", "frame-0002.png", "frame-0003.png",
+                                             "frame-0004.png"}));
+}
+
+// Every output lands whole where it was asked for, in the format asked for, or fails with the
+// system's reason; a rewritten document keeps its predecessor.
+TEST(Gm5Program, OutputsLandWholeWhereAsked) {
+  ScratchFolder scratch;
+  const std::string gif = scratch.Path("a.gif"), piped = scratch.Path("piped.gif");
+  ASSERT_EQ(RunGm5("render" + kSmall + "-o " + gif).status, 0);
+  ASSERT_EQ(RunShell(std::string(GM5_PROGRAM_PATH) + " render" + kSmall + "-o - > " + piped), 0);
+  EXPECT_EQ(FileBytes(piped), FileBytes(gif));
+  EXPECT_GT(FileBytes(gif).size(), 100u);
+  const std::string sample = scratch.Path("sample.png"), pipedSample = scratch.Path("piped.png");
+  ASSERT_EQ(RunGm5("preview" + kSmall + "-o " + sample).status, 0);
+  ASSERT_EQ(RunShell(std::string(GM5_PROGRAM_PATH) + " preview" + kSmall + "-o - > " + pipedSample),
+            0);
+  EXPECT_EQ(FileBytes(pipedSample), FileBytes(sample));
+  const std::string forced = scratch.Path("forced.gif");
+  ASSERT_EQ(RunGm5("render" + kSmall + "--format webp -o " + forced).status, 0);
+  EXPECT_EQ(Text(forced).substr(8, 4), "WEBP");
+  EXPECT_EQ(RunGm5("render" + kSmall + "-o /dev/null").status, 0);
+  // The temporary name must not make the longest valid name fail.
+  const std::string longest = scratch.Path(std::string(251, 'n') + ".gif");
+  ProgramRun named = RunGm5("render" + kSmall + "-o " + longest);
+  EXPECT_EQ(named.status, 0) << named.out;
+  EXPECT_EQ(FileBytes(longest), FileBytes(gif));
+
+  // A full disk fails the run with the system's reason, for an animation and a document alike.
+  const std::string full = scratch.Path("full.gm5");
+  std::filesystem::create_symlink("/dev/full", full);
+  ExpectFailures(
+      {{"render" + kSmall + "-o /dev/full", "cannot write /dev/full: No space left on device"},
+       {"save-document " + full + kSmall, "cannot write " + full + ": No space left on device"}});
+  std::filesystem::remove(full);
+  const std::string document = scratch.Path("d.gm5");
+  ASSERT_EQ(RunGm5("save-document " + document + kSmall).status, 0);
+  const std::string first = Text(document);
+  ASSERT_EQ(RunGm5("save-document " + document + " --defaults --text Later").status, 0);
+  EXPECT_EQ(Text(document + ".bak"), first);
+  EXPECT_NE(Text(document).find("\nTXTFLD52=Later\n"), std::string::npos);
+  // A link is followed, and stays a link; a name too long to take ".bak" is still written.
+  const std::string linked = scratch.Path("linked.gm5");
+  std::filesystem::create_symlink(document, linked);
+  ASSERT_EQ(RunGm5("save-document " + linked + " --defaults --text Linked").status, 0);
+  EXPECT_TRUE(std::filesystem::is_symlink(linked));
+  EXPECT_NE(Text(document).find("\nTXTFLD52=Linked\n"), std::string::npos);
+  std::filesystem::remove(linked);
+  const std::string longDocument = scratch.Path(std::string(250, 'd') + ".gm5");
+  for (int i = 0; i < 2; ++i)
+    EXPECT_EQ(RunGm5("save-document " + longDocument + " --defaults").status, 0) << i;
+  EXPECT_TRUE(std::filesystem::exists(longDocument));
+  std::filesystem::remove(longDocument);
+  std::vector<std::string> names = scratch.Names();
+  std::sort(names.begin(), names.end());
+  EXPECT_EQ(names, (std::vector<std::string>{"a.gif", "d.gm5", "d.gm5.bak", "forced.gif",
+                                             std::string(251, 'n') + ".gif", "piped.gif",
+                                             "piped.png", "sample.png"}));
+}
+
+// What is read is read as it stands or refused in one line: files that are not regular files,
+// text the code page cannot hold, options given a value they do not take. Reading the settings
+// creates nothing.
+TEST(Gm5Program, InputsAreReadFaithfullyOrRefused) {
+  ScratchFolder scratch(1);
+  const std::string folder = scratch.Path("config/Cobalt Lanternary");
+  EXPECT_EQ(RunGm5("settings MainDelay").out, "MainDelay=5 (default 5)\n");
+  EXPECT_FALSE(std::filesystem::exists(folder));
+  std::filesystem::create_directories(folder + "/rfdplgm5.ini");
+  std::filesystem::create_directories(scratch.Path("d.gm5"));
+  const std::string out = " -o " + scratch.Path("x.gif");
+  ExpectFailures({
+      {"settings MainDelay",
+       "cannot read the configuration " + folder + "/rfdplgm5.ini: not a regular file"},
+      {"render " + scratch.Path("d.gm5") + kSmall + out,
+       "cannot read " + scratch.Path("d.gm5") + ": not a regular file"},
+      {"render --defaults=0" + out, "option takes no value: --defaults"},
+      {"render --defaults --quiet=1" + out, "option takes no value: --quiet"},
+      {"render --defaults --text 'a→b'" + out,
+       "the text holds U+2192 (→), which the engine's code page (Windows-1252) cannot hold"},
+      {"render --defaults --text \"$(printf 'a\\nb')\"" + out,
+       "the text holds a control character, U+000A (the text is a single line)"},
+      {"render --defaults --transparent" + out,
+       "--transparent needs a palette with a free index: add --custom-palette (or use "
+       "--true-color with .webp)"},
+      {"render --defaults --set MainSupercompress=1" + out,
+       "--supercompress needs a palette with a free index: add --custom-palette (or use "
+       "--true-color with .webp)"},
+      {"settings --defaults --set Style012FillColor=teal --set AlphaGreyBack=ink",
+       "bad value for AlphaGreyBack: ink (a colour: #RRGGBB, #RGB, a CSS colour name such as navy, "
+       "or a number 0xBBGGRR)"},
+      {"render --defaults --control 106=#12" + out,
+       "bad value for control 106: #12 (a colour: #RRGGBB, #RGB, a CSS colour name such as navy, "
+       "or a number 0xBBGGRR)"},
+  });
+  // A setting its control clamps is reported, as an option would be.
+  EXPECT_EQ(
+      RunGm5("save-document " + scratch.Path("c.gm5") + " --defaults --set MainFontSize=5000").out,
+      "gm5: the setting MainFontSize=5000 is outside the range of its control; using 400\n");
+  // Typed UTF-8 is saved as UTF-8, blanks and all, and reads back unchanged.
+  const std::string document = scratch.Path("t.gm5"), again = scratch.Path("u.gm5");
+  ASSERT_EQ(RunGm5("save-document " + document + " --defaults --text '  Café €5 '").status, 0);
+  EXPECT_NE(Text(document).find("\nTXTFLD52=  Café €5 \n"), std::string::npos);
+  ASSERT_EQ(RunGm5("save-document " + again + " --defaults --control 22=0").status, 0);
+  EXPECT_EQ(RunShell(std::string(GM5_PROGRAM_PATH) + " render " + document +
+                     " --defaults -q --font 'DejaVu Sans' -o /dev/null"),
+            0);
+}
+
+// A document saved from options renders exactly as the options do, for every kind of control,
+// and each option changes the picture (so that a value lost on the way would show).
+TEST(Gm5Program, SavedDocumentRendersAsItsOptions) {
+  ScratchFolder scratch;
+  const std::string base = " --defaults -q --text Hi --size 40 ";
+  const struct {
+    const char* options;
+  } cases[] = {
+      {"--effect simple --control 112=6"},        // spin edit
+      {"--effect simple --control 106=#f80"},     // colour button
+      {"--effect simple --control 123=0"},        // check box
+      {"--effect simple --control 13=2"},         // combo list
+      {"--effect simple --text ' Hé '"},          // text field
+      {"--effect simple --font 'DejaVu Serif'"},  // font box
+      {"--effect simple --control 120=3"},        // eight-way picker
+      {"--effect simple --control 118=2"},        // four-way picker
+  };
+  for (const auto& c : cases) {
+    const std::string direct = scratch.Path("direct.gif"), viaDocument = scratch.Path("doc.gif");
+    const std::string document = scratch.Path("state.gm5"), plain = scratch.Path("plain.gif");
+    const std::string effect =
+        std::string(c.options).substr(0, std::string(c.options).find(" ", 9));
+    ASSERT_EQ(RunGm5("render" + base + c.options + " -o " + direct).status, 0) << c.options;
+    ASSERT_EQ(RunGm5("save-document " + document + base + c.options).status, 0) << c.options;
+    ASSERT_EQ(RunGm5("render " + document + " -q --defaults -o " + viaDocument).status, 0);
+    ASSERT_EQ(RunGm5("render" + base + effect + " -o " + plain).status, 0) << effect;
+    EXPECT_EQ(FileBytes(viaDocument), FileBytes(direct)) << c.options;
+    EXPECT_NE(FileBytes(plain), FileBytes(direct)) << c.options;
+  }
+  // The pages that cannot build yet still carry their pickers' values into a document.
+  const std::string document = scratch.Path("pickers.gm5");
+  ASSERT_EQ(RunGm5("save-document " + document + base + "--control 548=0 --control 871=3").status,
+            0);
+  const std::string saved = Text(document);
+  for (const char* line : {"\nSCRL2D548=0\n", "\nSCRL4D871=3\n"})
+    EXPECT_NE(saved.find(line), std::string::npos) << line;
+}
+
+// Colour texts against hand-worked 0x00BBGGRR values; the short and long hexadecimal forms and
+// the names agree with each other.
+TEST(ColourText, TakesEveryFormAndOnlyThose) {
+  const struct {
+    const char* text;
+    uint32_t colour;
+  } good[] = {{"#FF8000", 0x0080FF}, {"#f80", 0x0088FF},     {"#ff8800", 0x0088FF},
+              {"Orange", 0x00A5FF},  {"navy", 0x800000},     {"rebeccapurple", 0x993366},
+              {"32768", 32768},      {"0xFF0000", 0xFF0000}, {"0", 0}};
+  for (const auto& g : good) {
+    uint32_t colour = 1234;
+    EXPECT_EQ(ParseColourText(g.text, &colour), 1) << g.text;
+    EXPECT_EQ(colour, g.colour) << g.text;
+  }
+  for (const char* bad : {"", "#12", "#GG0000", "#1234567", "nocolour", "16777216", "-1", "0x"}) {
+    uint32_t colour = 0;
+    EXPECT_EQ(ParseColourText(bad, &colour), 0) << bad;
+  }
+}
+
+// Every character of the code page goes to UTF-8 and back to its byte; characters outside it
+// and malformed UTF-8 are refused.
+TEST(TextEncoding, CodePageRoundTripsThroughUtf8) {
+  for (int byte = 1; byte < 256; ++byte) {
+    if (byte == 0x81 || byte == 0x8D || byte == 0x8F || byte == 0x90 || byte == 0x9D) continue;
+    const std::string one(1, static_cast<char>(byte));
+    std::string back, error;
+    const std::string utf8 = Windows1252ToUtf8(one);
+    EXPECT_TRUE(IsUtf8(utf8)) << byte;
+    EXPECT_EQ(Utf8ToWindows1252(utf8, 0, &back, &error), 1) << byte << error;
+    EXPECT_EQ(back, one) << byte;
+  }
+  std::string out, error;
+  ASSERT_EQ(Utf8ToWindows1252("\xE2\x82\xAC \xC3\xA9", 1, &out, &error), 1);
+  EXPECT_EQ(out, "\x80 \xE9");
+  for (const char* bad : {"\xC3", "\xC0\x80", "\xF0\x9F\x98\x80", "\xED\xA0\x80", "a\tb"})
+    EXPECT_EQ(Utf8ToWindows1252(bad, 1, &out, &error), 0) << bad;
+}
+
+// A file whose frames cannot fit is refused when the engine creates it, with the estimate.
+TEST(InProcessHost, RefusesFilesTheOutputOrMemoryCannotHold) {
+  FileObjectRecord record{};
+  record.size = sizeof record;
+  record.version = kInterfaceVersion;
+  record.bits = 8;
+  record.width = 1000;
+  record.height = 500;
+  record.frameCount = 64;
+  // 64 frames of 40 + 1024 + 500000 bytes, and the 2000000-byte canvas: 34,068,096 bytes.
+  EXPECT_EQ(EstimateFrameBytes(1000, 500, 8, 64), 34068096u);
+  const struct {
+    uint64_t limit;
+    int32_t side;
+    int accepted;
+    const char* message;
+  } cases[] = {
+      {40000000, 65535, 1, ""},
+      {30000000, 65535, 0,
+       "the animation would need about 32.5 MB for its 64 frames of 1000x500, "
+       "more than the 28.6 MB of memory (use a smaller --size)"},
+      {40000000, 800, 0,
+       "the animation would be 1000x500, larger than the output holds (800 "
+       "pixels a side)"},
+  };
+  for (const auto& c : cases) {
+    InProcessHost host;
+    BeginInProcessHost(&host, 0, nullptr);
+    host.memoryLimit = c.limit;
+    host.largestSide = c.side;
+    EXPECT_EQ(
+        host.record.service(nullptr, HostOpCreateFile, 0, reinterpret_cast<uint64_t>(&record)),
+        static_cast<uint64_t>(c.accepted));
+    EXPECT_EQ(host.refusal, c.message);
+    EndInProcessHost(&host);
+  }
+}
+
+// The measuring of accents follows the configuration, then --set, like every other setting.
+TEST(Gm5Settings, AccentCompensationComesFromTheConfiguration) {
+  ScratchFolder scratch(1);
+  SetSettingsFolder(nullptr);  // the configuration folder the environment names
+  std::filesystem::create_directories(scratch.Path("config/Cobalt Lanternary"));
+  std::ofstream(scratch.Path("config/Cobalt Lanternary/rfdplgm5.ini"))
+      << "AccentCompensation = 0\n";
+  const struct {
+    std::vector<const char*> args;
+    int32_t expected;
+  } cases[] = {{{"settings"}, 0},
+               {{"settings", "--set", "AccentCompensation=1"}, 1},
+               {{"settings", "--defaults"}, 1}};
+  for (const auto& c : cases) {
+    CommandLine line;
+    std::string error;
+    SetAccentCompensation(c.expected ? 0 : 1);
+    ASSERT_EQ(Parse(c.args, &line, &error), 1) << error;
+    ASSERT_EQ(PrepareSettings(line, &error), 1) << error;
+    EXPECT_EQ(AccentCompensation(), c.expected) << c.args.size();
+  }
+  SetAccentCompensation(1);
+}
+
+// The image-tool options say what their controls and writers say: --frames is the effect's frame
+// count, --frame N is frame N of the folder of frames, and each option's misuse is refused.
+TEST(Gm5Program, ImageToolOptionsMatchTheirControls) {
+  ScratchFolder scratch;
+  const std::string a = scratch.Path("a.gif"), b = scratch.Path("b.gif");
+  ASSERT_EQ(RunGm5("render" + kSmall + "--effect simple --frames 6 -o " + a).status, 0);
+  ASSERT_EQ(RunGm5("render" + kSmall + "--effect simple --control 112=6 -o " + b).status, 0);
+  EXPECT_EQ(FileBytes(a), FileBytes(b));
+  const std::string frames = scratch.Path("frames/"), third = scratch.Path("third.png");
+  ASSERT_EQ(RunGm5("render" + kSmall + "--frames 6 -o " + frames).status, 0);
+  ASSERT_EQ(RunGm5("render" + kSmall + "--frames 6 --frame 3 -o " + third).status, 0);
+  EXPECT_EQ(FileBytes(third), FileBytes(frames + "frame-0003.png"));
+  ExpectFailures({
+      {"render" + kSmall + "--frame 2 -o " + a,
+       "--frame chooses the frame of a single PNG (-o OUT.png)"},
+      {"render" + kSmall + "--loop 2 -o " + third, "--loop applies to a GIF or WebP"},
+      {"render" + kSmall + "--frames 6 --frame 7 -o " + third,
+       "cannot write " + third + ": there is no frame 7 (the animation has 6)"},
+      {"render" + kSmall + "--format bmp -o " + a,
+       "bad value for --format: bmp (gif, webp or png)"},
+      {"render" + kSmall + "--delay x -o " + a, "bad value for --delay: x (a whole number from 0)"},
+  });
+}
+
+// Each control gm5 controls lists carries the value the document saved from the same state holds.
+TEST(Gm5Program, ControlsListAgreesWithTheDocument) {
+  ScratchFolder scratch;
+  const std::string document = scratch.Path("s.gm5");
+  ASSERT_EQ(RunGm5("save-document " + document + " --defaults --control 120=3").status, 0);
+  const std::string saved = Text(document);
+  for (const char* effect : {"", "simple"}) {
+    ProgramRun listed = RunGm5(std::string("controls --defaults --control 120=3 ") + effect);
+    ASSERT_EQ(listed.status, 0) << listed.out;
+    std::istringstream lines(listed.out);
+    int count = 0;
+    for (std::string line; std::getline(lines, line); ++count) {
+      if (line[0] == '#') continue;  // the page's heading
+      std::istringstream fields(line);
+      std::string id, tag, range, value;
+      fields >> id >> tag >> range >> value;
+      if (tag == "MATLBT" || tag == "FOUNTB" || tag == "ANMCTL" || value[0] == '"') continue;
+      EXPECT_NE(saved.find("\n" + tag + id + "=" + value + "\n"), std::string::npos) << line;
+    }
+    EXPECT_GT(count, 10) << effect;
+  }
+  const std::string simple = RunGm5("controls --defaults simple").out;
+  EXPECT_EQ(simple.rfind("# Simple: settings Style000...\n", 0), 0u) << simple;
+  EXPECT_NE(simple.find("\n 120  SDWDIR"), std::string::npos);
+  ExpectFailures({{"controls --defaults nope", "unknown effect: nope (see gm5 effects)"}});
 }

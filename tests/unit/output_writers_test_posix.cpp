@@ -14,8 +14,11 @@
 
 #include "host/host_session.h"
 #include "host/writers/animation_output.h"
+#include "host/writers/gif_lzw.h"
+#include "host/writers/gif_writer.h"
 #include "host/writers/output_file.h"
 #include "shell/packed_dib.h"
+#include "tests/support/gif_pictures.h"
 #include "tests/support/scratch_folder.h"
 
 namespace fs = std::filesystem;
@@ -97,33 +100,51 @@ TEST(GifWriter, SupercompressedFileDecodesWithItsRecords) {
   ScratchFolder scratch;
   HostSession session;
   const HostFile* file = MakeFile(&session, 3, 8, 4, 2, kSupercompressed, "made by gm5 tests", 7);
-  std::string error, path = scratch.Path("a.gif");
+  std::string error, path = scratch.Path("a.gif"), recorded = scratch.Path("recorded.gif");
   const mode_t mask = umask(022);
-  ASSERT_EQ(WriteAnimationOutput(file, 10, path, &error), 1) << error;
+  OutputOptions options;
+  options.loopCount = 3;
+  ASSERT_EQ(WriteAnimationOutput(file, options, path, &error), 1) << error;
   umask(mask);
   EXPECT_EQ(scratch.Names(), std::vector<std::string>{"a.gif"});
   EXPECT_EQ(fs::status(path).permissions(), static_cast<fs::perms>(0644));  // as any new file
+  // The same file with every frame whole, as the records give it.
+  std::vector<uint8_t> bytes;
+  ASSERT_EQ(EncodeGif(file, 3, &bytes, &error, 0), 1) << error;
+  ASSERT_EQ(WriteOutputBytes(recorded, bytes.data(), bytes.size(), 0, &error), 1) << error;
+  EXPECT_LE(FileBytes(path).size(), bytes.size());
 
   int code = 0;
   GifFileType* gif = DGifOpenFileName(path.c_str(), &code);
-  ASSERT_NE(gif, nullptr);
+  GifFileType* whole = DGifOpenFileName(recorded.c_str(), &code);
+  ASSERT_TRUE(gif && whole);
   ASSERT_EQ(DGifSlurp(gif), GIF_OK);
+  ASSERT_EQ(DGifSlurp(whole), GIF_OK);
   EXPECT_EQ(gif->SWidth * 10 + gif->SHeight, 42);
-  EXPECT_EQ(gif->SBackGroundColor, 7);
-  ASSERT_NE(gif->SColorMap, nullptr);
-  EXPECT_EQ(gif->SColorMap->ColorCount, 8);
-  const GifColorType five = gif->SColorMap->Colors[5];
+  EXPECT_EQ(whole->SBackGroundColor, 7);
+  ASSERT_NE(whole->SColorMap, nullptr);
+  EXPECT_EQ(whole->SColorMap->ColorCount, 8);
+  const GifColorType five = whole->SColorMap->Colors[5];
   EXPECT_EQ(five.Red << 16 | five.Green << 8 | five.Blue, 5 << 16 | 250 << 8 | 35);
   ASSERT_EQ(gif->ImageCount, 3);
+  ASSERT_EQ(whole->ImageCount, 3);
   for (int i = 0; i < 3; ++i) {
-    GraphicsControlBlock control;
-    ASSERT_EQ(DGifSavedExtensionToGCB(gif, i, &control), GIF_OK);
+    GraphicsControlBlock control, kept;
+    ASSERT_EQ(DGifSavedExtensionToGCB(whole, i, &control), GIF_OK);
+    ASSERT_EQ(DGifSavedExtensionToGCB(gif, i, &kept), GIF_OK);
     EXPECT_EQ(control.DelayTime, kSupercompressed[i].delay);
+    EXPECT_EQ(kept.DelayTime, kSupercompressed[i].delay);
     EXPECT_EQ(control.TransparentColor, kSupercompressed[i].transparentIndex);  // -1: none
     EXPECT_EQ(control.DisposalMode, DISPOSE_DO_NOT) << "frame " << i;
     for (int p = 0; p < 8; ++p)
-      EXPECT_EQ(gif->SavedImages[i].RasterBits[p], kSupercompressed[i].pixels[p]) << i << p;
+      EXPECT_EQ(whole->SavedImages[i].RasterBits[p], kSupercompressed[i].pixels[p]) << i << p;
   }
+  // Whatever the frames carry, a decoder shows the same pictures, the viewer's.
+  const auto shown = ShownGifPictures(gif);
+  EXPECT_TRUE(shown == ShownGifPictures(whole));
+  for (int i = 0; i < 3; ++i)
+    for (int p = 0; p < 8; ++p) EXPECT_EQ(shown[i][p], Rgba(kSeen[i][p])) << i << "," << p;
+  DGifCloseFile(whole, &code);
   // The comment and the loop block, wherever they stand among the blocks before the images.
   int sawComment = 0, sawLoop = 0;
   for (int i = 0; i < gif->ImageCount; ++i) {
@@ -136,7 +157,7 @@ TEST(GifWriter, SupercompressedFileDecodesWithItsRecords) {
       if (block.Function == APPLICATION_EXT_FUNC_CODE && block.ByteCount == 11 &&
           memcmp(block.Bytes, "NETSCAPE2.0", 11) == 0 && e + 1 < image.ExtensionBlockCount) {
         const ExtensionBlock& loop = image.ExtensionBlocks[e + 1];
-        sawLoop = loop.ByteCount == 3 && memcmp(loop.Bytes, "\1\0\0", 3) == 0;
+        sawLoop = loop.ByteCount == 3 && memcmp(loop.Bytes, "\1\3\0", 3) == 0;
       }
     }
   }
@@ -148,13 +169,13 @@ TEST(GifWriter, SupercompressedFileDecodesWithItsRecords) {
 TEST(WebpWriter, AlphaBuildDecodesWithItsFramesAndAlpha) {
   ScratchFolder scratch;
   HostSession session;
-  // True-colour frames with alpha (0xAABBGGRR); delays in milliseconds.
+  // True-colour frames with alpha (0xAABBGGRR); delays in hundredths, as for a GIF.
   const std::vector<FrameSpec> frames = {
       {{0xFF0000FFu, 0x800000FFu, 0x00000000u, 0xFF00FF00u}, 40, 1, 0},
       {{0x40FF0000u, 0xFF00FF00u, 0xFFFFFFFFu, 0x00000000u}, 60, 1, 0}};
   const HostFile* file = MakeFile(&session, 24, 32, 2, 2, frames);
   std::string error, path = scratch.Path("alpha.webp");
-  ASSERT_EQ(WriteAnimationOutput(file, 1, path, &error), 1) << error;
+  ASSERT_EQ(WriteAnimationOutput(file, {}, path, &error), 1) << error;
   const std::vector<uint8_t> bytes = FileBytes(path);
   WebPData data = {bytes.data(), bytes.size()};
   WebPAnimDecoderOptions options;
@@ -169,7 +190,7 @@ TEST(WebpWriter, AlphaBuildDecodesWithItsFramesAndAlpha) {
     uint8_t* pixels = nullptr;
     int timestamp = 0;
     ASSERT_TRUE(WebPAnimDecoderGetNext(decoder, &pixels, &timestamp));
-    EXPECT_EQ(timestamp, end += frames[i].delay);
+    EXPECT_EQ(timestamp, end += frames[i].delay * 10);
     for (int p = 0; p < 4; ++p) {
       const uint32_t want = frames[i].pixels[p], got = Read32(pixels + p * 4);
       // Colours only count where something shows.
@@ -184,8 +205,8 @@ TEST(AnimationOutput, IndexedFramesComposeInWebpAndInAFolderOfPngs) {
   HostSession session;
   const HostFile* file = MakeFile(&session, 3, 8, 4, 2, kSupercompressed);
   std::string error, webp = scratch.Path("indexed.webp"), folder = scratch.Path("frames");
-  ASSERT_EQ(WriteAnimationOutput(file, 10, webp, &error), 1) << error;
-  ASSERT_EQ(WriteAnimationOutput(file, 10, folder, &error), 1) << error;
+  ASSERT_EQ(WriteAnimationOutput(file, {}, webp, &error), 1) << error;
+  ASSERT_EQ(WriteAnimationOutput(file, {}, folder, &error), 1) << error;
   EXPECT_EQ(scratch.Names().size(), 2u);
   const std::vector<uint8_t> bytes = FileBytes(webp);
   WebPData data = {bytes.data(), bytes.size()};
@@ -224,32 +245,88 @@ TEST(AnimationOutput, FailuresLeaveNothingBehind) {
   // the rename with the temporary file gone.
   const std::string gif = scratch.Path("colour.gif");
   std::string error;
-  EXPECT_EQ(WriteAnimationOutput(trueColour, 10, gif, &error), 0);
+  EXPECT_EQ(WriteAnimationOutput(trueColour, {}, gif, &error), 0);
   EXPECT_EQ(error,
             "cannot write " + gif + ": GIF needs an indexed build (not true colour or alpha)");
   EXPECT_TRUE(scratch.Names().empty());
   fs::create_directories(scratch.Path("taken.gif/inside"));
-  EXPECT_EQ(WriteAnimationOutput(indexed, 10, scratch.Path("taken.gif"), &error), 0);
+  EXPECT_EQ(WriteAnimationOutput(indexed, {}, scratch.Path("taken.gif"), &error), 0);
   EXPECT_EQ(error.rfind("cannot write " + scratch.Path("taken.gif") + ": ", 0), 0u) << error;
   EXPECT_EQ(scratch.Names(), std::vector<std::string>{"taken.gif"});
 }
 
-TEST(AnimationOutput, StoppedRunRemovesWhatItWrote) {
-  ScratchFolder scratch;
-  std::string error;
-  OutputTarget file, folder;
-  ASSERT_EQ(BeginOutput(&file, scratch.Path("a.gif"), 0, &error), 1) << error;
-  { std::ofstream(file.temporary) << "partial"; }
-  RemovePartialOutputFromSignal();
-  EXPECT_TRUE(scratch.Names().empty());
-  AbandonOutput(&file);
+namespace {
 
-  ASSERT_EQ(BeginOutput(&folder, scratch.Path("frames/"), 1, &error), 1) << error;
-  for (const char* name : {"/frame-0001.png", "/frame-0002.png"}) {
-    std::ofstream(folder.temporary + name) << "partial";
-    NotePartialOutputFile(folder.temporary + name);
+struct ByteReader {
+  const std::vector<uint8_t>* bytes;
+  size_t at = 0;
+};
+
+int ReadBytes(GifFileType* gif, GifByteType* out, int n) {
+  ByteReader* r = static_cast<ByteReader*>(gif->UserData);
+  const size_t count = std::min<size_t>(static_cast<size_t>(n), r->bytes->size() - r->at);
+  memcpy(out, r->bytes->data() + r->at, count);
+  r->at += count;
+  return static_cast<int>(count);
+}
+
+}  // namespace
+
+// Compressed pixels decode, through giflib, to the pixels given: each as it is, or, where it may
+// be either, as itself or the mark; across table clears and for every code size.
+TEST(GifCompression, DecodesToThePixelsOrTheirMarks) {
+  uint32_t seed = 12345;
+  auto next = [&]() { return seed = seed * 1103515245u + 12345u, seed >> 16; };
+  for (const int bits : {2, 4, 8}) {
+    const int width = 300, height = 200, mark = (1 << bits) - 1;
+    std::vector<uint8_t> pixels(width * height), either(pixels.size());
+    for (size_t i = 0; i < pixels.size(); ++i) {
+      // Runs and noise, so that strings grow long and the table fills and clears.
+      pixels[i] = static_cast<uint8_t>(i % 97 < 60 ? (i / 301) % mark : next() % mark);
+      either[i] = next() % 3 == 0;
+    }
+    std::vector<uint8_t> codes;
+    CompressGifPixels(pixels.data(), either.data(), pixels.size(), bits, mark, &codes);
+    // A one-image GIF around the codes: header, screen with a black table, image descriptor.
+    std::vector<uint8_t> file;
+    for (const char c : std::string("GIF89a")) file.push_back(static_cast<uint8_t>(c));
+    auto put16 = [&](int value) {
+      file.push_back(static_cast<uint8_t>(value & 0xFF));
+      file.push_back(static_cast<uint8_t>(value >> 8));
+    };
+    put16(width);
+    put16(height);
+    file.push_back(static_cast<uint8_t>(0x80 | (bits - 1)));
+    file.push_back(0);
+    file.push_back(0);
+    file.resize(file.size() + 3 * (1 << bits), 0);
+    file.push_back(0x2C);
+    put16(0);
+    put16(0);
+    put16(width);
+    put16(height);
+    file.push_back(0);
+    file.push_back(static_cast<uint8_t>(bits));
+    for (size_t at = 0; at < codes.size(); at += 255) {
+      const size_t n = std::min<size_t>(255, codes.size() - at);
+      file.push_back(static_cast<uint8_t>(n));
+      file.insert(file.end(), codes.begin() + at, codes.begin() + at + n);
+    }
+    file.push_back(0);
+    file.push_back(0x3B);
+    ByteReader reader{&file};
+    int code = 0;
+    GifFileType* gif = DGifOpen(&reader, ReadBytes, &code);
+    ASSERT_NE(gif, nullptr) << bits;
+    ASSERT_EQ(DGifSlurp(gif), GIF_OK) << bits << " " << GifErrorString(gif->Error);
+    const uint8_t* decoded = gif->SavedImages[0].RasterBits;
+    size_t wrong = 0, marked = 0;
+    for (size_t i = 0; i < pixels.size(); ++i) {
+      marked += decoded[i] == mark && pixels[i] != mark;
+      wrong += decoded[i] != pixels[i] && !(either[i] && decoded[i] == mark);
+    }
+    EXPECT_EQ(wrong, 0u) << bits;
+    EXPECT_GT(marked, 0u) << bits;  // the marks were used
+    DGifCloseFile(gif, &code);
   }
-  RemovePartialOutputFromSignal();
-  EXPECT_TRUE(scratch.Names().empty());
-  AbandonOutput(&folder);
 }

@@ -66,8 +66,8 @@ TEST_F(Settings, SaveThenLoadGivesBackEveryReadableRowAndKeepsABackup) {
       EXPECT_EQ(*static_cast<int32_t*>(e.value), i * 7919 + 1000) << e.key;
     }
   }
-  // A negative number is written unsigned and comes back saturated.
-  EXPECT_EQ(*SettingInteger("MainPalette"), 2147483647);
+  // A negative number is written signed and comes back as itself.
+  EXPECT_EQ(*SettingInteger("MainPalette"), -1);
   const std::string text = Read(Path());
   EXPECT_EQ(text.rfind(";Cobalt Lanternary animtion plugin configuration file\n"
                        ";Edit this at your own risk\n;Last updated ",
@@ -75,7 +75,7 @@ TEST_F(Settings, SaveThenLoadGivesBackEveryReadableRowAndKeepsABackup) {
             0u);
   EXPECT_NE(text.find("\n;\n[PlugIn]\nAddDescriptiveCommentBlock = 1000\n"), std::string::npos);
   EXPECT_NE(text.find("\nPatchLevel = 278165\n"), std::string::npos);  // written though never read
-  EXPECT_NE(text.find("\nMainPalette = 4294967295\n"), std::string::npos);
+  EXPECT_NE(text.find("\nMainPalette = -1\n"), std::string::npos);
 }
 
 // How lines read: a short key sets the first row that starts with it (a blank line the first

@@ -54,3 +54,21 @@ TEST(PluginLibraryFile, ExportsTheThreeEntryPointsAndImportsOnlySystemLibraries)
   }
   EXPECT_GE(count, 3);  // kernel32, user32 and gdi32 at least
 }
+
+// The palette files are resources of the library, byte for byte the copies kept in the sources.
+TEST(PluginLibraryFile, CarriesThePaletteResources) {
+  HMODULE plugin = LoadLibraryExA(GM5_PLUGIN_PATH, nullptr, LOAD_LIBRARY_AS_DATAFILE);
+  ASSERT_NE(plugin, nullptr);
+  for (const char* name : {"PALETTE216", "PALETTE256G"}) {
+    HRSRC found = FindResourceA(plugin, name, MAKEINTRESOURCEA(10));  // RT_RCDATA
+    ASSERT_NE(found, nullptr) << name;
+    HGLOBAL loaded = LoadResource(plugin, found);
+    ASSERT_NE(loaded, nullptr) << name;
+    const uint8_t* bytes = static_cast<const uint8_t*>(LockResource(loaded));
+    const std::vector<uint8_t> kept = ReadWholeFile(
+        BuildPath((std::string(GM5_SOURCE_DIR "/resources/") + name + ".bin").c_str()).c_str());
+    ASSERT_EQ(kept.size(), 853u) << name;
+    EXPECT_EQ(std::vector<uint8_t>(bytes, bytes + SizeofResource(plugin, found)), kept) << name;
+  }
+  FreeLibrary(plugin);
+}
