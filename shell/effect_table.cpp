@@ -7,6 +7,7 @@
 #include "controls/page_tables.h"
 #include "effects/simple.h"
 #include "effects/snow.h"
+#include "effects/unplugged_tv.h"
 #include "shell/effect_pages.h"
 #include "shell/host_interface.h"
 
@@ -33,7 +34,8 @@ const EffectEntry EffectTable[kEffectCount] = {
     {"Stars", EffectPageInit<3>, nullptr, nullptr, nullptr, kPageIds<3>.data(), nullptr},
     {"Tracks", EffectPageInit<15>, nullptr, nullptr, nullptr, kPageIds<15>.data(), nullptr},
     {"Tram Lines", EffectPageInit<20>, nullptr, nullptr, nullptr, kPageIds<20>.data(), nullptr},
-    {"Unplugged TV", EffectPageInit<19>, nullptr, nullptr, nullptr, kPageIds<19>.data(), nullptr},
+    {"Unplugged TV", EffectPageInit<19>, UnpluggedTvEffectPreview, UnpluggedTvEffectBuild,
+     UnpluggedTvEffectKeyColour, kPageIds<19>.data(), nullptr},
     {"Waterside", EffectPageInit<8>, nullptr, nullptr, nullptr, kPageIds<8>.data(), nullptr},
     {"Wavelet", EffectPageInit<9>, nullptr, nullptr, nullptr, kPageIds<9>.data(), nullptr},
     {"Zipper", EffectPageInit<14>, nullptr, nullptr, nullptr, kPageIds<14>.data(), nullptr},
