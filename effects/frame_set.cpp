@@ -75,25 +75,39 @@ MovableHandle FrameSetFillImage(FrameParams* params, const FrameSetEffect* effec
   return DuplicateHandle(reinterpret_cast<MovableHandle*>(slots.bytes)[params->frameIndex]);
 }
 
-MovableHandle RenderFrameSetFrame(BuildContext* context, const FrameSetEffect* effect) {
-  FrameParams* params = static_cast<FrameParams*>(context->params);
+MovableHandle RenderFrameWithFill(BuildContext* context, const FramePageIds* ids,
+                                  FrameFillSource fill, void* source) {
   FrameSettings settings;
   char text[2][264];
-  if (!params ||
-      !ReadFrameSettings(context->dialog, &effect->ids, context->sample, &settings, &text))
-    return nullptr;
+  if (!ReadFrameSettings(context->dialog, ids, context->sample, &settings, &text)) return nullptr;
   TextFrame frame;
   MovableHandle result = nullptr;
   // The text and its shadow stand at their place of rest in every frame; only the fill moves.
   if (BeginTextFrame(context->dialog, &settings, &frame) && BackgroundStep(&frame)) {
-    frame.fillImage = FrameSetFillImage(params, effect, context->dialog, frame.width, frame.height);
+    frame.fillImage = fill(source, context, frame.width, frame.height);
     if (frame.fillImage && ShadowMaterialStep(&frame) && AlphaPlaneStep(&frame) &&
         ShadowStep(&frame, 0, 0) && FillStep(&frame, 0, 0) && OutlineStep(&frame, 0, 0))
       result = FinishFrameStep(&frame);
   }
   EndTextFrame(&frame);
-  ReleaseFrameSettings(context->dialog, &effect->ids);
+  ReleaseFrameSettings(context->dialog, ids);
   return result;
+}
+
+namespace {
+
+MovableHandle FillFromSet(void* effect, BuildContext* context, int32_t width, int32_t height) {
+  return FrameSetFillImage(static_cast<FrameParams*>(context->params),
+                           static_cast<const FrameSetEffect*>(effect), context->dialog, width,
+                           height);
+}
+
+}  // namespace
+
+MovableHandle RenderFrameSetFrame(BuildContext* context, const FrameSetEffect* effect) {
+  if (!context->params) return nullptr;
+  return RenderFrameWithFill(context, &effect->ids, FillFromSet,
+                             const_cast<FrameSetEffect*>(effect));
 }
 
 int RunFrameSetFrames(BuildContext* context, const FrameSetLoop* loop, FrameSetRenderer render,

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "controls/page_tables.h"
+#include "effects/diagonal_fuse.h"
 #include "effects/simple.h"
 #include "effects/snow.h"
 #include "effects/unplugged_tv.h"
@@ -18,7 +19,8 @@ const EffectEntry EffectTable[kEffectCount] = {
     {"Arrows", EffectPageInit<7>, nullptr, nullptr, nullptr, kPageIds<7>.data(), nullptr},
     {"Candy", EffectPageInit<17>, nullptr, nullptr, nullptr, kPageIds<17>.data(), nullptr},
     {"Confetti", EffectPageInit<16>, nullptr, nullptr, nullptr, kPageIds<16>.data(), nullptr},
-    {"Diagonal Fuse", EffectPageInit<12>, nullptr, nullptr, nullptr, kPageIds<12>.data(), nullptr},
+    {"Diagonal Fuse", EffectPageInit<12>, DiagonalFuseEffectPreview, DiagonalFuseEffectBuild,
+     DiagonalFuseEffectKeyColour, kPageIds<12>.data(), nullptr},
     {"Heartbeat", EffectPageInit<10>, nullptr, nullptr, nullptr, kPageIds<10>.data(), nullptr},
     {"Omni", EffectPageInit<11>, nullptr, nullptr, nullptr, kPageIds<11>.data(), nullptr},
     {"Machine", EffectPageInit<4>, nullptr, nullptr, nullptr, kPageIds<4>.data(), nullptr},
