@@ -6,6 +6,7 @@
 
 #include "controls/page_tables.h"
 #include "effects/diagonal_fuse.h"
+#include "effects/ring.h"
 #include "effects/simple.h"
 #include "effects/snow.h"
 #include "effects/unplugged_tv.h"
@@ -28,7 +29,8 @@ const EffectEntry EffectTable[kEffectCount] = {
     {"Quark", EffectPageInit<5>, nullptr, nullptr, nullptr, kPageIds<5>.data(), nullptr},
     {"Quark Outline", EffectPageInit<13>, nullptr, nullptr, nullptr, kPageIds<13>.data(), nullptr},
     {"Rattle", EffectPageInit<18>, nullptr, nullptr, nullptr, kPageIds<18>.data(), nullptr},
-    {"Ring", EffectPageInit<1>, nullptr, nullptr, nullptr, kPageIds<1>.data(), nullptr},
+    {"Ring", EffectPageInit<1>, RingEffectPreview, RingEffectBuild, RingEffectKeyColour,
+     kPageIds<1>.data(), nullptr},
     {"Simple", EffectPageInit<0>, SimpleEffectPreview, SimpleEffectBuild, SimpleEffectKeyColour,
      kPageIds<0>.data(), nullptr},
     {"Snow", EffectPageInit<2>, SnowEffectPreview, SnowEffectBuild, SnowEffectKeyColour,
