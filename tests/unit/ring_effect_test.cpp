@@ -109,7 +109,7 @@ TEST(Ring, CharactersTurnAboutTheCentreWithTheirAngle) {
   RingParams two;
   ASSERT_EQ(PrepareRing(dialog, &two), 1);
   const Picture pair = Take(RenderRingMask(&two, 255));
-  uint32_t advance = 0;  // 8 here for this font; GDI+ under Wine measures 4
+  uint32_t advance = 0;  // 8 natively for this font; under Wine the measure gives 4
   {
     ScopedLock a(two.advances);
     advance = reinterpret_cast<const uint32_t*>(a.bytes)[0];
