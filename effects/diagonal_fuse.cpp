@@ -113,9 +113,9 @@ MovableHandle MakeFuseFill(const FuseLeaves* leaves) {
         const uint32_t f = ReadDibPixel(out.bytes, x, y), k = ReadDibPixel(under.bytes, x, y);
         uint32_t pixel = 0;
         for (int shift = 0; shift < 24; shift += 8)
-          pixel |= (((k >> shift) & 0xFF) * (255 - level) / 255 +
-                    ((f >> shift) & 0xFF) * level / 255)
-                   << shift;
+          pixel |=
+              (((k >> shift) & 0xFF) * (255 - level) / 255 + ((f >> shift) & 0xFF) * level / 255)
+              << shift;
         WriteDibPixel(out.bytes, x, y, pixel);
       }
   }

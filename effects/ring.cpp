@@ -221,9 +221,9 @@ MovableHandle RenderRingMask(const RingParams* p, int32_t level) {
   float arc = 0.0f;
   int ok = 1;
   for (int32_t i = 0; ok && i < p->textLength; ++i) {
-    const int32_t angle =
-        p->startAngle - static_cast<int32_t>(std::trunc((arc / circumference) * -360.0)) +
-        p->currentAngle;
+    const int32_t angle = p->startAngle -
+                          static_cast<int32_t>(std::trunc((arc / circumference) * -360.0)) +
+                          p->currentAngle;
     const double theta = angle * 0.017453292519943295;
     const int32_t escapement = static_cast<int32_t>(std::trunc(3600.0 - angle * 10.0));
     const int32_t x = static_cast<int32_t>(std::trunc(-dy * std::sin(theta) + cx + 0.5));

@@ -25,9 +25,9 @@ struct RingParams {
   int32_t textLength;  // bytes
   int32_t fillOpacity, shadowOpacity;
   char faceName[260];
-  LayoutFont font;           // made once and kept while the params live
-  MovableHandle text;        // the text, without a space appended
-  MovableHandle advances;    // MeasureText's table, one entry a byte and 16 spare
+  LayoutFont font;         // made once and kept while the params live
+  MovableHandle text;      // the text, without a space appended
+  MovableHandle advances;  // MeasureText's table, one entry a byte and 16 spare
 };
 
 // Reads the page and the main dialog's font into a zeroed `params`, makes the font and measures

@@ -67,9 +67,8 @@ MovableHandle RenderUnpluggedTvText(BuildContext* context) {
   }
   if (ok) {
     if (state->useFills)
-      frame.fillImage = state->count < kUnpluggedTvFills
-                            ? DuplicateHandle(state->fills[state->count])
-                            : nullptr;
+      frame.fillImage =
+          state->count < kUnpluggedTvFills ? DuplicateHandle(state->fills[state->count]) : nullptr;
     else
       frame.fillImage = FillFromButton(dialog, kIdColour1, frame.width, frame.height);
     ok = frame.fillImage && ShadowMaterialStep(&frame);
@@ -237,8 +236,8 @@ MovableHandle MakeSwellDot(uint32_t colour, int32_t canvasHeight, int32_t dotFra
   for (int32_t y = 0; y < side; ++y)
     for (int32_t x = 0; x < side; ++x)
       WriteDibPixel(out.bytes, x, y,
-                    (ReadDibPixel(c.bytes, x, y) & 0xFFFFFF) |
-                        (ReadDibPixel(a.bytes, x, y) & 0xFF) << 24);
+                    (ReadDibPixel(c.bytes, x, y) & 0xFFFFFF) | (ReadDibPixel(a.bytes, x, y) & 0xFF)
+                                                                   << 24);
   return dot;
 }
 
@@ -276,8 +275,8 @@ MovableHandle MakeUnpluggedTvFrame(const UnpluggedTvState* state) {
     small.handle = ResampleByPercent(cur, p, 8);
   } else {
     const SwellFactors swell = ReadSwellFactors();
-    small.handle = MakeSwellDot(state->dotColours[state->current], state->height,
-                                state->dotFrames, state->step, state->squareDot, &swell);
+    small.handle = MakeSwellDot(state->dotColours[state->current], state->height, state->dotFrames,
+                                state->step, state->squareDot, &swell);
   }
   ScopedBlock frame(DuplicateHandle(next));
   {
@@ -338,7 +337,8 @@ int UnpluggedTvEffectBuild(BuildContext* context) {
     for (state.phase = 0; ok && state.phase < 3; ++state.phase)
       for (state.step = 0; ok && state.step < frames[state.phase]; ++state.step) {
         MovableHandle image = MakeUnpluggedTvFrame(&state);
-        const int32_t frameDelay = state.phase == 0 && state.step == 0 ? pause : delays[state.phase];
+        const int32_t frameDelay =
+            state.phase == 0 && state.step == 0 ? pause : delays[state.phase];
         ok = image && AppendEffectFrame(context, image, frameDelay);
         if (ok) ReportEffectProgress(context, done++, total);
       }

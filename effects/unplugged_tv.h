@@ -16,11 +16,11 @@ constexpr int32_t kUnpluggedTvFills = 5;
 // The build's state, a zeroed local of the build procedure; the renderer reaches it through
 // BuildContext.params.
 struct UnpluggedTvState {
-  MovableHandle background;                    // the Background material at canvas size
-  MovableHandle pictures[kUnpluggedTvFills];   // each fill's rendered text frame
-  MovableHandle fills[kUnpluggedTvFills];      // each fill's material at canvas size
-  int32_t count;                               // fills in use, 2 to 5
-  int32_t current;                             // the fill now switching off
+  MovableHandle background;                   // the Background material at canvas size
+  MovableHandle pictures[kUnpluggedTvFills];  // each fill's rendered text frame
+  MovableHandle fills[kUnpluggedTvFills];     // each fill's material at canvas size
+  int32_t count;                              // fills in use, 2 to 5
+  int32_t current;                            // the fill now switching off
   int32_t squeezeFrames, lineFrames, dotFrames;
   int32_t squeezeDelay, lineDelay, dotDelay;
   int32_t phase;  // 0 squeeze, 1 line, 2 dot

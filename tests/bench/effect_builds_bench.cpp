@@ -44,9 +44,15 @@ void RunBuild(benchmark::State& state, EffectBuild build) {
   state.SetItemsProcessed(frames);
 }
 
-void BM_RingBuild(benchmark::State& state) { RunBuild(state, RingEffectBuild); }
-void BM_DiagonalFuseBuild(benchmark::State& state) { RunBuild(state, DiagonalFuseEffectBuild); }
-void BM_UnpluggedTvBuild(benchmark::State& state) { RunBuild(state, UnpluggedTvEffectBuild); }
+void BM_RingBuild(benchmark::State& state) {
+  RunBuild(state, RingEffectBuild);
+}
+void BM_DiagonalFuseBuild(benchmark::State& state) {
+  RunBuild(state, DiagonalFuseEffectBuild);
+}
+void BM_UnpluggedTvBuild(benchmark::State& state) {
+  RunBuild(state, UnpluggedTvEffectBuild);
+}
 
 }  // namespace
 

@@ -8,25 +8,14 @@
 #include "controls/value_controls.h"
 #include "shell/packed_dib.h"
 #include "tests/support/alloc_sweep.h"
+#include "tests/support/effect_runs.h"
 
 namespace {
-
-std::vector<uint32_t> Pixels(MovableHandle image) {
-  std::vector<uint32_t> pixels;
-  ScopedLock lock(image);
-  if (!lock) return pixels;
-  const BitmapInfoHeader* h = reinterpret_cast<const BitmapInfoHeader*>(lock.bytes);
-  pixels.push_back(static_cast<uint32_t>(h->biWidth));
-  pixels.push_back(static_cast<uint32_t>(h->biHeight));
-  for (int32_t y = 0; y < h->biHeight; ++y)
-    for (int32_t x = 0; x < h->biWidth; ++x) pixels.push_back(ReadDibPixel(lock.bytes, x, y));
-  return pixels;
-}
 
 // The pixels of a picture made for the test, which is then freed.
 std::vector<uint32_t> Taken(MovableHandle image) {
   ScopedBlock owner(image);
-  return Pixels(image);
+  return PicturePixels(image);
 }
 
 // The mean mask level of row y, columns 0 to w - 1.
@@ -71,7 +60,7 @@ TEST(DiagonalFuse, LeavesCoverHalfOfEachGrownRowAndFuseAtFullProgress) {
       if (margin && !scroll) continue;
       leaves.margin = margin;
       ScopedBlock fused(MakeFuseFill(&leaves));
-      const std::vector<uint32_t> fill = Pixels(fused.handle);
+      const std::vector<uint32_t> fill = PicturePixels(fused.handle);
       int32_t other = 0;
       for (int32_t y = margin + 4; y < 100 - margin - 4; ++y)
         for (int32_t x = 0; x < 240; ++x)
@@ -91,35 +80,6 @@ TEST(DiagonalFuse, LeavesCoverHalfOfEachGrownRowAndFuseAtFullProgress) {
             std::vector<uint32_t>(240 * 100, 0x333333u));
 }
 
-namespace {
-
-struct Built {
-  int ok;
-  std::vector<std::vector<uint32_t>> frames;
-  std::vector<int32_t> delays;
-};
-
-Built Build(WindowHandle dialog) {
-  FrameList list{};
-  BuildContext context{};
-  context.dialog = dialog;
-  context.frames = &list;
-  Built b{};
-  b.ok = DiagonalFuseEffectBuild(&context);
-  {
-    ScopedLock lock(list.records);
-    for (int32_t i = 0; lock && i < list.count; ++i) {
-      const FrameRecord& r = reinterpret_cast<const FrameRecord*>(lock.bytes)[i];
-      b.frames.push_back(Pixels(r.image));
-      b.delays.push_back(r.delay);
-    }
-  }
-  FreeFrameList(&list);
-  return b;
-}
-
-}  // namespace
-
 TEST(DiagonalFusePage, BuildsHalfTheFramesThenTheFusedOneAndTheSampleIsTheMiddleFrame) {
   WindowHandle dialog = CreateValueDialog();
   ASSERT_NE(dialog, nullptr);
@@ -130,22 +90,22 @@ TEST(DiagonalFusePage, BuildsHalfTheFramesThenTheFusedOneAndTheSampleIsTheMiddle
   SetDialogItemInt(dialog, 23, 40, 0);
   EXPECT_EQ(DiagonalFuseEffectKeyColour(dialog, 0), 0xFFFFFF);
 
-  const Built standard = Build(dialog);
+  const EffectRun standard = RunEffect(dialog, DiagonalFuseEffectBuild);
   ASSERT_EQ(standard.ok, 1);
   std::vector<int32_t> delays(32, 6);
   delays.push_back(46);
   EXPECT_EQ(standard.delays, delays) << "Frames 64: 32 growing frames and the fused one";
-  EXPECT_EQ(Build(dialog).frames, standard.frames);
+  EXPECT_EQ(RunEffect(dialog, DiagonalFuseEffectBuild).frames, standard.frames);
   BuildContext preview{};
   preview.dialog = dialog;
   preview.sample = 1;
   ASSERT_EQ(DiagonalFuseEffectPreview(&preview), 1);
-  EXPECT_EQ(Pixels(preview.image), standard.frames[16]) << "the sample is the frame at 0.5";
+  EXPECT_EQ(PicturePixels(preview.image), standard.frames[16]) << "the sample: progress 0.5";
   MovableFree(preview.image);
 
   // Another Back fill changes the growing frames but not the fused one: its letters are Fill.
   SetDialogItemInt(dialog, 648, 0x0000FF, 0);
-  const Built otherBack = Build(dialog);
+  const EffectRun otherBack = RunEffect(dialog, DiagonalFuseEffectBuild);
   EXPECT_NE(otherBack.frames[0], standard.frames[0]);
   EXPECT_EQ(otherBack.frames.back(), standard.frames.back());
   SetDialogItemInt(dialog, 648, 0x333333, 0);
@@ -156,7 +116,7 @@ TEST(DiagonalFusePage, BuildsHalfTheFramesThenTheFusedOneAndTheSampleIsTheMiddle
   } cases[] = {{2, 2}, {3, 2}, {11, 6}};
   for (const Case& c : cases) {
     SetDialogItemInt(dialog, 634, static_cast<uint32_t>(c.frames), 0);
-    const Built b = Build(dialog);
+    const EffectRun b = RunEffect(dialog, DiagonalFuseEffectBuild);
     ASSERT_EQ(b.ok, 1);
     ASSERT_EQ(b.frames.size(), c.count) << c.frames;
     EXPECT_EQ(b.frames.back(), standard.frames.back());
@@ -165,14 +125,7 @@ TEST(DiagonalFusePage, BuildsHalfTheFramesThenTheFusedOneAndTheSampleIsTheMiddle
 
   SetDialogItemInt(dialog, 634, 2, 0);
   SetDialogItemInt(dialog, 57, 8, 0);
-  EXPECT_TRUE(SweepAllocationFailures([dialog] {
-    FrameList list{};
-    BuildContext context{};
-    context.dialog = dialog;
-    context.frames = &list;
-    const int ok = DiagonalFuseEffectBuild(&context);
-    FreeFrameList(&list);
-    return ok;
-  }, 100000, true));
+  EXPECT_TRUE(SweepAllocationFailures(
+      [dialog] { return RunEffect(dialog, DiagonalFuseEffectBuild).ok; }, 100000, true));
   DialogDestroy(dialog);
 }

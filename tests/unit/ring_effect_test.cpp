@@ -10,6 +10,7 @@
 #include "controls/value_controls.h"
 #include "shell/packed_dib.h"
 #include "tests/support/alloc_sweep.h"
+#include "tests/support/effect_runs.h"
 #include "tests/support/value_dialog.h"
 
 namespace {
@@ -18,10 +19,11 @@ struct Picture {
   int32_t width = 0, height = 0;
   std::vector<uint32_t> pixels;
   uint32_t At(int32_t x, int32_t y) const { return pixels[static_cast<size_t>(y * width + x)]; }
-  bool operator==(const Picture&) const = default;
 };
 
+// The pixels of a picture made for the test, which is then freed.
 Picture Take(MovableHandle image) {
+  ScopedBlock owner(image);
   Picture p;
   ScopedLock lock(image);
   if (!lock) return p;
@@ -119,8 +121,8 @@ TEST(Ring, CharactersTurnAboutTheCentreWithTheirAngle) {
   RingParams one;
   ASSERT_EQ(PrepareRing(dialog, &one), 1);
   const Picture first = Take(RenderRingMask(&one, 255));
-  one.startAngle = static_cast<int32_t>(
-      static_cast<float>(advance) / static_cast<float>(40 * 6.283185307179586) * 360.0);
+  one.startAngle = static_cast<int32_t>(static_cast<float>(advance) /
+                                        static_cast<float>(40 * 6.283185307179586) * 360.0);
   EXPECT_GT(one.startAngle, 0);
   const Picture second = Take(RenderRingMask(&one, 255));
   ReleaseRing(&one);
@@ -135,45 +137,16 @@ TEST(Ring, CharactersTurnAboutTheCentreWithTheirAngle) {
   for (const auto& c : counts) EXPECT_EQ(RingFrameCount(c[0]), c[1]) << c[0];
 }
 
-namespace {
-
-struct Built {
-  int ok;
-  std::vector<Picture> frames;
-  std::vector<int32_t> delays;
-};
-
-Built Build(WindowHandle dialog) {
-  FrameList list{};
-  BuildContext context{};
-  context.dialog = dialog;
-  context.frames = &list;
-  Built b{};
-  b.ok = RingEffectBuild(&context);
-  {
-    ScopedLock lock(list.records);
-    for (int32_t i = 0; lock && i < list.count; ++i) {
-      const FrameRecord& r = reinterpret_cast<const FrameRecord*>(lock.bytes)[i];
-      b.frames.push_back(Take(r.image));
-      b.delays.push_back(r.delay);
-    }
-  }
-  FreeFrameList(&list);
-  return b;
-}
-
-}  // namespace
-
 TEST(RingPage, BuildsOneTurnWhoseFramesFollowTheAngleAndTheSampleIsTheFirst) {
   WindowHandle dialog = RingDialog();
   SetDialogItemInt(dialog, 11, 7, 0);
   EXPECT_EQ(RingEffectKeyColour(dialog, 0), 0xFFFFFF);
   DialogSetSelection(DialogItem(dialog, 154), kRowMinus4);
-  const Built four = Build(dialog);
+  const EffectRun four = RunEffect(dialog, RingEffectBuild);
   ASSERT_EQ(four.ok, 1);
   EXPECT_EQ(four.delays, std::vector<int32_t>(90, 7));
   DialogSetSelection(DialogItem(dialog, 154), kRowMinus2);
-  const Built two = Build(dialog);
+  const EffectRun two = RunEffect(dialog, RingEffectBuild);
   ASSERT_EQ(two.frames.size(), 180u);
   for (size_t k = 0; k < 90; k += 7) EXPECT_EQ(four.frames[k], two.frames[2 * k]) << k;
   EXPECT_NE(two.frames[0], two.frames[1]);
@@ -184,39 +157,32 @@ TEST(RingPage, BuildsOneTurnWhoseFramesFollowTheAngleAndTheSampleIsTheFirst) {
   const int32_t pad = ReadDlgValue(dialog, 59) + 1 + ReadDlgValue(dialog, 146) / 10;
   const int32_t side = p.ringWidth + 2 * pad + ReadDlgValue(dialog, 148);
   ReleaseRing(&p);
-  EXPECT_EQ(two.frames[0].width, side);
-  EXPECT_EQ(two.frames[0].height, side);
+  EXPECT_EQ(two.frames[0][0], static_cast<uint32_t>(side));
+  EXPECT_EQ(two.frames[0][1], static_cast<uint32_t>(side));
 
   BuildContext preview{};
   preview.dialog = dialog;
   preview.sample = 1;
   ASSERT_EQ(RingEffectPreview(&preview), 1);
-  EXPECT_EQ(Take(preview.image), two.frames[0]) << "the sample is the first frame";
+  EXPECT_EQ(PicturePixels(preview.image), two.frames[0]) << "the sample is the first frame";
   MovableFree(preview.image);
 
   // Variations: animation off gives one frame at the start angle; no shadow drops the offset; a
   // larger radius widens the ring by twice the difference.
   DialogSetCheck(DialogItem(dialog, 22), 0);
-  const Built still = Build(dialog);
+  const EffectRun still = RunEffect(dialog, RingEffectBuild);
   ASSERT_EQ(still.frames.size(), 1u);
   EXPECT_EQ(still.frames[0], two.frames[0]);
   DialogSetCheck(DialogItem(dialog, 152), 0);
   SetDialogItemInt(dialog, 156, 50, 0);
-  EXPECT_EQ(Build(dialog).frames[0].width, side - ReadDlgValue(dialog, 148) + 20);
+  EXPECT_EQ(RunEffect(dialog, RingEffectBuild).frames[0][0],
+            static_cast<uint32_t>(side - ReadDlgValue(dialog, 148) + 20));
 
   DialogSetCheck(DialogItem(dialog, 22), 1);
   DialogSetCheck(DialogItem(dialog, 152), 1);
   DialogSetSelection(DialogItem(dialog, 154), kRow60);
   SetDialogItemInt(dialog, 156, 32, 0);
   SetDialogItemInt(dialog, 57, 8, 0);
-  EXPECT_TRUE(SweepAllocationFailures([dialog] {
-    FrameList list{};
-    BuildContext context{};
-    context.dialog = dialog;
-    context.frames = &list;
-    const int ok = RingEffectBuild(&context);
-    FreeFrameList(&list);
-    return ok;
-  }));
+  EXPECT_TRUE(SweepAllocationFailures([dialog] { return RunEffect(dialog, RingEffectBuild).ok; }));
   DialogDestroy(dialog);
 }

@@ -10,6 +10,7 @@
 #include "shell/crt_random.h"
 #include "shell/packed_dib.h"
 #include "tests/support/alloc_sweep.h"
+#include "tests/support/effect_runs.h"
 
 namespace {
 
@@ -22,8 +23,8 @@ MovableHandle Picture(int32_t w, int32_t h, uint32_t colour, int32_t inner, uint
   ScopedLock lock(image);
   for (int32_t y = 0; y < h; ++y)
     for (int32_t x = 0; x < w; ++x) {
-      const bool in = 2 * x >= w - inner && 2 * x < w + inner && 2 * y >= h - inner &&
-                      2 * y < h + inner;
+      const bool in =
+          2 * x >= w - inner && 2 * x < w + inner && 2 * y >= h - inner && 2 * y < h + inner;
       WriteDibPixel(lock.bytes, x, y, colour | (in ? 255u : outerAlpha) << 24);
     }
   return image;
@@ -44,7 +45,9 @@ int32_t Width(MovableHandle image) {
 TEST(UnpluggedTv, TimingOverlayAndMeanColourFollowTheirRules) {
   struct Timing {
     int32_t frames, delay, sizeFactor, perPhase, dotFrames, dotDelay;
-  } timings[] = {{48, 10, 20, 16, 16, 15}, {23, 7, 20, 8, 8, 10}, {48, 10, 0, 16, 0, 15},
+  } timings[] = {{48, 10, 20, 16, 16, 15},
+                 {23, 7, 20, 8, 8, 10},
+                 {48, 10, 0, 16, 0, 15},
                  {32760, 3, 20, 10920, 10920, 4}};
   for (const Timing& t : timings) {
     UnpluggedTvState state{};
@@ -88,8 +91,8 @@ TEST(UnpluggedTv, DotSwellsOnceBrightensToItsCentreAndFadesAtTheRim) {
   // Canvas height 200: full size 40; softness 20 gives soft 2, side 12 + size.
   struct Case {
     int32_t dotFrames, step, side;
-  } cases[] = {{16, 0, 12 + 5}, {16, 7, 12 + 40}, {16, 8, 12 + 45}, {16, 15, 12 + 10},
-               {1, 0, 12 + 40}, {0, 0, 12 + 40}};
+  } cases[] = {{16, 0, 12 + 5},   {16, 7, 12 + 40}, {16, 8, 12 + 45},
+               {16, 15, 12 + 10}, {1, 0, 12 + 40},  {0, 0, 12 + 40}};
   for (const Case& c : cases) {
     for (int32_t square : {0, 1}) {
       ScopedBlock dot(MakeSwellDot(0x2040FF, 200, c.dotFrames, c.step, square, &kSwell));
@@ -143,50 +146,12 @@ TEST(UnpluggedTv, FramesShrinkTheCurrentPictureOverTheNextAndTheLastRevealsTheFi
   EXPECT_EQ(state.count, 0);
 }
 
-namespace {
-
-struct Built {
-  int ok;
-  std::vector<std::vector<uint32_t>> frames;
-  std::vector<int32_t> delays;
-};
-
-std::vector<uint32_t> Pixels(MovableHandle image) {
-  std::vector<uint32_t> pixels;
-  ScopedLock lock(image);
-  const BitmapInfoHeader* h = reinterpret_cast<const BitmapInfoHeader*>(lock.bytes);
-  pixels.push_back(static_cast<uint32_t>(h->biWidth));
-  for (int32_t y = 0; y < h->biHeight; ++y)
-    for (int32_t x = 0; x < h->biWidth; ++x) pixels.push_back(ReadDibPixel(lock.bytes, x, y));
-  return pixels;
-}
-
-Built Build(WindowHandle dialog) {
-  FrameList list{};
-  BuildContext context{};
-  context.dialog = dialog;
-  context.frames = &list;
-  Built b{};
-  b.ok = UnpluggedTvEffectBuild(&context);
-  {
-    ScopedLock lock(list.records);
-    for (int32_t i = 0; lock && i < list.count; ++i) {
-      const FrameRecord& r = reinterpret_cast<const FrameRecord*>(lock.bytes)[i];
-      b.frames.push_back(Pixels(r.image));
-      b.delays.push_back(r.delay);
-    }
-  }
-  FreeFrameList(&list);
-  return b;
-}
-
-}  // namespace
-
 TEST(UnpluggedTvPage, BuildsAThirdOfFramesPerPhasePerFillWithPauseAndDotDelays) {
   WindowHandle dialog = CreateValueDialog();
   ASSERT_NE(dialog, nullptr);
   for (int32_t id : {923, 925, 943, 945, 947, 949, 951})
-    ASSERT_EQ(DialogCreateMaterial(DialogItem(dialog, id), 0x101010u * static_cast<uint32_t>(id % 9)), 1);
+    ASSERT_EQ(
+        DialogCreateMaterial(DialogItem(dialog, id), 0x101010u * static_cast<uint32_t>(id % 9)), 1);
   SetDialogItemInt(dialog, 57, 14, 0);  // a small font keeps the canvas small
   SetDialogItemInt(dialog, 11, 8, 0);
   SetDialogItemInt(dialog, 23, 50, 0);
@@ -207,11 +172,11 @@ TEST(UnpluggedTvPage, BuildsAThirdOfFramesPerPhasePerFillWithPauseAndDotDelays) 
         for (int32_t s = 0; s < (phase == 2 && !c.sizeFactor ? 0 : per); ++s)
           delays.push_back(phase == 0 && s == 0 ? 50 : phase == 2 ? 12 : 8);
     crt::srand(1);
-    const Built a = Build(dialog);
+    const EffectRun a = RunEffect(dialog, UnpluggedTvEffectBuild);
     ASSERT_EQ(a.ok, 1);
     EXPECT_EQ(a.delays, delays);
     crt::srand(99);  // no random numbers: another generator state changes nothing
-    EXPECT_EQ(Build(dialog).frames, a.frames);
+    EXPECT_EQ(RunEffect(dialog, UnpluggedTvEffectBuild).frames, a.frames);
     for (const std::vector<uint32_t>& f : a.frames) EXPECT_EQ(f.size(), a.frames[0].size());
   }
   *SettingInteger("Style019SwellSizeFactor") = 20;
@@ -227,15 +192,8 @@ TEST(UnpluggedTvPage, BuildsAThirdOfFramesPerPhasePerFillWithPauseAndDotDelays) 
   SetDialogItemInt(dialog, 941, 2, 0);
   SetDialogItemInt(dialog, 57, 8, 0);
   *SettingInteger("Style019SwellSizeFactor") = 0;
-  EXPECT_TRUE(SweepAllocationFailures([dialog] {
-    FrameList list{};
-    BuildContext context{};
-    context.dialog = dialog;
-    context.frames = &list;
-    const int ok = UnpluggedTvEffectBuild(&context);
-    FreeFrameList(&list);
-    return ok;
-  }, 100000, true));
+  EXPECT_TRUE(SweepAllocationFailures(
+      [dialog] { return RunEffect(dialog, UnpluggedTvEffectBuild).ok; }, 100000, true));
   *SettingInteger("Style019SwellSizeFactor") = 20;
   DialogDestroy(dialog);
 }

@@ -23,7 +23,7 @@ TEST(EffectRuns, RingDiagonalFuseAndUnpluggedTvTestAndBuildFromTheirPages) {
     const char* firstDelay;
     const char* lastDelay;
   } cases[] = {
-      {"ring", 11, "select 154 33", 6, "delay=6 ", "delay=6 "},           // 60 degrees a frame
+      {"ring", 11, "select 154 33", 6, "delay=6 ", "delay=6 "},            // 60 degrees a frame
       {"diagonal-fuse", 3, "set-text 634 4", 3, "delay=6 ", "delay=36 "},  // 2 growing, 1 fused
       // Five fills of three phases of 8 frames; the pause first, a dot frame last (6 * 150 %).
       {"unplugged-tv", 17, "set-text 941 2", 120, "delay=30 ", "delay=9 "}};
