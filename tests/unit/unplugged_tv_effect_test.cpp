@@ -149,13 +149,16 @@ TEST(UnpluggedTv, FramesShrinkTheCurrentPictureOverTheNextAndTheLastRevealsTheFi
 TEST(UnpluggedTvPage, BuildsAThirdOfFramesPerPhasePerFillWithPauseAndDotDelays) {
   WindowHandle dialog = CreateValueDialog();
   ASSERT_NE(dialog, nullptr);
-  for (int32_t id : {923, 925, 943, 945, 947, 949, 951})
-    ASSERT_EQ(
-        DialogCreateMaterial(DialogItem(dialog, id), 0x101010u * static_cast<uint32_t>(id % 9)), 1);
+  // The page's own creation colours, which a dialog made from its resources already holds.
+  const uint32_t materials[][2] = {{923, 0x7F7F7F}, {925, 0x202020}, {943, 0xFF0000},
+                                   {945, 0x00FF00}, {947, 0x00CCFF}, {949, 0x0033CC},
+                                   {951, 0x0066FF}};
+  for (const auto& m : materials)
+    ASSERT_EQ(DialogCreateMaterial(DialogItem(dialog, static_cast<int32_t>(m[0])), m[1]), 1);
   SetDialogItemInt(dialog, 57, 14, 0);  // a small font keeps the canvas small
   SetDialogItemInt(dialog, 11, 8, 0);
   SetDialogItemInt(dialog, 23, 50, 0);
-  EXPECT_EQ(UnpluggedTvEffectKeyColour(dialog, 0), 0x101010 * (925 % 9));
+  EXPECT_EQ(UnpluggedTvEffectKeyColour(dialog, 0), 0x202020);
 
   struct Case {
     int32_t frames, enabled, sizeFactor;
@@ -187,7 +190,7 @@ TEST(UnpluggedTvPage, BuildsAThirdOfFramesPerPhasePerFillWithPauseAndDotDelays) 
   preview.sample = 1;
   ASSERT_EQ(UnpluggedTvEffectPreview(&preview), 1);
   ScopedBlock sample(preview.image);
-  EXPECT_EQ(Pixel(sample.handle, 0, 0), 0x101010u * (925 % 9));
+  EXPECT_EQ(Pixel(sample.handle, 0, 0), 0x202020u);
 
   SetDialogItemInt(dialog, 941, 2, 0);
   SetDialogItemInt(dialog, 57, 8, 0);
