@@ -35,11 +35,11 @@ int FillFrameSlots(FrameParams* params, const FrameSetEffect* effect, void* stat
 }
 
 // The shadow's picture: the Shadow material, or a plain field of the Shadow colour.
-int ShadowLayerImage(TextFrame* frame, WindowHandle dialog, const FrameSetEffect* effect) {
-  if (!effect->shadowColourId) return ShadowMaterialStep(frame);
+int ShadowLayerImage(TextFrame* frame, WindowHandle dialog, int32_t shadowColourId) {
+  if (!shadowColourId) return ShadowMaterialStep(frame);
   if (!frame->settings->text.shadowEnabled) return 1;
   int translated;
-  const uint32_t colour = GetDialogItemInt(dialog, effect->shadowColourId, &translated, 0);
+  const uint32_t colour = GetDialogItemInt(dialog, shadowColourId, &translated, 0);
   frame->shadowImage = FilledImage(0, 0, frame->width, frame->height, colour);
   return frame->shadowImage != nullptr;
 }
@@ -87,26 +87,40 @@ MovableHandle FrameSetFillImage(FrameParams* params, const FrameSetEffect* effec
   return DuplicateHandle(reinterpret_cast<MovableHandle*>(slots.bytes)[params->frameIndex]);
 }
 
-MovableHandle RenderFrameSetFrame(BuildContext* context, const FrameSetEffect* effect) {
-  FrameParams* params = static_cast<FrameParams*>(context->params);
+MovableHandle RenderFrameWithFill(BuildContext* context, const FramePageIds* ids,
+                                  int32_t shadowColourId, FrameFillSource fill, void* source) {
   FrameSettings settings;
   char text[2][264];
-  if (!params ||
-      !ReadFrameSettings(context->dialog, &effect->ids, context->sample, &settings, &text))
-    return nullptr;
+  if (!ReadFrameSettings(context->dialog, ids, context->sample, &settings, &text)) return nullptr;
   TextFrame frame;
   MovableHandle result = nullptr;
   // The text and its shadow stand at their place of rest in every frame; only the fill moves.
   if (BeginTextFrame(context->dialog, &settings, &frame) && BackgroundStep(&frame)) {
-    frame.fillImage = FrameSetFillImage(params, effect, context->dialog, frame.width, frame.height);
-    if (frame.fillImage && ShadowLayerImage(&frame, context->dialog, effect) &&
+    frame.fillImage = fill(source, context, frame.width, frame.height);
+    if (frame.fillImage && ShadowLayerImage(&frame, context->dialog, shadowColourId) &&
         AlphaPlaneStep(&frame) && ShadowStep(&frame, 0, 0) && FillStep(&frame, 0, 0) &&
         OutlineStep(&frame, 0, 0))
       result = FinishFrameStep(&frame);
   }
   EndTextFrame(&frame);
-  ReleaseFrameSettings(context->dialog, &effect->ids);
+  ReleaseFrameSettings(context->dialog, ids);
   return result;
+}
+
+namespace {
+
+MovableHandle FillFromSet(void* effect, BuildContext* context, int32_t width, int32_t height) {
+  return FrameSetFillImage(static_cast<FrameParams*>(context->params),
+                           static_cast<const FrameSetEffect*>(effect), context->dialog, width,
+                           height);
+}
+
+}  // namespace
+
+MovableHandle RenderFrameSetFrame(BuildContext* context, const FrameSetEffect* effect) {
+  if (!context->params) return nullptr;
+  return RenderFrameWithFill(context, &effect->ids, effect->shadowColourId, FillFromSet,
+                             const_cast<FrameSetEffect*>(effect));
 }
 
 int RunFrameSetFrames(BuildContext* context, const FrameSetLoop* loop, FrameSetRenderer render,

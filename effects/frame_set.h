@@ -68,6 +68,16 @@ void FreeFrameSet(FrameParams* params);
 MovableHandle FrameSetFillImage(FrameParams* params, const FrameSetEffect* effect,
                                 WindowHandle dialog, int32_t width, int32_t height);
 
+// A fill picture of width by height for the frame being rendered, or null.
+typedef MovableHandle (*FrameFillSource)(void* source, BuildContext* context, int32_t width,
+                                         int32_t height);
+// The frame-set renderer's steps with the fill taken from `fill`: background, the fill, shadow
+// material, alpha plane, then shadow, fill (at the page's Fill opacity, 255 without one) and
+// outline with no position. A nonzero `shadowColourId` names the colour button that paints the
+// shadow instead of a Shadow material. Effects whose fill picture is made for each frame use it
+// directly.
+MovableHandle RenderFrameWithFill(BuildContext* context, const FramePageIds* ids,
+                                  int32_t shadowColourId, FrameFillSource fill, void* source);
 // The renderer of a frame-set effect: the common steps, with no position, the fill taken from the
 // set at level 255. Reads context->params as a FrameParams. A new picture, or null.
 MovableHandle RenderFrameSetFrame(BuildContext* context, const FrameSetEffect* effect);

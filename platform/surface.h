@@ -7,6 +7,7 @@
 
 #include <cstdint>
 
+#include "platform/font.h"
 #include "platform/memory.h"
 
 struct SurfaceRect {
@@ -63,3 +64,10 @@ int SurfaceRectangle(RenderSurface* surface, const SurfaceRect* box, const Surfa
 // A line from (x0, y0) to (x1, y1), the end point excluded for a one-pixel pen.
 int SurfaceLine(RenderSurface* surface, int32_t x0, int32_t y0, int32_t x1, int32_t y1,
                 uint32_t colour, int32_t penWidth);
+
+// One byte of text in `colour` on a transparent background, in the face, cell height, weight and
+// slant of `font`, turned `escapement` tenths of a degree counter-clockwise (any value, not only
+// one turn), with its baseline starting at (x, y). With `antialias` the glyph's edges are
+// antialiased, otherwise hard. The font is used as given and left unchanged.
+int SurfaceRotatedChar(RenderSurface* surface, const LayoutFont* font, int32_t escapement,
+                       int32_t antialias, int32_t x, int32_t y, uint8_t byte, uint32_t colour);

@@ -8,15 +8,18 @@
 #include "effects/arrows.h"
 #include "effects/candy.h"
 #include "effects/confetti.h"
+#include "effects/diagonal_fuse.h"
 #include "effects/heartbeat.h"
 #include "effects/machine.h"
 #include "effects/neural_network.h"
 #include "effects/quark.h"
 #include "effects/rattle.h"
+#include "effects/ring.h"
 #include "effects/simple.h"
 #include "effects/snow.h"
 #include "effects/stars.h"
 #include "effects/tracks.h"
+#include "effects/unplugged_tv.h"
 #include "effects/waterside.h"
 #include "effects/wavelet.h"
 #include "shell/effect_pages.h"
@@ -31,7 +34,8 @@ const EffectEntry EffectTable[kEffectCount] = {
      kPageIds<17>.data(), nullptr},
     {"Confetti", EffectPageInit<16>, ConfettiEffectPreview, ConfettiEffectBuild,
      ConfettiEffectKeyColour, kPageIds<16>.data(), nullptr},
-    {"Diagonal Fuse", EffectPageInit<12>, nullptr, nullptr, nullptr, kPageIds<12>.data(), nullptr},
+    {"Diagonal Fuse", EffectPageInit<12>, DiagonalFuseEffectPreview, DiagonalFuseEffectBuild,
+     DiagonalFuseEffectKeyColour, kPageIds<12>.data(), nullptr},
     {"Heartbeat", EffectPageInit<10>, PreviewHeartbeat, BuildHeartbeat, HeartbeatBackground,
      kPageIds<10>.data(), nullptr},
     {"Omni", EffectPageInit<11>, nullptr, nullptr, nullptr, kPageIds<11>.data(), nullptr},
@@ -44,7 +48,8 @@ const EffectEntry EffectTable[kEffectCount] = {
     {"Quark Outline", EffectPageInit<13>, nullptr, nullptr, nullptr, kPageIds<13>.data(), nullptr},
     {"Rattle", EffectPageInit<18>, PreviewRattle, BuildRattle, RattleBackground,
      kPageIds<18>.data(), nullptr},
-    {"Ring", EffectPageInit<1>, nullptr, nullptr, nullptr, kPageIds<1>.data(), nullptr},
+    {"Ring", EffectPageInit<1>, RingEffectPreview, RingEffectBuild, RingEffectKeyColour,
+     kPageIds<1>.data(), nullptr},
     {"Simple", EffectPageInit<0>, SimpleEffectPreview, SimpleEffectBuild, SimpleEffectKeyColour,
      kPageIds<0>.data(), nullptr},
     {"Snow", EffectPageInit<2>, SnowEffectPreview, SnowEffectBuild, SnowEffectKeyColour,
@@ -54,7 +59,8 @@ const EffectEntry EffectTable[kEffectCount] = {
     {"Tracks", EffectPageInit<15>, TracksEffectPreview, TracksEffectBuild, TracksEffectKeyColour,
      kPageIds<15>.data(), nullptr},
     {"Tram Lines", EffectPageInit<20>, nullptr, nullptr, nullptr, kPageIds<20>.data(), nullptr},
-    {"Unplugged TV", EffectPageInit<19>, nullptr, nullptr, nullptr, kPageIds<19>.data(), nullptr},
+    {"Unplugged TV", EffectPageInit<19>, UnpluggedTvEffectPreview, UnpluggedTvEffectBuild,
+     UnpluggedTvEffectKeyColour, kPageIds<19>.data(), nullptr},
     {"Waterside", EffectPageInit<8>, WatersideEffectPreview, WatersideEffectBuild,
      WatersideEffectKeyColour, kPageIds<8>.data(), nullptr},
     {"Wavelet", EffectPageInit<9>, WaveletEffectPreview, WaveletEffectBuild, WaveletEffectKeyColour,

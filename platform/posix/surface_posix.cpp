@@ -6,9 +6,11 @@
 #include <cairo.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 
 #include "shell/packed_dib.h"
+#include "platform/posix/font_face_posix.h"
 #include "platform/surface_image.h"
 
 namespace {
@@ -182,5 +184,57 @@ int SurfaceLine(RenderSurface* surface, int32_t x0, int32_t y0, int32_t x1, int3
   cairo_move_to(cr, x0 + 0.5, y0 + 0.5);
   cairo_line_to(cr, x1 + 0.5, y1 + 0.5);
   cairo_stroke(cr);
+  return 1;
+}
+
+int SurfaceRotatedChar(RenderSurface* surface, const LayoutFont* font, int32_t escapement,
+                       int32_t antialias, int32_t x, int32_t y, uint8_t byte, uint32_t colour) {
+  cairo_surface_t* image = static_cast<cairo_surface_t*>(surface->bitmap);
+  PosixFont* posix = font ? PosixFontFromContext(font->font) : nullptr;
+  if (!image || !surface->bits || !posix) return 0;
+  // FreeType turns the outline about the pen position, counter-clockwise with y up, which is how
+  // the glyph bitmap's rows are laid out below its top.
+  const double radians = escapement / 10.0 * 3.14159265358979323846 / 180.0;
+  FT_Matrix turn;
+  turn.xx = static_cast<FT_Fixed>(std::lround(std::cos(radians) * 65536.0));
+  turn.xy = static_cast<FT_Fixed>(std::lround(-std::sin(radians) * 65536.0));
+  turn.yx = -turn.xy;
+  turn.yy = turn.xx;
+  FT_Set_Transform(posix->face, &turn, nullptr);
+  const FT_Int32 flags = FT_LOAD_RENDER | FT_LOAD_NO_BITMAP | FT_LOAD_NO_HINTING |
+                         (antialias ? FT_LOAD_TARGET_NORMAL : FT_LOAD_TARGET_MONO);
+  const FT_Error error = FT_Load_Char(posix->face, CodePageCharacter(byte), flags);
+  FT_Set_Transform(posix->face, nullptr, nullptr);
+  if (error) return 0;
+  const FT_Bitmap& glyph = posix->face->glyph->bitmap;
+  const bool mono = glyph.pixel_mode == FT_PIXEL_MODE_MONO;
+  const int32_t left = x + posix->face->glyph->bitmap_left;
+  const int32_t top = y - posix->face->glyph->bitmap_top;
+  const int32_t width = surface->rect.right, height = surface->rect.bottom;
+  const int32_t stride = cairo_image_surface_get_stride(image);
+  cairo_surface_flush(image);
+  for (int32_t row = 0; row < static_cast<int32_t>(glyph.rows); ++row) {
+    const int32_t py = top + row;
+    if (py < 0 || py >= height) continue;
+    const uint8_t* line = glyph.buffer + static_cast<ptrdiff_t>(row) * glyph.pitch;
+    uint32_t* target = reinterpret_cast<uint32_t*>(static_cast<uint8_t*>(surface->bits) +
+                                                   static_cast<size_t>(py) * stride);
+    for (int32_t column = 0; column < static_cast<int32_t>(glyph.width); ++column) {
+      const int32_t px = left + column;
+      if (px < 0 || px >= width) continue;
+      const uint32_t cover =
+          mono ? ((line[column >> 3] >> (7 - (column & 7))) & 1) * 255u : line[column];
+      if (!cover) continue;
+      // The pixel is 0x00RRGGBB, the colour 0x00BBGGRR.
+      const uint32_t under = target[px];
+      uint32_t pixel = 0;
+      for (int c = 0; c < 3; ++c) {
+        const uint32_t u = (under >> (8 * c)) & 0xFF, o = (colour >> (16 - 8 * c)) & 0xFF;
+        pixel |= (u * (255 - cover) / 255 + o * cover / 255) << (8 * c);
+      }
+      target[px] = pixel;
+    }
+  }
+  cairo_surface_mark_dirty(image);
   return 1;
 }

@@ -140,3 +140,35 @@ int SurfaceLine(RenderSurface* surface, int32_t x0, int32_t y0, int32_t x1, int3
   MoveToEx(dc, x0, y0, nullptr);
   return LineTo(dc, x1, y1) ? 1 : 0;
 }
+
+int SurfaceRotatedChar(RenderSurface* surface, const LayoutFont* font, int32_t escapement,
+                       int32_t antialias, int32_t x, int32_t y, uint8_t byte, uint32_t colour) {
+  HDC dc = MemoryDc(surface);
+  if (!dc || !font || !font->logFont) return 0;
+  LOGFONTA description = *static_cast<const LOGFONTA*>(font->logFont);
+  description.lfEscapement = escapement;
+  description.lfOrientation = escapement;
+  description.lfCharSet = DEFAULT_CHARSET;
+  description.lfQuality = antialias ? ANTIALIASED_QUALITY : 0;
+  HFONT rotated = CreateFontIndirectA(&description);
+  if (!rotated) return 0;
+  // Advanced mode lets the orientation turn the glyphs. The surface's mapping already has one
+  // unit a pixel with y down, as text mapping would. Mode, colour, background mode and alignment
+  // are put back.
+  const int graphicsMode = SetGraphicsMode(dc, GM_ADVANCED);
+  const UINT align = SetTextAlign(dc, TA_BASELINE);
+  const COLORREF oldColour = SetTextColor(dc, static_cast<COLORREF>(colour));
+  const int background = SetBkMode(dc, TRANSPARENT);
+  BOOL written = FALSE;
+  {
+    ScopedSelect select(dc, rotated, true);
+    const char text = static_cast<char>(byte);
+    written = TextOutA(dc, x, y, &text, 1);
+  }
+  SetBkMode(dc, background);
+  SetTextColor(dc, oldColour);
+  SetTextAlign(dc, align);
+  if (graphicsMode) SetGraphicsMode(dc, graphicsMode);
+  GdiFlush();
+  return written ? 1 : 0;
+}
