@@ -44,11 +44,9 @@ void TakeChosenPath(const char* path) {
     lstrcpynA(current, path, static_cast<int>(kSettingTextSize));
   // The folder of the choice is where the next file dialog opens.
   const size_t folder = static_cast<size_t>(NamePart(path) - path);
-  if (folder > 0 && folder < sizeof OpenPath) {
-    std::memcpy(OpenPath, path, folder);
-    OpenPath[folder] = 0;
-    if (char* setting = SettingString("OpenPath"))
-      lstrcpynA(setting, OpenPath, static_cast<int>(kSettingTextSize));
+  if (folder > 0 && folder < kOpenPathSize) {
+    std::memcpy(OpenPath(), path, folder);
+    OpenPath()[folder] = 0;
   }
 }
 
@@ -129,7 +127,7 @@ void OpenDocument(HWND dialog) {
   }
   OPENFILENAMEA open;
   PrepareFileDialog(&open, dialog, path, kOpenFlags);
-  open.lpstrInitialDir = folder[0] ? folder : (OpenPath[0] ? OpenPath : nullptr);
+  open.lpstrInitialDir = folder[0] ? folder : (OpenPath()[0] ? OpenPath() : nullptr);
   if (!GetOpenFileNameA(&open)) return;
   TakeChosenPath(path);
   LoadDocument(reinterpret_cast<WindowHandle>(dialog), path);
@@ -140,7 +138,7 @@ void SaveDocumentAs(HWND dialog) {
   if (const char* current = CurrentFileName()) lstrcpynA(path, NamePart(current), MAX_PATH);
   OPENFILENAMEA save;
   PrepareFileDialog(&save, dialog, path, kSaveFlags);
-  save.lpstrInitialDir = OpenPath[0] ? OpenPath : nullptr;
+  save.lpstrInitialDir = OpenPath()[0] ? OpenPath() : nullptr;
   if (!GetSaveFileNameA(&save)) return;
   TakeChosenPath(path);
   SaveDocument(reinterpret_cast<WindowHandle>(dialog), path);

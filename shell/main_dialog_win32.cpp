@@ -121,12 +121,10 @@ void ResetDocumentPath() {
   char folder[MAX_PATH] = "";
   if (SHGetFolderPathA(nullptr, CSIDL_PERSONAL, nullptr, 0, folder) != S_OK) return;
   size_t length = std::strlen(folder);
-  if (length + 2 >= sizeof OpenPath) return;
+  if (length + 2 >= kOpenPathSize) return;
   if (length == 0 || folder[length - 1] != '\\') folder[length++] = '\\';
   folder[length] = 0;
-  lstrcpynA(OpenPath, folder, sizeof OpenPath);
-  if (char* path = SettingString("OpenPath"))
-    lstrcpynA(path, folder, static_cast<int>(kSettingTextSize));
+  lstrcpynA(OpenPath(), folder, static_cast<int>(kOpenPathSize));
   if (char* current = SettingString("CurrentFileName"))
     std::snprintf(current, kSettingTextSize, "%s%s", folder, kUntitled);
 }
@@ -183,9 +181,7 @@ void FillFontControl(HWND dialog) {
 int FillEffectBox(HWND dialog) {
   HWND box = GetDlgItem(dialog, IDC_EFFECT);
   SendMessageA(box, CB_RESETCONTENT, 0, 0);
-  for (const EffectEntry& row : EffectTable)
-    SendMessageA(box, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(row.name));
-  const int ok = InitEffectPages(Handle(dialog));
+  const int ok = InitEffectPages(Handle(dialog), Handle(box));
   BindMainControl(dialog, IDC_EFFECT);
   return ok;
 }
@@ -353,7 +349,7 @@ void OnCommand(HWND dialog, int id, int notification) {
       // The edit also reports its filling at the start, before the dialog shows.
       if (!IsWindowVisible(dialog)) return;
       StoreControlValue(Handle(GetDlgItem(dialog, id)));
-      StartUpdateTimer(dialog);
+      InvalidateRect(GetDlgItem(dialog, IDC_SAMPLE), nullptr, FALSE);
       UpdateBuildButton(dialog);
       return;
     case IDC_EFFECT: {
