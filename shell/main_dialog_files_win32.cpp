@@ -11,6 +11,7 @@
 #include "documents/effect_document.h"
 #include "documents/settings.h"
 #include "shell/library_state.h"
+#include "shell/skinned_button_win32.h"
 
 namespace {
 
@@ -54,6 +55,8 @@ UINT_PTR CALLBACK FileDialogHook(HWND hook, UINT message, WPARAM, LPARAM) {
   HWND fileDialog = GetParent(hook);
   switch (message) {
     case WM_INITDIALOG:
+      SkinButton(GetDlgItem(GetParent(hook), IDOK));
+      SkinButton(GetDlgItem(GetParent(hook), IDCANCEL));
       PostMessageA(hook, kHookMessageSize, 0, 0);
       return 0;
     case kHookMessageSize: {

@@ -24,6 +24,7 @@
 #include "shell/main_dialog_files_win32.h"
 #include "shell/main_dialog_paint_win32.h"
 #include "shell/messages.h"
+#include "shell/skinned_button_win32.h"
 
 namespace {
 
@@ -200,7 +201,9 @@ void UpdateBuildButton(HWND dialog) {
 INT_PTR OnInitDialog(HWND dialog, HostRecord* host) {
   CurrentHost = host;
   AskHostSettings();
-  // The look of skinned push buttons is the host's SoftButtons choice; ours keep the system's.
+  for (int id : {IDC_BUILD, IDC_CANCEL, IDC_HELP_BUTTON, IDC_REGISTER, IDC_ABOUT, IDC_TEST,
+                 IDC_OPEN_SAVE})
+    SkinButton(GetDlgItem(dialog, id));
   LoadSettings();
   const int shift = SettingsShiftHeld();
   if (!(Capabilities() & kHostTrueColourOffered)) {

@@ -227,3 +227,26 @@ TEST(MainDialog, BuildWritesFramesForTheNativeComparison) {
             INVALID_FILE_ATTRIBUTES);
   ForgetConfiguration();
 }
+
+// With the host's SoftButtons on, the dialog's push buttons are owner-drawn (style 11) and still
+// work; without it they keep the system's styles.
+TEST(MainDialog, SoftButtonsSkinThePushButtons) {
+  if (!DisplayAvailable()) GTEST_SKIP() << "no display";
+  const int kIds[] = {1, 2, 9, 16, 18, 24, 36};
+  for (int soft : {1, 0}) {
+    SCOPED_TRACE(soft);
+    ForgetConfiguration();
+    std::string script = soft ? "setting SoftButtons 1\nwait-dialog\n" : "wait-dialog\n";
+    for (int id : kIds) script += "read-style " + std::to_string(id) + "\n";
+    HostRun run = RunHost("--capabilities 3", script + "click 2\n");
+    ASSERT_EQ(run.exitCode, 0u);
+    for (int id : kIds) {
+      const std::string style = run.Value("read-style id=" + std::to_string(id) + " ", "style");
+      if (soft)
+        EXPECT_EQ(style, "11") << id;
+      else
+        EXPECT_NE(style, "11") << id;
+    }
+  }
+  ForgetConfiguration();
+}
