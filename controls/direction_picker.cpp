@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "controls/value_controls.h"
+#include "controls/item_text.h"
 #include "documents/settings.h"
 #include "platform/memory.h"
 
@@ -119,6 +119,22 @@ int PickerTakeLine(WindowHandle picker, const char* line) {
     std::memcpy(lock.bytes, &fields, sizeof fields);
   }
   return 1;
+}
+
+size_t PickerFormatLine(WindowHandle picker, char* line, size_t size) {
+  const PickerShape* shape = FindPickerShape(DialogControlKind(picker));
+  if (!line || size == 0) return 0;
+  line[0] = 0;
+  if (!shape) return 0;
+  int translated = 0;
+  const int n = std::snprintf(
+      line, size, "%s%d=%u", shape->tag, DialogItemId(picker),
+      GetDialogItemInt(DialogParent(picker), DialogItemId(picker), &translated, 0));
+  if (n < 0) {
+    line[0] = 0;
+    return 0;
+  }
+  return static_cast<size_t>(n) < size ? static_cast<size_t>(n) : size - 1;
 }
 
 int PickerValue(WindowHandle picker, int32_t* value) {

@@ -4,6 +4,7 @@
 // any platform; painting is the window layer's.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "platform/dialog.h"
@@ -36,6 +37,9 @@ uint32_t PickerPress(WindowHandle picker, int32_t x, int32_t y);
 // Takes a document line: the tag, "=" and a value that becomes the held value (setting and text
 // untouched). Returns 1 when taken.
 int PickerTakeLine(WindowHandle picker, const char* line);
+// The picker's document line: its tag and id, "=" and the value of its window text. Returns the
+// length (0 when `picker` is not a picker).
+size_t PickerFormatLine(WindowHandle picker, char* line, size_t size);
 // The held value; 0 when there is none.
 int PickerValue(WindowHandle picker, int32_t* value);
 // Frees the block and clears the user data.

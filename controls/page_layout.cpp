@@ -1,5 +1,6 @@
 // Lays the effect pages out in columns: rows of label and control, checks across a column, the
-// pickers at their fixed size, and the four direction checks of a "Directions:" label in a cross.
+// pickers at their fixed size, the four direction checks of a "Directions:" label in a cross, and
+// a colour button's enable check (the check that follows it) on the colour's own row.
 // Text widths are estimated from the dialog font's character widths, so the columns are as wide
 // as their longest label needs and a page's spare width goes to its controls.
 #include "controls/page_layout.h"
@@ -46,6 +47,7 @@ constexpr int32_t kCheckBoxWidth = 14;     // the box and its gap before the cap
 constexpr int32_t kNarrowControlMax = 64;  // spin edits and buttons grow no wider than this
 constexpr int32_t kMaxColumns = 3;
 constexpr int32_t kPairedChecksMax = 90;  // two checks share a row up to this width
+constexpr int32_t kColourBesideMin = 8;  // a colour button with its check beside it
 
 // The width of `text` in dialog units: pixel widths of the dialog font's characters, where a
 // dialog unit across is a pixel and a half, with a fifth spare for wider faces.
@@ -80,6 +82,7 @@ struct Row {
   int32_t labelWidth;  // 0 without a label
   int32_t minControl;  // the control's least width
   int32_t checkWidth;  // a check's width across the column
+  int32_t besideWidth;  // the width of a check beside the control, 0 without one
 };
 
 struct Column {
@@ -104,11 +107,12 @@ int32_t MinControlWidth(ControlKind kind) {
   }
 }
 
-int32_t MakeRows(const PageTable& page, Row* rows, int32_t capacity) {
+// With `checksBeside`, a colour button followed by a check holds it on its own row.
+int32_t MakeRows(const PageTable& page, Row* rows, int32_t capacity, int checksBeside) {
   int32_t n = 0;
   for (int32_t i = 0; i < page.count && n < capacity;) {
     const PageControl& c = page.controls[i];
-    Row row = {i, 1, kRowControl, kRowHeight, 0, MinControlWidth(c.kind), 0};
+    Row row = {i, 1, kRowControl, kRowHeight, 0, MinControlWidth(c.kind), 0, 0};
     if (c.kind == kControlLabel) {
       // A label followed by checks without captions: the checks sit in a cross beside it.
       int32_t checks = 0;
@@ -147,6 +151,13 @@ int32_t MakeRows(const PageTable& page, Row* rows, int32_t capacity) {
         row.height = kAnimationHeight;
       }
       row.labelWidth = HasLabel(c) ? TextWidth(c.caption) : 0;
+      // A colour's enable check stands at its right.
+      if (checksBeside && c.kind == kControlColourButton && i + 1 < page.count &&
+          page.controls[i + 1].kind == kControlCheckBox) {
+        row.count = 2;
+        row.besideWidth = kCheckBoxWidth + TextWidth(page.controls[i + 1].caption);
+        row.minControl = kColourBesideMin + kLabelGap + row.besideWidth;
+      }
     }
     rows[n++] = row;
     i += row.count;
@@ -277,14 +288,24 @@ int PlaceRow(const PageTable& page, const Row& row, const Column& col, int32_t x
   }
   const int narrow = c.kind != kControlComboList && c.kind != kControlListBoxList &&
                      c.kind != kControlAnimationPicker;
+  // A check beside the control keeps its width at the column's right; the control takes the rest.
+  if (row.besideWidth) cw -= row.besideWidth + kLabelGap;
   if (narrow && cw > kNarrowControlMax) cw = kNarrowControlMax;
   if (HasLabel(c) && !Add(out, capacity, n, c.id + 1, kControlLabel, c.caption, x, y + 2,
                           col.labelWidth, kLabelHeight))
     return 0;
-  if (!HasUpDown(c)) return Add(out, capacity, n, c.id, c.kind, text, cx, y, cw, row.height);
-  return Add(out, capacity, n, c.id, c.kind, text, cx, y, cw - kUpDownWidth - 1, row.height) &&
-         Add(out, capacity, n, c.id + kUpDownIdOffset, kControlUpDown, c.range,
-             cx + cw - kUpDownWidth, y, kUpDownWidth, row.height);
+  if (!HasUpDown(c)) {
+    if (!Add(out, capacity, n, c.id, c.kind, text, cx, y, cw, row.height)) return 0;
+  } else if (!Add(out, capacity, n, c.id, c.kind, text, cx, y, cw - kUpDownWidth - 1,
+                  row.height) ||
+             !Add(out, capacity, n, c.id + kUpDownIdOffset, kControlUpDown, c.range,
+                  cx + cw - kUpDownWidth, y, kUpDownWidth, row.height)) {
+    return 0;
+  }
+  if (!row.besideWidth) return 1;
+  const PageControl& check = page.controls[row.first + 1];
+  return Add(out, capacity, n, check.id, check.kind, check.caption, x + col.width - row.besideWidth,
+             y + (row.height - kCheckHeight) / 2, row.besideWidth, kCheckHeight);
 }
 
 }  // namespace
@@ -345,13 +366,17 @@ uint32_t PageWindowStyle(ControlKind kind) {
 
 int32_t LayoutPage(const PageTable& page, PagePlacement* out, int32_t capacity) {
   Row rows[kPageMaxPlacements];
-  const int32_t rowCount = MakeRows(page, rows, kPageMaxPlacements);
   Column columns[kMaxColumns];
-  int32_t used = 0;
-  // Two columns at least, so that short pages don't stretch their controls across the area.
-  for (int32_t count = 2; count <= kMaxColumns && !used; ++count) {
-    used = FillColumns(rows, rowCount, columns, count);
-    if (used && !SizeColumns(rows, columns, used)) used = 0;
+  int32_t rowCount = 0, used = 0;
+  // Colours with their enable checks beside them where the page is wide enough; a page that
+  // can't take that width has the checks in rows of their own.
+  for (int beside = 1; beside >= 0 && !used; --beside) {
+    rowCount = MakeRows(page, rows, kPageMaxPlacements, beside);
+    // Two columns at least, so that short pages don't stretch their controls across the area.
+    for (int32_t count = 2; count <= kMaxColumns && !used; ++count) {
+      used = FillColumns(rows, rowCount, columns, count);
+      if (used && !SizeColumns(rows, columns, used)) used = 0;
+    }
   }
   if (!used) return 0;
   int32_t n = 0, x = kPageAreaLeft;

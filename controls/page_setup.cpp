@@ -4,6 +4,7 @@
 #include <cstring>
 #include <string>
 
+#include "controls/control_kinds.h"
 #include "controls/direction_picker.h"
 #include "controls/value_controls.h"
 #include "documents/settings.h"
@@ -33,9 +34,42 @@ int MayBeMissing(ControlKind kind) {
          kind == kControlAnimationPicker;
 }
 
+constexpr int32_t kPageResourceBase = 7400;
+
+void HideItem(WindowHandle dialog, int32_t id) {
+  DialogShowItem(DialogItem(dialog, id), 0);
+}
+
 }  // namespace
 
+void InstallControlKinds() {
+  // Classes may have been removed since (a library unregisters them before it is unloaded).
+  RegisterKindWindowClasses();
+  static DialogBehaviour behaviour = {};
+  if (!behaviour.kinds) {
+    behaviour.kinds = ControlKindRows(&behaviour.kindCount);
+    behaviour.command = HandleValueCommand;
+    behaviour.makePage = MakeTablePage;
+  }
+  DialogInstallBehaviour(&behaviour);
+}
+
+int MakeTablePage(WindowHandle dialog, int32_t resourceId) {
+  const int32_t style = resourceId - kPageResourceBase;
+  if (!dialog || style < 0 || style >= static_cast<int32_t>(kPageTables.size())) return 0;
+  const PageTable& page = kPageTables[style];
+  if (!AddTableControls(dialog, page, 1)) return 0;
+  for (int32_t i = 0; i < page.count; ++i) {
+    const PageControl& c = page.controls[i];
+    HideItem(dialog, c.id);
+    if (HasLabel(c)) HideItem(dialog, c.id + 1);
+    if (HasUpDown(c)) HideItem(dialog, c.id + kUpDownIdOffset);
+  }
+  return 1;
+}
+
 int AddTableControls(WindowHandle dialog, const PageTable& table, int withLabels) {
+  InstallControlKinds();
   for (int32_t i = 0; i < table.count; ++i) {
     const PageControl& c = table.controls[i];
     const char* ownText =
@@ -60,6 +94,7 @@ int AddAllDialogControls(WindowHandle dialog) {
 }
 
 void SetUpTableControls(WindowHandle dialog, const PageTable& table) {
+  InstallControlKinds();
   for (int32_t i = 0; i < table.count; ++i) {
     const PageControl& c = table.controls[i];
     WindowHandle control = DialogItem(dialog, c.id);
@@ -96,6 +131,7 @@ void SetUpTableControls(WindowHandle dialog, const PageTable& table) {
 }
 
 int SetUpPageTwins(WindowHandle dialog, const PageTable& table) {
+  InstallControlKinds();
   for (int32_t i = 0; i < table.count; ++i) {
     const PageControl& c = table.controls[i];
     WindowHandle control = DialogItem(dialog, c.id);
@@ -135,6 +171,7 @@ void SetUpAllDialogControls(WindowHandle dialog) {
 }
 
 WindowHandle CreateValueDialog() {
+  InstallControlKinds();
   WindowHandle dialog = DialogCreate();
   if (!dialog) return nullptr;
   if (!AddAllDialogControls(dialog)) {

@@ -8,6 +8,14 @@
 #include "controls/page_tables.h"
 #include "platform/dialog.h"
 
+// Gives the dialog port the control kinds' rows and the dialogs' command handling, and registers
+// the window classes of kinds that have their own. Every function here does so first; programs
+// and tests that make controls on the port directly call it before.
+void InstallControlKinds();
+// The controls of page dialog `resourceId` made from its page table, hidden, as the dialog port
+// makes pages where there are no dialog resources. Returns 0 when the page can't be made.
+int MakeTablePage(WindowHandle dialog, int32_t resourceId);
+
 // Adds the controls of one table to `dialog`. Returns 0 when a control can't be made.
 int AddTableControls(WindowHandle dialog, const PageTable& table, int withLabels);
 // Adds the main dialog's controls and every page's. Returns 0 on failure.

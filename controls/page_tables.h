@@ -68,15 +68,16 @@ inline constexpr const char* kRotationRows =
     "40;45;60";
 
 // The five colours and four enables shared by the particle effects.
+// Each enable check follows the colour it enables, so that the layout sets it beside that colour.
 #define GM5_FIVE_COLOURS(first, style, c1, c2, c3, c4, c5)           \
   Colour(first, "Color 1:", "Style" style "FillColor1", c1),         \
       Colour(first + 2, "Color 2:", "Style" style "FillColor2", c2), \
-      Colour(first + 4, "Color 3:", "Style" style "FillColor3", c3), \
-      Colour(first + 6, "Color 4:", "Style" style "FillColor4", c4), \
-      Colour(first + 8, "Color 5:", "Style" style "FillColor5", c5), \
       Check(first + 10, "Enable", "Style" style "FillEnable2", 1),   \
+      Colour(first + 4, "Color 3:", "Style" style "FillColor3", c3), \
       Check(first + 11, "Enable", "Style" style "FillEnable3", 1),   \
+      Colour(first + 6, "Color 4:", "Style" style "FillColor4", c4), \
       Check(first + 12, "Enable", "Style" style "FillEnable4", 1),   \
+      Colour(first + 8, "Color 5:", "Style" style "FillColor5", c5), \
       Check(first + 13, "Enable", "Style" style "FillEnable5", 1)
 
 // Shadow, background, outline, the opacities and the shadow geometry in the order most pages use:

@@ -7,27 +7,10 @@
 #include <cstring>
 #include <string>
 
-#include "controls/direction_picker.h"
 #include "documents/settings.h"
 #include "shell/host_interface.h"
 
 namespace {
-
-struct KindTag {
-  ControlKind kind;
-  const char* tag;
-};
-
-const KindTag kTags[] = {
-    {kControlColourButton, "CLRBTN"},    {kControlSpinEdit, "SPNBTN"},
-    {kControlSignedSpinEdit, "SPNSGN"},  {kControlCheckBox, "CHKBOX"},
-    {kControlTextField, "TXTFLD"},       {kControlComboList, "CMBBOX"},
-    {kControlListBoxList, "CMBBOX"},     {kControlFontBox, "FNTBOX"},
-    {kControlShadowPicker, "SDWDIR"},    {kControlScroll4Picker, "SCRL4D"},
-    {kControlScroll2Picker, "SCRL2D"},   {kControlScrollHVPicker, "SCRLHV"},
-    {kControlAnimationPicker, "ANMCTL"}, {kControlFountainButton, "FOUNTB"},
-    {kControlMaterialButton, "MATLBT"},
-};
 
 // The host's colour dialog, offered the swatch cube; the owner is the button's dialog.
 int ChooseColourFromHost(WindowHandle owner, uint32_t* colour, const uint8_t* swatches) {
@@ -64,8 +47,10 @@ void CopySettingText(const std::string& text, void* setting) {
               text.size() < kSettingTextSize ? text.size() : kSettingTextSize - 1);
 }
 
+// Pickers hold their value in a block of their own and are set up rather than set.
 int IsPicker(ControlKind kind) {
-  return FindPickerShape(kind) != nullptr;
+  const ControlKindProcs* row = DialogKindProcs(kind);
+  return row && row->setUp;
 }
 
 // Build is enabled exactly when the text field holds something.
@@ -84,66 +69,8 @@ void StartUpdateTimer(WindowHandle dialog, int32_t id) {
 }  // namespace
 
 const char* ControlTag(ControlKind kind) {
-  for (const KindTag& t : kTags)
-    if (t.kind == kind) return t.tag;
-  return nullptr;
-}
-
-int TagMatches(const char* line, const char* tag) {
-  if (!line || !tag) return 0;
-  for (int i = 0; i < 6; ++i) {
-    if (!line[i]) return 0;
-    if (std::toupper(static_cast<unsigned char>(line[i])) !=
-        std::toupper(static_cast<unsigned char>(tag[i])))
-      return 0;
-  }
-  return 1;
-}
-
-uint32_t ParseDlgItemInt(const char* text, int isSigned, int* translated) {
-  if (translated) *translated = 0;
-  if (!text) return 0;
-  const unsigned char* p = reinterpret_cast<const unsigned char*>(text);
-  while (*p == ' ' || (*p >= '\t' && *p <= '\r')) ++p;
-  int negative = 0;
-  if (isSigned && *p == '-') {
-    negative = 1;
-    ++p;
-  }
-  if (*p < '0' || *p > '9') return 0;
-  uint64_t value = 0;
-  for (; *p >= '0' && *p <= '9'; ++p) {
-    value = value * 10 + (*p - '0');
-    if (value > UINT64_C(0xFFFFFFFF)) return 0;
-  }
-  if (isSigned) {
-    if (negative ? value > UINT64_C(0x80000000) : value > UINT64_C(0x7FFFFFFF)) return 0;
-    if (translated) *translated = 1;
-    return static_cast<uint32_t>(negative ? -static_cast<int64_t>(value)
-                                          : static_cast<int64_t>(value));
-  }
-  if (translated) *translated = 1;
-  return static_cast<uint32_t>(value);
-}
-
-uint32_t GetDialogItemInt(WindowHandle dialog, int32_t id, int* translated, int isSigned) {
-  char text[64] = "";
-  WindowHandle control = DialogItem(dialog, id);
-  if (!control) {
-    if (translated) *translated = 0;
-    return 0;
-  }
-  DialogGetText(control, text, sizeof text);
-  return ParseDlgItemInt(text, isSigned, translated);
-}
-
-void SetDialogItemInt(WindowHandle dialog, int32_t id, uint32_t value, int isSigned) {
-  char text[16];
-  if (isSigned)
-    std::snprintf(text, sizeof text, "%d", static_cast<int32_t>(value));
-  else
-    std::snprintf(text, sizeof text, "%u", value);
-  DialogSetText(DialogItem(dialog, id), text);
+  const ControlKindProcs* row = DialogKindProcs(kind);
+  return row ? row->tag : nullptr;
 }
 
 SpinRange ParseSpinRange(const char* text) {
@@ -206,7 +133,7 @@ void BindControl(WindowHandle control, void* setting) {
   if (IsPicker(kind)) {
     int32_t* saved = static_cast<int32_t*>(setting);
     SetDialogItemInt(dialog, id, static_cast<uint32_t>(*saved), 0);
-    PickerSetUp(control, *saved, saved);
+    DialogKindProcs(kind)->setUp(control, *saved, saved);
     return;
   }
   switch (kind) {
@@ -239,6 +166,18 @@ void BindControl(WindowHandle control, void* setting) {
 size_t FormatControlLine(WindowHandle control, char* line, size_t size) {
   if (!line || size == 0) return 0;
   line[0] = 0;
+  const ControlKindProcs* row = DialogKindProcs(DialogControlKind(control));
+  return row && row->formatLine ? row->formatLine(control, line, size) : 0;
+}
+
+int TakeControlLine(WindowHandle control, const char* line) {
+  const ControlKindProcs* row = DialogKindProcs(DialogControlKind(control));
+  return row && row->takeLine ? row->takeLine(control, line) : 0;
+}
+
+size_t FormatValueLine(WindowHandle control, char* line, size_t size) {
+  if (!line || size == 0) return 0;
+  line[0] = 0;
   const ControlKind kind = DialogControlKind(control);
   const char* tag = ControlTag(kind);
   WindowHandle dialog = DialogParent(control);
@@ -247,10 +186,6 @@ size_t FormatControlLine(WindowHandle control, char* line, size_t size) {
   int n = 0;
   switch (kind) {
     case kControlColourButton:
-    case kControlShadowPicker:
-    case kControlScroll4Picker:
-    case kControlScroll2Picker:
-    case kControlScrollHVPicker:
       n = std::snprintf(line, size, "%s%d=%u", tag, id,
                         GetDialogItemInt(dialog, id, &translated, 0));
       break;
@@ -282,9 +217,8 @@ size_t FormatControlLine(WindowHandle control, char* line, size_t size) {
   return static_cast<size_t>(n) < size ? static_cast<size_t>(n) : size - 1;
 }
 
-int TakeControlLine(WindowHandle control, const char* line) {
+int TakeValueLine(WindowHandle control, const char* line) {
   const ControlKind kind = DialogControlKind(control);
-  if (IsPicker(kind)) return PickerTakeLine(control, line);
   const char* tag = ControlTag(kind);
   if (!tag || !TagMatches(line, tag)) return 0;
   const char* value = std::strchr(line, '=');

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "controls/item_text.h"
 #include "platform/dialog.h"
 
 constexpr int32_t kUpDownIdOffset = 10000;
@@ -17,25 +18,9 @@ constexpr int32_t kComboSelectionChanged = 8;  // CBN_SELCHANGE
 constexpr size_t kDocumentTextLimit = 1024;    // a text line is cut to this on writing
 constexpr size_t kDocumentLineLimit = 8192;    // a document line is read up to this, terminator in
 
-// Private messages of the dialog and its controls.
-constexpr uint32_t kMessageAfterLoad = 1224;
-constexpr uint32_t kMessagePickerSetUp = 1324;
-constexpr uint32_t kMessagePickerReadBack = 1326;
-constexpr uint32_t kMessageRepaintSample = 1327;
-constexpr uint32_t kMessageWriteLine = 1334;
-constexpr uint32_t kMessageReadLine = 1335;
-
-// The six-letter word that starts a kind's document line, or null for kinds without lines.
+// The six-letter word that starts a kind's document line (its row's), or null for kinds without
+// lines.
 const char* ControlTag(ControlKind kind);
-// Nonzero when the line's first six characters are `tag`, ignoring case.
-int TagMatches(const char* line, const char* tag);
-
-// The text as GetDlgItemInt translates it: leading white space, a minus sign when `isSigned`, and
-// decimal digits up to the first other character. No digits, or a value beyond the type's range,
-// gives 0 with *translated 0.
-uint32_t ParseDlgItemInt(const char* text, int isSigned, int* translated);
-uint32_t GetDialogItemInt(WindowHandle dialog, int32_t id, int* translated, int isSigned);
-void SetDialogItemInt(WindowHandle dialog, int32_t id, uint32_t value, int isSigned);
 
 // The range of a spin edit: min 0 and max 100 unless the updown's text scans as "%d,%d,%d"; a scan
 // that stops early keeps what it read so far.
@@ -60,6 +45,10 @@ size_t FormatControlLine(WindowHandle control, char* line, size_t size);
 // Takes a document line as message 1335 does: the word must be the kind's, then "=" and the value.
 // Sets the control and stores through its user data. Returns 1 when the line was taken.
 int TakeControlLine(WindowHandle control, const char* line);
+// The two for the value kinds themselves (colour buttons, spin edits, check boxes, text fields,
+// lists and font boxes), as their rows give them.
+size_t FormatValueLine(WindowHandle control, char* line, size_t size);
+int TakeValueLine(WindowHandle control, const char* line);
 
 // A command from control `id`: stores its value as its kind says and restarts the update timer
 // for ids of 50 and above. Ignored while the dialog is hidden.

@@ -249,6 +249,9 @@ bool RunStep(const std::string& step, DWORD waited) {
     char className[64] = "";
     if (control) GetClassNameA(control, className, sizeof className);
     Log(prefix + " class=" + EscapeLogText(className));
+  } else if (word == "read-style") {
+    const LONG style = control ? GetWindowLongA(control, GWL_STYLE) & 0xF : -1;
+    Log(prefix + " style=" + std::to_string(style));
   } else if (word == "read-check") {
     Log(prefix + " check=" + std::to_string(IsDlgButtonChecked(dialog, id)));
   } else if (word == "count-paints") {

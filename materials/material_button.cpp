@@ -32,6 +32,18 @@ MovableHandle ButtonMaterialHandle(WindowHandle button) {
   return button ? static_cast<MovableHandle>(DialogGetUserData(button)) : nullptr;
 }
 
+int CreateMaterialForButton(WindowHandle button, uint32_t creationColour) {
+  if (!button) return 0;
+  if (!ButtonMaterialHandle(button))
+    DialogSetUserData(button, CreateButtonMaterial(creationColour));
+  return ButtonMaterialHandle(button) != nullptr;
+}
+
+void FreeMaterialOfButton(WindowHandle button) {
+  FreeButtonMaterial(ButtonMaterialHandle(button));
+  DialogSetUserData(button, nullptr);
+}
+
 Material* MaterialForButton(WindowHandle button) {
   MovableHandle handle = ButtonMaterialHandle(button);
   if (!handle) return nullptr;

@@ -32,6 +32,10 @@ void FreeButtonMaterial(MovableHandle material);
 
 // The handle a material button keeps in its user data, or null.
 MovableHandle ButtonMaterialHandle(WindowHandle button);
+// The button's record made from `creationColour` when it has none yet; nonzero when it holds one
+// afterwards. The freeing of the record the button holds, when the button goes.
+int CreateMaterialForButton(WindowHandle button, uint32_t creationColour);
+void FreeMaterialOfButton(WindowHandle button);
 // The button's Material, locked, or null when it has none. The caller unlocks
 // ButtonMaterialHandle(button) when finished.
 Material* MaterialForButton(WindowHandle button);

@@ -277,3 +277,10 @@ void UnregisterMaterialButtonClass() {
   UnregisterClassA(kMaterialButtonClass, g_classInstance);
   g_classInstance = nullptr;
 }
+
+int CreateMaterialForWindow(WindowHandle button, uint32_t creationColour) {
+  HWND window = reinterpret_cast<HWND>(button);
+  if (!window) return 0;
+  SendMessageA(window, kMessageMaterialCreate, 0, static_cast<LPARAM>(creationColour));
+  return ButtonMaterialHandle(button) != nullptr;
+}

@@ -3,6 +3,7 @@
 // kinds and values without a window system. Controls are found by id, as in a dialog resource.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 struct DialogWindow;
@@ -46,6 +47,65 @@ enum ControlKind : int32_t {
   kControlAnimationPicker,  // filled by the animation picker; lines ANMCTL
   kControlKindCount
 };
+
+// Private messages of the dialog and its controls.
+constexpr uint32_t kMessageAfterLoad = 1224;
+constexpr uint32_t kMessagePickerSetUp = 1324;
+constexpr uint32_t kMessagePickerReadBack = 1326;
+constexpr uint32_t kMessageRepaintSample = 1327;
+constexpr uint32_t kMessageWriteLine = 1334;
+constexpr uint32_t kMessageReadLine = 1335;
+// Room for the longest document line a control writes (a text cut to 1024 characters, its word,
+// id and "=").
+constexpr size_t kControlLineSize = 1024 + 64;
+
+// What each kind does is described above the port, once, as a row of procedures; the port
+// consults the rows and knows no kind's behaviour itself. A null entry means the kind has no such
+// behaviour. The Windows entries are null elsewhere.
+struct ControlKindProcs {
+  ControlKind kind;
+  const char* tag;  // the six-letter word of its document line, or null
+  // Makes what the control owns (a material record from a creation colour). Nonzero when the
+  // control holds it afterwards.
+  int (*create)(WindowHandle control, uint32_t creationColour);
+  // Pickers: set-up with a value and the setting to mirror, read-back from the window text, a
+  // press at (x, y) (answers the cells to repaint) and the held value (0 when none).
+  int (*setUp)(WindowHandle control, int32_t value, int32_t* saved);
+  void (*readBack)(WindowHandle control);
+  uint32_t (*press)(WindowHandle control, int32_t x, int32_t y);
+  int (*value)(WindowHandle control, int32_t* value);
+  // Document lines: take one (1 when taken), format one without the line feed (its length, 0
+  // for none).
+  int (*takeLine)(WindowHandle control, const char* line);
+  size_t (*formatLine)(WindowHandle control, char* line, size_t size);
+  // Frees what the control owns when its dialog goes.
+  void (*destroy)(WindowHandle control);
+  // Windows: the window class new controls of the kind are made with when it is one of the
+  // kind's own, the class procedure that gives an existing control the kind (a WNDPROC), and the
+  // painting of an owner-drawn control from its DRAWITEMSTRUCT (nonzero when painted).
+  const char* windowClass;
+  void* procedure;
+  int (*drawItem)(WindowHandle dialog, const void* drawItem);
+};
+
+// A control's notification to its dialog (a command on Windows).
+typedef void (*DialogCommandProc)(WindowHandle dialog, int32_t id, int32_t notification);
+// Where there are no dialog resources: makes the controls of page `resourceId` in `dialog`.
+typedef int (*DialogPageMaker)(WindowHandle dialog, int32_t resourceId);
+
+struct DialogBehaviour {
+  const ControlKindProcs* kinds;
+  int32_t kindCount;
+  DialogCommandProc command;
+  DialogPageMaker makePage;
+};
+
+// Gives the port the kinds' rows and the dialogs' command handling. The record must outlive every
+// dialog; installing again replaces it.
+void DialogInstallBehaviour(const DialogBehaviour* behaviour);
+const DialogBehaviour* DialogInstalledBehaviour();
+// The row of `kind`, or null when it has none.
+const ControlKindProcs* DialogKindProcs(ControlKind kind);
 
 // Makes a control in a dialog made by DialogCreate. Ids need not be unique in the port, but the
 // dialog finds the first control with an id. `text` is the caption or initial text.

@@ -226,16 +226,15 @@ int CustomPaletteStep(BuildRun* run) {
   return 1;
 }
 
-// Replaces `*image` by the copy in which the key colour's pixels hold `index`. 0 when the copy
-// cannot be made, `*image` then being unchanged.
-int KeepKeyPixels(MovableHandle* image, MovableHandle unreduced, const BuildRun* run,
-                  int32_t index) {
+// Replaces `*image` by the copy in which the key colour's pixels hold `index`. When the copy
+// cannot be made the remapped picture stands as it is and the build goes on.
+void KeepKeyPixels(MovableHandle* image, MovableHandle unreduced, const BuildRun* run,
+                   int32_t index) {
   MovableHandle replaced =
       ReplaceKeyColour(*image, unreduced, static_cast<uint32_t>(run->keyColour), index);
-  if (!replaced) return 0;
+  if (!replaced) return;
   MovableFree(*image);
   *image = replaced;
-  return 1;
 }
 
 int RemapStep(BuildRun* run, const BuildOptions* options) {
@@ -259,14 +258,14 @@ int RemapStep(BuildRun* run, const BuildOptions* options) {
       if (!reduced) return 0;
       int kept = 1;
       if (run->superCompress) {
-        if (i == 0) kept = KeepKeyPixels(&reduced, record.image, run, run->keyIndex);
+        if (i == 0) KeepKeyPixels(&reduced, record.image, run, run->keyIndex);
         if (kept && record.mask) {
           kept = MarkUnchangedPixels(reduced, record.mask, run->superIndex, run->markColour);
           record.transparentIndex = run->superIndex;
         }
       }
       if (kept && run->keepKey && run->keyIndex != -1)
-        kept = KeepKeyPixels(&reduced, record.image, run, run->keyIndex);
+        KeepKeyPixels(&reduced, record.image, run, run->keyIndex);
       if (!kept) {
         MovableFree(reduced);
         return 0;

@@ -127,8 +127,9 @@ void ShowEffectPage(WindowHandle dialog, int32_t row) {
   ShowPageControls(dialog, row < kEffectCount ? EffectTable[row].controls : nullptr);
 }
 
-int InitEffectPages(WindowHandle dialog) {
+int InitEffectPages(WindowHandle dialog, WindowHandle effectBox) {
   for (int32_t row = 0; row < kEffectCount; ++row) {
+    if (effectBox) DialogAddRow(effectBox, EffectTable[row].name);
     if (!EffectTable[row].init) continue;
     BuildContext context;
     std::memset(&context, 0, sizeof context);

@@ -94,9 +94,10 @@ void ShowEffectPage(WindowHandle dialog, int32_t row);
 // The same for an explicit control list (ended by 0, or null for none).
 void ShowPageControls(WindowHandle dialog, EffectControlList controls);
 
-// Calls the rows' EffectInit in table order with a context holding only `dialog`. Rows without one
-// are passed over. Returns 0 at the first row that fails, leaving the rest uncalled.
-int InitEffectPages(WindowHandle dialog);
+// Row by row in table order: adds the row's name to `effectBox` (when there is one), then calls its
+// EffectInit with a context holding only `dialog`; rows without one are passed over. Returns 0 at
+// the first row that fails, leaving the rest neither named nor called.
+int InitEffectPages(WindowHandle dialog, WindowHandle effectBox = nullptr);
 // The row's preview into context->image. Returns 0, with context->image null, when the row has no
 // preview, the preview fails or it made no image; the caller then paints the background only.
 int RunEffectPreview(int32_t row, BuildContext* context);

@@ -4,6 +4,8 @@
 // with a backslash.
 #pragma once
 
+#include <cstddef>
+
 #include <cstdint>
 
 // The library's instance handle, the source of every resource; stored by the library's entry on
@@ -12,8 +14,11 @@ extern void* ModuleInstance;
 
 // The folder of the library's own file.
 extern char PluginFolder[261];
-// The folder that file dialogs open in; the documents folder until the user picks another.
-extern char OpenPath[261];
+// The folder that file dialogs open in, 260 characters and the terminator: the `OpenPath` setting
+// itself, so that the documents folder set at start is saved and a folder read from the
+// configuration is where the dialogs open.
+char* OpenPath();
+constexpr size_t kOpenPathSize = 261;
 
 // The three fonts that all dialogs share during one use: Arial 14, MS Sans Serif 14, Arial 12
 // (cell heights in pixels). Made and deleted by the library's entry; null between uses.

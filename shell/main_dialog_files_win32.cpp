@@ -11,6 +11,7 @@
 #include "documents/effect_document.h"
 #include "documents/settings.h"
 #include "shell/library_state.h"
+#include "shell/skinned_button_win32.h"
 
 namespace {
 
@@ -44,11 +45,9 @@ void TakeChosenPath(const char* path) {
     lstrcpynA(current, path, static_cast<int>(kSettingTextSize));
   // The folder of the choice is where the next file dialog opens.
   const size_t folder = static_cast<size_t>(NamePart(path) - path);
-  if (folder > 0 && folder < sizeof OpenPath) {
-    std::memcpy(OpenPath, path, folder);
-    OpenPath[folder] = 0;
-    if (char* setting = SettingString("OpenPath"))
-      lstrcpynA(setting, OpenPath, static_cast<int>(kSettingTextSize));
+  if (folder > 0 && folder < kOpenPathSize) {
+    std::memcpy(OpenPath(), path, folder);
+    OpenPath()[folder] = 0;
   }
 }
 
@@ -56,6 +55,8 @@ UINT_PTR CALLBACK FileDialogHook(HWND hook, UINT message, WPARAM, LPARAM) {
   HWND fileDialog = GetParent(hook);
   switch (message) {
     case WM_INITDIALOG:
+      SkinButton(GetDlgItem(GetParent(hook), IDOK));
+      SkinButton(GetDlgItem(GetParent(hook), IDCANCEL));
       PostMessageA(hook, kHookMessageSize, 0, 0);
       return 0;
     case kHookMessageSize: {
@@ -129,7 +130,7 @@ void OpenDocument(HWND dialog) {
   }
   OPENFILENAMEA open;
   PrepareFileDialog(&open, dialog, path, kOpenFlags);
-  open.lpstrInitialDir = folder[0] ? folder : (OpenPath[0] ? OpenPath : nullptr);
+  open.lpstrInitialDir = folder[0] ? folder : (OpenPath()[0] ? OpenPath() : nullptr);
   if (!GetOpenFileNameA(&open)) return;
   TakeChosenPath(path);
   LoadDocument(reinterpret_cast<WindowHandle>(dialog), path);
@@ -140,7 +141,7 @@ void SaveDocumentAs(HWND dialog) {
   if (const char* current = CurrentFileName()) lstrcpynA(path, NamePart(current), MAX_PATH);
   OPENFILENAMEA save;
   PrepareFileDialog(&save, dialog, path, kSaveFlags);
-  save.lpstrInitialDir = OpenPath[0] ? OpenPath : nullptr;
+  save.lpstrInitialDir = OpenPath()[0] ? OpenPath() : nullptr;
   if (!GetSaveFileNameA(&save)) return;
   TakeChosenPath(path);
   SaveDocument(reinterpret_cast<WindowHandle>(dialog), path);

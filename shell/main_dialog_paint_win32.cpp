@@ -119,7 +119,8 @@ void PaintFontItem(const DRAWITEMSTRUCT* item) {
 void PaintSizeLabel(const DRAWITEMSTRUCT* item) {
   HDC dc = item->hDC;
   RECT r = item->rcItem;
-  FillRect(dc, &r, GetSysColorBrush(COLOR_BTNFACE));
+  // A brush value of n + 1 stands for system colour n: 15 fills in system colour 14.
+  FillRect(dc, &r, reinterpret_cast<HBRUSH>(static_cast<INT_PTR>(15)));
   FrameRect(dc, &r, GetSysColorBrush(COLOR_BTNSHADOW));
   char text[64] = "";
   GetWindowTextA(item->hwndItem, text, sizeof text);
@@ -150,7 +151,7 @@ void PaintSample(HWND dialog, const DRAWITEMSTRUCT* item) {
   context.sampleHeight = areaHeight;
   context.sample = 1;
   if (!RunEffectPreview(row, &context)) {
-    FillRect(dc, &area, GetSysColorBrush(COLOR_INFOBK));
+    FillRect(dc, &area, GetSysColorBrush(COLOR_INFOTEXT));
     SelectClipRgn(dc, nullptr);
     DeleteObject(clip);
     return;

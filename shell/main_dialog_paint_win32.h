@@ -5,9 +5,10 @@
 
 #include <windows.h>
 
-// Paints the sample through the selected row's preview, fitted and centred on the key colour.
+// Paints the sample through the selected row's preview, fitted and centred on the key colour; a
+// row without a picture leaves the area in system colour 23.
 void PaintSample(HWND dialog, const DRAWITEMSTRUCT* item);
-// Paints the size label: its text on the button face, in a shadow frame.
+// Paints the size label: its text on system colour 14 (the literal brush 15), in a shadow frame.
 void PaintSizeLabel(const DRAWITEMSTRUCT* item);
 // Paints one item of the font box: the family's name in its own face where it has letters.
 void PaintFontItem(const DRAWITEMSTRUCT* item);

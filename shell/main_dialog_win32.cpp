@@ -24,6 +24,7 @@
 #include "shell/main_dialog_files_win32.h"
 #include "shell/main_dialog_paint_win32.h"
 #include "shell/messages.h"
+#include "shell/skinned_button_win32.h"
 
 namespace {
 
@@ -121,12 +122,10 @@ void ResetDocumentPath() {
   char folder[MAX_PATH] = "";
   if (SHGetFolderPathA(nullptr, CSIDL_PERSONAL, nullptr, 0, folder) != S_OK) return;
   size_t length = std::strlen(folder);
-  if (length + 2 >= sizeof OpenPath) return;
+  if (length + 2 >= kOpenPathSize) return;
   if (length == 0 || folder[length - 1] != '\\') folder[length++] = '\\';
   folder[length] = 0;
-  lstrcpynA(OpenPath, folder, sizeof OpenPath);
-  if (char* path = SettingString("OpenPath"))
-    lstrcpynA(path, folder, static_cast<int>(kSettingTextSize));
+  lstrcpynA(OpenPath(), folder, static_cast<int>(kOpenPathSize));
   if (char* current = SettingString("CurrentFileName"))
     std::snprintf(current, kSettingTextSize, "%s%s", folder, kUntitled);
 }
@@ -183,9 +182,7 @@ void FillFontControl(HWND dialog) {
 int FillEffectBox(HWND dialog) {
   HWND box = GetDlgItem(dialog, IDC_EFFECT);
   SendMessageA(box, CB_RESETCONTENT, 0, 0);
-  for (const EffectEntry& row : EffectTable)
-    SendMessageA(box, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(row.name));
-  const int ok = InitEffectPages(Handle(dialog));
+  const int ok = InitEffectPages(Handle(dialog), Handle(box));
   BindMainControl(dialog, IDC_EFFECT);
   return ok;
 }
@@ -204,7 +201,9 @@ void UpdateBuildButton(HWND dialog) {
 INT_PTR OnInitDialog(HWND dialog, HostRecord* host) {
   CurrentHost = host;
   AskHostSettings();
-  // The look of skinned push buttons is the host's SoftButtons choice; ours keep the system's.
+  for (int id : {IDC_BUILD, IDC_CANCEL, IDC_HELP_BUTTON, IDC_REGISTER, IDC_ABOUT, IDC_TEST,
+                 IDC_OPEN_SAVE})
+    SkinButton(GetDlgItem(dialog, id));
   LoadSettings();
   const int shift = SettingsShiftHeld();
   if (!(Capabilities() & kHostTrueColourOffered)) {
@@ -353,7 +352,7 @@ void OnCommand(HWND dialog, int id, int notification) {
       // The edit also reports its filling at the start, before the dialog shows.
       if (!IsWindowVisible(dialog)) return;
       StoreControlValue(Handle(GetDlgItem(dialog, id)));
-      StartUpdateTimer(dialog);
+      InvalidateRect(GetDlgItem(dialog, IDC_SAMPLE), nullptr, FALSE);
       UpdateBuildButton(dialog);
       return;
     case IDC_EFFECT: {

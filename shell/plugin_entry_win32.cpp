@@ -5,6 +5,7 @@
 #include <commctrl.h>
 #include <shlobj.h>
 
+#include "controls/page_setup.h"
 #include "materials/material_button_win32.h"
 #include "shell/crt_random.h"
 #include "shell/host_gate.h"
@@ -48,10 +49,11 @@ void StoreDocumentsFolder() {
   char path[MAX_PATH + 1] = "";
   if (SHGetPathFromIDListA(list, path)) {
     size_t length = strlen(path);
-    if (length + 1 < sizeof OpenPath) {
-      memcpy(OpenPath, path, length);
-      if (length == 0 || path[length - 1] != '\\') OpenPath[length++] = '\\';
-      OpenPath[length] = 0;
+    char* openPath = OpenPath();
+    if (length + 1 < kOpenPathSize) {
+      memcpy(openPath, path, length);
+      if (length == 0 || path[length - 1] != '\\') openPath[length++] = '\\';
+      openPath[length] = 0;
     }
   }
   IMalloc* shellMalloc = nullptr;
@@ -89,11 +91,11 @@ extern "C" __declspec(dllexport) int PLUGIN16DoBuild(HWND parent, HostRecord* ho
   DialogFonts[1] = CreateFontA(14, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, "MS Sans Serif");
   DialogFonts[2] = CreateFontA(12, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, "Arial");
   StorePluginFolder();
-  if (!OpenPath[0]) StoreDocumentsFolder();
+  if (!OpenPath()[0]) StoreDocumentsFolder();
 
   INITCOMMONCONTROLSEX controls = {sizeof controls, ICC_STANDARD_CLASSES | ICC_UPDOWN_CLASS};
   InitCommonControlsEx(&controls);
-  RegisterMaterialButtonClass();
+  InstallControlKinds();
   RunMainDialog(reinterpret_cast<WindowHandle>(parent), host);
   UnregisterMaterialButtonClass();
   CurrentHost = nullptr;

@@ -37,30 +37,6 @@ uint32_t TableColour(const void* image, uint32_t index) {
 
 }  // namespace
 
-namespace {
-
-struct RampBytes {
-  uint8_t bytes[kPaletteBytes];
-};
-
-constexpr RampBytes MakeGreyRamp() {
-  RampBytes ramp = {};
-  for (uint32_t i = 0; i < kPaletteBytes; ++i) ramp.bytes[i] = static_cast<uint8_t>(i / 3);
-  return ramp;
-}
-
-constexpr RampBytes kGreyRamp = MakeGreyRamp();
-
-}  // namespace
-
-const uint8_t* GreyRamp() {
-  return kGreyRamp.bytes;
-}
-
-MovableHandle CreateMask(int32_t width, int32_t height) {
-  return CreatePackedDib(width, height, GreyRamp(), 8);
-}
-
 void AddCoverage(void* plane, int32_t x, int32_t y, uint32_t coverage) {
   const uint32_t sum = (ReadDibPixel(plane, x, y) & 0xFF) + (coverage & 0xFF);
   WriteDibPixel(plane, x, y, sum > 255 ? 255 : sum);

@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "platform/memory.h"
+#include "text/mask_image.h"
 
 // Per colour channel: under * (255 - coverage) / 255 + over * coverage / 255, each division
 // truncating by itself. The top byte of `under` is kept.
@@ -58,7 +59,3 @@ MovableHandle FlattenBitmapFile(const uint8_t* data, size_t size, uint32_t colou
 // is 0xFFFFFFFF (-1). Null when the resource is missing or memory fails.
 MovableHandle LoadFlattenedResource(int32_t id, uint32_t colour);
 
-// The grey colour table of every mask, 256 red, green, blue triples: entry i is i, i, i.
-const uint8_t* GreyRamp();
-// A new zeroed 8-bit mask with the grey table, or null.
-MovableHandle CreateMask(int32_t width, int32_t height);

@@ -7,7 +7,7 @@
 #include <new>
 
 #include "shell/packed_dib.h"
-#include "text/compositing.h"
+#include "text/mask_image.h"
 #include "text/drawing_layer.h"
 #include "text/image_copy.h"
 #include "platform/font.h"

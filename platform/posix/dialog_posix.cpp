@@ -1,6 +1,7 @@
 // The dialog port on the headless model. A window record is either a dialog (no parent) or one of
 // its controls; the dialog keeps its controls in creation order, its running timers and the
-// private messages posted to it. Behaviour per kind comes from controls/, as on Windows.
+// private messages posted to it. Behaviour per kind comes from the kinds' installed rows, as on
+// Windows; pages are made by the installed page maker, since there are no dialog resources.
 #include <cctype>
 #include <cstdio>
 #include <cstring>
@@ -11,9 +12,6 @@
 #include <string>
 #include <vector>
 
-#include "controls/direction_picker.h"
-#include "controls/value_controls.h"
-#include "materials/material_button.h"
 #include "platform/posix/headless_dialog.h"
 
 struct DialogWindow {
@@ -72,11 +70,11 @@ WindowHandle HeadlessDialogAddControl(WindowHandle dialog, int32_t id, int visib
 
 void HeadlessDialogDestroy(WindowHandle dialog) {
   if (!dialog) return;
+  // Controls own blocks (a picker's value, a material button's record), as their windows do on
+  // Windows.
   for (const std::unique_ptr<DialogWindow>& child : dialog->children) {
-    if (FindPickerShape(child->kind)) PickerDestroy(child.get());
-    // A material button owns its record, as its window does on Windows.
-    if (child->kind == kControlMaterialButton)
-      FreeButtonMaterial(ButtonMaterialHandle(child.get()));
+    const ControlKindProcs* row = DialogKindProcs(child->kind);
+    if (row && row->destroy) row->destroy(child.get());
   }
   delete dialog;
 }
@@ -241,38 +239,44 @@ uint32_t DialogTakePostedMessage(WindowHandle dialog) {
   return message;
 }
 
+int DialogClonePage(WindowHandle dialog, int32_t resourceId) {
+  const DialogBehaviour* behaviour = DialogInstalledBehaviour();
+  return behaviour && behaviour->makePage ? behaviour->makePage(dialog, resourceId) : 0;
+}
+
 void DialogPickerSetUp(WindowHandle picker, int32_t value, int32_t* saved) {
-  PickerSetUp(picker, value, saved);
+  const ControlKindProcs* row = DialogKindProcs(DialogControlKind(picker));
+  if (picker && row && row->setUp) row->setUp(picker, value, saved);
 }
 
 void DialogPickerReadBack(WindowHandle picker) {
-  PickerReadBack(picker);
+  const ControlKindProcs* row = DialogKindProcs(DialogControlKind(picker));
+  if (picker && row && row->readBack) row->readBack(picker);
 }
 
 void DialogPickerClick(WindowHandle picker, int x, int y) {
   if (!picker) return;
-  PickerPress(picker, x, y);
+  const ControlKindProcs* row = DialogKindProcs(picker->kind);
+  if (row && row->press) row->press(picker, x, y);
   // The release notifies the parent whether or not a cell was hit.
-  HandleValueCommand(picker->parent, picker->id, 0);
-}
-
-int DialogPickerValue(WindowHandle picker, int32_t* value) {
-  return PickerValue(picker, value);
+  DialogNotify(picker->parent, picker->id, 0);
 }
 
 int DialogWriteLine(WindowHandle control, void* file) {
-  if (!file) return 0;
-  std::string line(kDocumentTextLimit + 64, '\0');
-  const size_t n = FormatControlLine(control, line.data(), line.size());
-  if (n == 0) return 0;
+  const ControlKindProcs* row = DialogKindProcs(DialogControlKind(control));
+  if (!file || !control || !row || !row->formatLine) return 0;
+  std::string line(kControlLineSize, '\0');
+  if (row->formatLine(control, line.data(), line.size()) == 0) return 0;
   std::fprintf(static_cast<std::FILE*>(file), "%s\n", line.c_str());
   return 1;
 }
 
 int DialogReadLine(WindowHandle control, const char* line) {
-  return TakeControlLine(control, line);
+  const ControlKindProcs* row = DialogKindProcs(DialogControlKind(control));
+  return control && row && row->takeLine ? row->takeLine(control, line) : 0;
 }
 
 void DialogNotify(WindowHandle dialog, int32_t id, int32_t notification) {
-  HandleValueCommand(dialog, id, notification);
+  const DialogBehaviour* behaviour = DialogInstalledBehaviour();
+  if (behaviour && behaviour->command) behaviour->command(dialog, id, notification);
 }

@@ -1,21 +1,16 @@
-// The dialog port on real windows: a WindowHandle is an HWND. Value controls are standard controls
-// subclassed with one class procedure per kind, and that procedure is the mark of the kind. The
-// behaviour of each kind (values, lines, pickers) is the shared code of controls/; this file only
-// routes messages to it, and paints colour buttons and pickers.
+// The dialog port on real windows: a WindowHandle is an HWND. A control gets its kind from the
+// kind's installed row: standard controls are subclassed with the row's class procedure, which is
+// then the mark of the kind, and kinds with a window class of their own are known by the class.
+// The port routes document, picker and paint requests to the controls' windows and rows; it knows
+// no kind's behaviour itself.
 #include <windows.h>
 #include <commctrl.h>
 
 #include <cstdio>
 #include <string>
 
-#include "controls/direction_picker.h"
-#include "controls/picker_strips.h"
-#include "controls/value_controls.h"
-#include "materials/material_button_win32.h"
 #include "platform/dialog.h"
-#include "platform/memory.h"
 #include "platform/win32/dialog_win32.h"
-#include "shell/packed_dib.h"
 
 namespace {
 
@@ -40,222 +35,29 @@ BOOL CALLBACK VisitChild(HWND child, LPARAM state) {
   return s->visit(AsHandle(child), s->param) ? TRUE : FALSE;
 }
 
-LRESULT CallBase(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  WNDPROC base = reinterpret_cast<WNDPROC>(GetPropA(window, kBaseProcProp));
-  return base ? CallWindowProcA(base, window, message, wParam, lParam)
-              : DefWindowProcA(window, message, wParam, lParam);
-}
-
-int WriteLine(HWND window, std::FILE* file) {
-  if (!file) return 0;
-  std::string line(kDocumentTextLimit + 64, '\0');
-  if (!FormatControlLine(AsHandle(window), line.data(), line.size())) return 0;
-  std::fprintf(file, "%s\n", line.c_str());
-  return 1;
-}
-
-// The class procedure of the value kinds: the two document messages, the rest to the base class.
-LRESULT ValueControlMessage(ControlKind kind, HWND window, UINT message, WPARAM wParam,
-                            LPARAM lParam) {
-  switch (message) {
-    case kMessageWriteLine:
-      return WriteLine(window, reinterpret_cast<std::FILE*>(lParam));
-    case kMessageReadLine:
-      return kind == kControlUpDown
-                 ? 0
-                 : TakeControlLine(AsHandle(window), reinterpret_cast<const char*>(lParam));
-    case WM_NCDESTROY: {
-      const LRESULT result = CallBase(window, message, wParam, lParam);
-      RemovePropA(window, kBaseProcProp);
-      RemovePropA(window, kKindProp);
-      return result;
-    }
-    default:
-      return CallBase(window, message, wParam, lParam);
-  }
-}
-
-template <ControlKind Kind>
-LRESULT CALLBACK KindProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  return ValueControlMessage(Kind, window, message, wParam, lParam);
-}
-
-// ---- Pickers
-// -------------------------------------------------------------------------------------
-
-// Copies the cell's picture, the square of side h - 4 at (h * cell + 2, 2) of the strip, to
-// (left, top). A strip that couldn't be made leaves the cell without a picture.
-void CopyCellPicture(HDC dc, MovableHandle strip, int32_t cell, int left, int top) {
-  ScopedLock lock(strip);
-  if (!lock) return;
-  const int h = kPickerStripHeight;
-  const BITMAPINFO* info = reinterpret_cast<const BITMAPINFO*>(lock.bytes);
-  // Rows of a bottom-up DIB count from the bottom: the square's last row is 2 above it.
-  SetDIBitsToDevice(dc, left, top, h - 4, h - 4, h * cell + 2, 2, 0, h, DibBits(lock.bytes), info,
-                    DIB_RGB_COLORS);
-}
-
-void PaintPicker(HWND window, ControlKind kind) {
-  PAINTSTRUCT paint;
-  HDC dc = BeginPaint(window, &paint);
-  int32_t value = -1;
-  const PickerShape* shape = FindPickerShape(kind);
-  if (dc && shape && PickerValue(AsHandle(window), &value)) {
-    // Each strip is drawn on the fill of the cells it serves: pressed or raised.
-    MovableHandle pressed = CreatePickerStrip(kind, GetSysColor(COLOR_BTNSHADOW));
-    MovableHandle raised = CreatePickerStrip(kind, GetSysColor(COLOR_BTNFACE));
-    for (int32_t cell = 0; cell < shape->cellCount; ++cell) {
-      RECT r = {shape->left[cell], shape->top[cell], shape->left[cell] + kPickerCellSide,
-                shape->top[cell] + kPickerCellSide};
-      int inset;
-      if (cell == value) {
-        FillRect(dc, &r, GetSysColorBrush(COLOR_BTNSHADOW));
-        FrameRect(dc, &r, GetSysColorBrush(COLOR_3DDKSHADOW));
-        inset = 2;
-      } else {
-        FillRect(dc, &r, GetSysColorBrush(COLOR_BTNFACE));
-        DrawEdge(dc, &r, BDR_RAISEDINNER, BF_RECT | BF_SOFT);
-        inset = 1;
-      }
-      // A selected cell's picture moves one pixel down and right, so it looks pressed.
-      CopyCellPicture(dc, cell == value ? pressed : raised, cell, r.left + inset + 1,
-                      r.top + inset + 1);
-    }
-    MovableFree(pressed);
-    MovableFree(raised);
-  }
-  EndPaint(window, &paint);
-}
-
-LRESULT PickerMessage(ControlKind kind, HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  switch (message) {
-    case kMessagePickerSetUp:
-      PickerSetUp(AsHandle(window), static_cast<int32_t>(wParam),
-                  reinterpret_cast<int32_t*>(lParam));
-      InvalidateRect(window, nullptr, FALSE);
-      return 0;
-    case kMessagePickerReadBack:
-      PickerReadBack(AsHandle(window));
-      return 0;
-    case kMessageWriteLine:
-      return WriteLine(window, reinterpret_cast<std::FILE*>(lParam));
-    case kMessageReadLine: {
-      const int taken = PickerTakeLine(AsHandle(window), reinterpret_cast<const char*>(lParam));
-      if (taken) InvalidateRect(window, nullptr, FALSE);
-      return taken;
-    }
-    case WM_LBUTTONDOWN:
-      SetCapture(window);
-      if (PickerPress(AsHandle(window), static_cast<short>(LOWORD(lParam)),
-                      static_cast<short>(HIWORD(lParam)))) {
-        InvalidateRect(window, nullptr, FALSE);
-        UpdateWindow(window);
-      }
-      return 0;
-    case WM_LBUTTONUP:
-      if (GetCapture() == window) {
-        ReleaseCapture();
-        PostMessageA(GetParent(window), WM_COMMAND, static_cast<WPARAM>(GetDlgCtrlID(window)),
-                     reinterpret_cast<LPARAM>(window));
-      }
-      return 0;
-    case WM_ERASEBKGND:
-      return 1;
-    case WM_NCPAINT:
-      return 0;
-    case WM_PAINT:
-      PaintPicker(window, kind);
-      return 0;
-    case WM_DESTROY:
-      PickerDestroy(AsHandle(window));
-      return CallBase(window, message, wParam, lParam);
-    default:
-      return ValueControlMessage(kind, window, message, wParam, lParam);
-  }
-}
-
-template <ControlKind Kind>
-LRESULT CALLBACK PickerProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  return PickerMessage(Kind, window, message, wParam, lParam);
-}
-
-struct KindClass {
-  ControlKind kind;
-  WNDPROC procedure;
-};
-
-const KindClass kKindProcedures[] = {
-    {kControlColourButton, KindProc<kControlColourButton>},
-    {kControlSpinEdit, KindProc<kControlSpinEdit>},
-    {kControlSignedSpinEdit, KindProc<kControlSignedSpinEdit>},
-    {kControlUpDown, KindProc<kControlUpDown>},
-    {kControlCheckBox, KindProc<kControlCheckBox>},
-    {kControlTextField, KindProc<kControlTextField>},
-    {kControlComboList, KindProc<kControlComboList>},
-    {kControlListBoxList, KindProc<kControlListBoxList>},
-    {kControlFontBox, KindProc<kControlFontBox>},
-    {kControlShadowPicker, PickerProc<kControlShadowPicker>},
-    {kControlScroll4Picker, PickerProc<kControlScroll4Picker>},
-    {kControlScroll2Picker, PickerProc<kControlScroll2Picker>},
-    {kControlScrollHVPicker, PickerProc<kControlScrollHVPicker>},
-};
-
 WNDPROC ProcedureOf(ControlKind kind) {
-  for (const KindClass& k : kKindProcedures)
-    if (k.kind == kind) return k.procedure;
-  return nullptr;
+  const ControlKindProcs* row = DialogKindProcs(kind);
+  return row ? reinterpret_cast<WNDPROC>(row->procedure) : nullptr;
 }
 
-// ---- The colour button's look
-// --------------------------------------------------------------------
-
-void PaintColourButton(HWND dialog, const DRAWITEMSTRUCT* item) {
-  BOOL translated = FALSE;
-  COLORREF colour = GetDlgItemInt(dialog, static_cast<int>(item->CtlID), &translated, FALSE);
-  if (item->itemState & ODS_DISABLED) colour = GetSysColor(COLOR_BTNFACE);
-  HDC dc = item->hDC;
-  RECT r = item->rcItem;
-  HGDIOBJ oldPen = SelectObject(dc, GetStockObject(NULL_PEN));
-  HBRUSH back =
-      reinterpret_cast<HBRUSH>(SendMessageA(dialog, WM_CTLCOLORBTN, reinterpret_cast<WPARAM>(dc),
-                                            reinterpret_cast<LPARAM>(item->hwndItem)));
-  if (back) {
-    HGDIOBJ old = SelectObject(dc, back);
-    Rectangle(dc, r.left, r.top, r.right + 1, r.bottom + 1);
-    SelectObject(dc, old);
-  }
-  HBRUSH fill = CreateSolidBrush(colour);
-  HGDIOBJ oldBrush = SelectObject(dc, fill);
-  // Without a pen a rectangle covers one pixel less on the right and bottom.
-  Rectangle(dc, r.left, r.top, r.right - 1, r.bottom - 1);
-  SelectObject(dc, oldBrush);
-  DeleteObject(fill);
-  SelectObject(dc, oldPen);
-  DrawEdge(dc, &r, (item->itemState & ODS_SELECTED) ? EDGE_SUNKEN : EDGE_RAISED, 4111);
-  if (item->itemState & ODS_FOCUS) {
-    RECT focus = r;
-    InflateRect(&focus, -4, -3);
-    focus.bottom -= 1;
-    DrawFocusRect(dc, &focus);
-  }
-}
+// The side of a new picker: its 75 by 75 grid of cells.
+constexpr int kPickerSide = 75;
 
 // ---- The dialog's own window
 // ---------------------------------------------------------------------
 
 LRESULT CALLBACK DialogProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
-    case WM_COMMAND:
-      HandleValueCommand(AsHandle(window), LOWORD(wParam), HIWORD(wParam));
+    case WM_COMMAND: {
+      const DialogBehaviour* behaviour = DialogInstalledBehaviour();
+      if (behaviour && behaviour->command)
+        behaviour->command(AsHandle(window), LOWORD(wParam), HIWORD(wParam));
       return 0;
-    case WM_DRAWITEM: {
-      const DRAWITEMSTRUCT* item = reinterpret_cast<const DRAWITEMSTRUCT*>(lParam);
-      if (item && DialogControlKind(AsHandle(item->hwndItem)) == kControlColourButton) {
-        PaintColourButton(window, item);
-        return TRUE;
-      }
-      return FALSE;
     }
+    case WM_DRAWITEM:
+      return DialogPaintItem(AsHandle(window), reinterpret_cast<const DRAWITEMSTRUCT*>(lParam))
+                 ? TRUE
+                 : FALSE;
     case WM_TIMER:
       if (wParam == static_cast<WPARAM>(kUpdateTimerId))
         DialogKillTimer(AsHandle(window), kUpdateTimerId);
@@ -267,7 +69,7 @@ LRESULT CALLBACK DialogProc(HWND window, UINT message, WPARAM wParam, LPARAM lPa
 
 int RegisterDialogClass() {
   static int registered = 0;
-  if (registered) return RegisterMaterialButtonClass();
+  if (registered) return 1;
   INITCOMMONCONTROLSEX controls = {sizeof controls, ICC_UPDOWN_CLASS};
   InitCommonControlsEx(&controls);
   WNDCLASSA c = {};
@@ -277,11 +79,13 @@ int RegisterDialogClass() {
   c.lpszClassName = kDialogClass;
   c.hCursor = LoadCursor(nullptr, IDC_ARROW);
   registered = RegisterClassA(&c) != 0 || GetLastError() == ERROR_CLASS_ALREADY_EXISTS;
-  return registered && RegisterMaterialButtonClass();
+  return registered;
 }
 
 const char* ClassFor(ControlKind kind, DWORD* style) {
   *style = WS_CHILD | WS_VISIBLE;
+  const ControlKindProcs* row = DialogKindProcs(kind);
+  if (row && row->windowClass) return row->windowClass;
   switch (kind) {
     case kControlLabel:
       return "STATIC";
@@ -309,8 +113,6 @@ const char* ClassFor(ControlKind kind, DWORD* style) {
     case kControlListBoxList:
       *style |= LBS_NOTIFY | WS_VSCROLL;
       return "LISTBOX";
-    case kControlMaterialButton:
-      return kMaterialButtonClass;
     default:
       return "BUTTON";
   }
@@ -362,7 +164,8 @@ WindowHandle DialogAddControl(WindowHandle dialog, int32_t id, ControlKind kind,
   if (!dialog) return nullptr;
   DWORD style = 0;
   const char* windowClass = ClassFor(kind, &style);
-  const int pickerSide = FindPickerShape(kind) ? kPickerGridSide : 40;
+  const ControlKindProcs* row = DialogKindProcs(kind);
+  const int pickerSide = row && row->press ? kPickerSide : 40;
   HWND control = CreateWindowExA(
       0, windowClass, text ? text : "", style, 0, 0, pickerSide,
       kind == kControlComboList || kind == kControlFontBox ? 200 : pickerSide, AsWindow(dialog),
@@ -392,15 +195,20 @@ void DialogDestroy(WindowHandle dialog) {
 
 ControlKind DialogControlKind(WindowHandle control) {
   if (!control) return kControlOther;
-  // A material button is a window class of its own.
-  char windowClass[16] = "";
+  // A kind with a window class of its own is known by the class, a subclassed one by its class
+  // procedure, the others by the mark made at creation.
+  char windowClass[64] = "";
   GetClassNameA(AsWindow(control), windowClass, sizeof windowClass);
-  if (lstrcmpiA(windowClass, kMaterialButtonClass) == 0) return kControlMaterialButton;
-  // A value kind is known by its class procedure; the others by the mark made at creation.
-  const WNDPROC procedure =
-      reinterpret_cast<WNDPROC>(GetWindowLongPtrA(AsWindow(control), GWLP_WNDPROC));
-  for (const KindClass& k : kKindProcedures)
-    if (k.procedure == procedure) return k.kind;
+  const void* procedure =
+      reinterpret_cast<const void*>(GetWindowLongPtrA(AsWindow(control), GWLP_WNDPROC));
+  if (const DialogBehaviour* behaviour = DialogInstalledBehaviour()) {
+    for (int32_t i = 0; i < behaviour->kindCount; ++i) {
+      const ControlKindProcs& row = behaviour->kinds[i];
+      if ((row.windowClass && lstrcmpiA(windowClass, row.windowClass) == 0) ||
+          (row.procedure && row.procedure == procedure))
+        return row.kind;
+    }
+  }
   const intptr_t mark = reinterpret_cast<intptr_t>(GetPropA(AsWindow(control), kKindProp));
   return mark > 0 ? static_cast<ControlKind>(mark - 1) : kControlOther;
 }
@@ -541,10 +349,6 @@ void DialogPickerClick(WindowHandle picker, int x, int y) {
     DispatchMessageA(&message);
 }
 
-int DialogPickerValue(WindowHandle picker, int32_t* value) {
-  return PickerValue(picker, value);
-}
-
 int DialogWriteLine(WindowHandle control, void* file) {
   return control ? static_cast<int>(SendMessageA(AsWindow(control), kMessageWriteLine, 0,
                                                  reinterpret_cast<LPARAM>(file)))
@@ -565,15 +369,25 @@ void DialogNotify(WindowHandle dialog, int32_t id, int32_t notification) {
 }
 
 int DialogPaintItem(WindowHandle dialog, const DRAWITEMSTRUCT* item) {
-  if (!dialog || !item || DialogControlKind(AsHandle(item->hwndItem)) != kControlColourButton)
-    return 0;
-  PaintColourButton(AsWindow(dialog), item);
-  return 1;
+  if (!dialog || !item) return 0;
+  const ControlKindProcs* row = DialogKindProcs(DialogControlKind(AsHandle(item->hwndItem)));
+  return row && row->drawItem ? row->drawItem(dialog, item) : 0;
+}
+
+LRESULT DialogCallBase(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  WNDPROC base = reinterpret_cast<WNDPROC>(GetPropA(window, kBaseProcProp));
+  const LRESULT result = base ? CallWindowProcA(base, window, message, wParam, lParam)
+                              : DefWindowProcA(window, message, wParam, lParam);
+  if (message == WM_NCDESTROY) {
+    RemovePropA(window, kBaseProcProp);
+    RemovePropA(window, kKindProp);
+  }
+  return result;
 }
 
 void SetUpDownRange(HWND updown, const char* text) {
   int min = 0, max = 0, initial = 0;
   if (!updown || std::sscanf(text, "%d,%d,%d", &min, &max, &initial) != 3) return;
-  SendMessageA(updown, UDM_SETRANGE32, static_cast<WPARAM>(min), static_cast<LPARAM>(max));
-  SendMessageA(updown, UDM_SETPOS32, 0, static_cast<LPARAM>(initial));
+  SendMessageA(updown, UDM_SETRANGE, 0, MAKELPARAM(max, min));
+  SendMessageA(updown, UDM_SETPOS, 0, MAKELPARAM(initial, 0));
 }

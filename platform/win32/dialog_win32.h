@@ -11,6 +11,10 @@
 // record. 0 when the control is not one the port paints.
 int DialogPaintItem(WindowHandle dialog, const DRAWITEMSTRUCT* drawItem);
 
-// Gives an updown the range and position of its text, "min,max,initial"; other text changes
-// nothing.
+// What a kind's class procedure passes on: the procedure of the standard class the control was
+// subclassed from. It also drops the port's marks when the window goes (WM_NCDESTROY).
+LRESULT DialogCallBase(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+
+// Gives an updown the range and position of its text, "min,max,initial", with the 16-bit range
+// and position messages (max in the low word, min in the high); other text changes nothing.
 void SetUpDownRange(HWND updown, const char* text);

@@ -92,11 +92,10 @@ uint64_t DrawingText(DrawRequest* r) {
   GpFontFamily* family = nullptr;
   GdipCreateFontFamilyFromName(buffer, nullptr, &family);
   GpFont* font = nullptr;
-  if (r->logFont) {
-    GdipCreateFontFromLogfontA(dc, static_cast<LOGFONTA*>(r->logFont), &font);
-  } else {
-    GdipCreateFontFromDC(dc, &font);
-  }
+  if (r->logFont) GdipCreateFontFromLogfontA(dc, static_cast<LOGFONTA*>(r->logFont), &font);
+  // A face GDI+ can't find by its description is taken from the font selected into the context,
+  // so that measuring and drawing still share one face.
+  if (!font) GdipCreateFontFromDC(dc, &font);
   GpGraphics* graphics = nullptr;
   GdipCreateFromHDC(dc, &graphics);
   const INT length = Widen(r->text, buffer);
@@ -106,10 +105,15 @@ uint64_t DrawingText(DrawRequest* r) {
   switch (r->textMode) {
     case 0:
       if (r->text && static_cast<uint8_t>(r->text[0]) > 32) {
-        WCHAR space[2] = {L' ', 0};
-        int32_t spaceWidth = 0, spaceHeight = 0;
-        Measure(graphics, space, 1, font, &spaceWidth, &spaceHeight);
-        r->measuredWidth -= spaceWidth;
+        // The lone space's measure is the string padding. GDI+ leaves trailing spaces out of a
+        // measure, so one and two spaces measure alike and twice the one less the two is that
+        // measure; Wine's GDI+ counts them, and the same difference still leaves the padding
+        // alone, so that the advance keeps its width there too.
+        WCHAR spaces[3] = {L' ', L' ', 0};
+        int32_t one = 0, two = 0, height = 0;
+        Measure(graphics, spaces, 1, font, &one, &height);
+        Measure(graphics, spaces, 2, font, &two, &height);
+        r->measuredWidth -= 2 * one - two;
       }
       result = 1;
       break;

@@ -1,5 +1,6 @@
 // The layout font on Windows: a GDI font selected into a context of the dialog (or the screen) in
-// MM_TEXT, and its LOGFONTA read back for GDI+. A missing face is GDI's to substitute.
+// MM_TEXT, and its LOGFONTA read back for GDI+. A missing face is GDI's to substitute, and the
+// description names the face GDI chose, so that GDI+ measures and draws with that same face.
 #include <windows.h>
 
 #include <cstring>
@@ -25,6 +26,9 @@ int CreateLayoutFont(WindowHandle window, const char* faceName, int32_t cellHeig
     return 0;
   }
   font->previousFont = SelectObject(dc, created);
+  // GetObjectA answers the face that was asked for; the selected font knows the one in use.
+  char face[LF_FACESIZE] = "";
+  if (GetTextFaceA(dc, sizeof face, face) > 0) lstrcpynA(logFont->lfFaceName, face, LF_FACESIZE);
   font->deviceContext = dc;
   font->logFont = logFont;
   font->font = created;

@@ -5,8 +5,6 @@
 #include <commctrl.h>
 
 
-#include "materials/material_button.h"
-#include "materials/material_button_win32.h"
 #include "platform/dialog.h"
 #include "platform/win32/code_module_win32.h"
 #include "platform/win32/dialog_win32.h"
@@ -67,10 +65,10 @@ INT_PTR CALLBACK ClonePageProc(HWND page, UINT message, WPARAM, LPARAM lParam) {
 int DialogClonePage(WindowHandle dialog, int32_t resourceId) {
   HWND target = reinterpret_cast<HWND>(dialog);
   if (!target) return 0;
-  // The pages hold updowns and material buttons: their classes must exist before the page does.
+  // The pages hold updowns: their class must exist before the page does. Classes of the control
+  // kinds' own are registered with the kinds.
   INITCOMMONCONTROLSEX controls = {sizeof controls, ICC_UPDOWN_CLASS};
   InitCommonControlsEx(&controls);
-  RegisterMaterialButtonClass();
   CloneState state = {nullptr, target,
                       reinterpret_cast<HFONT>(SendMessageA(target, WM_GETFONT, 0, 0)), 0};
   HWND page = CreateDialogParamA(CodeModule(), MAKEINTRESOURCEA(resourceId), target, ClonePageProc,
@@ -79,11 +77,4 @@ int DialogClonePage(WindowHandle dialog, int32_t resourceId) {
   ShowWindow(page, SW_HIDE);
   DestroyWindow(page);
   return state.failures == 0;
-}
-
-int DialogCreateMaterial(WindowHandle button, uint32_t creationColour) {
-  HWND window = reinterpret_cast<HWND>(button);
-  if (!window) return 0;
-  SendMessageA(window, kMessageMaterialCreate, 0, static_cast<LPARAM>(creationColour));
-  return ButtonMaterialHandle(button) != nullptr;
 }

@@ -70,7 +70,7 @@ TEST(DispatchDraw, UnknownOperationsReturnZeroAndTouchNothing) {
   EXPECT_EQ(DispatchDraw(nullptr), 0u);
 }
 
-TEST(DispatchDraw, MeasuringSubtractsOneSpaceFromPrintableFirstBytes) {
+TEST(DispatchDraw, MeasuringSubtractsThePaddingFromPrintableFirstBytes) {
   LayoutFont font;
   ASSERT_EQ(CreateLayoutFont(nullptr, kTestFace, 40, 0, 0, &font), 1);
   DrawRequest space = TextRequest(font, " ", kTextMeasure);
@@ -83,8 +83,13 @@ TEST(DispatchDraw, MeasuringSubtractsOneSpaceFromPrintableFirstBytes) {
   const PictureValues picture = Draw(&drawn);
   EXPECT_GT(space.measuredWidth, 0);
   EXPECT_GT(letter.measuredWidth, space.measuredWidth);
-  // Drawing does not subtract: its picture is the full measured box.
-  EXPECT_EQ(drawn.measuredWidth, letter.measuredWidth + space.measuredWidth);
+  // Drawing does not subtract: its picture is the full measured box, the padding included. The
+  // padding is what a lone space measures beyond the space's own share in two spaces (the lone
+  // space's whole measure where trailing spaces are left out of it).
+  DrawRequest spaces = TextRequest(font, "  ", kTextMeasure);
+  EXPECT_EQ(DispatchDraw(&spaces), 1u);
+  EXPECT_EQ(drawn.measuredWidth,
+            letter.measuredWidth + 2 * space.measuredWidth - spaces.measuredWidth);
   EXPECT_EQ(picture.width, drawn.measuredWidth);
   EXPECT_EQ(picture.height, drawn.measuredHeight);
   EXPECT_EQ(picture.bits, 24);

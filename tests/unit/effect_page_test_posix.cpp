@@ -7,6 +7,7 @@
 #include <sstream>
 #include <string>
 
+#include "controls/page_setup.h"
 #include "controls/page_layout.h"
 #include "documents/settings.h"
 #include "platform/posix/headless_dialog.h"
@@ -48,8 +49,11 @@ TEST(EffectPage, CommittedResourceScriptFollowsTheTables) {
 
 TEST(EffectPage, InitMakesEveryPageHiddenWithItsSettings) {
   MovePageSettingsFromDefaults();
+  InstallControlKinds();
   WindowHandle dialog = DialogCreate();
-  ASSERT_EQ(InitEffectPages(dialog), 1);
+  WindowHandle box = DialogAddControl(dialog, 58, kControlComboList, "");
+  ASSERT_EQ(InitEffectPages(dialog, box), 1);
+  ASSERT_EQ(DialogRowCount(box), kEffectCount);
   EXPECT_TRUE(PageTwinsMatchTables(dialog));
   EXPECT_TRUE(EachRowShowsOnlyItsPage(dialog));
   DialogDestroy(dialog);
@@ -57,10 +61,26 @@ TEST(EffectPage, InitMakesEveryPageHiddenWithItsSettings) {
 }
 
 TEST(EffectPage, InitFailsWithoutItsPageOrMemory) {
+  InstallControlKinds();
   WindowHandle dialog = DialogCreate();
   EXPECT_EQ(DialogClonePage(dialog, kEffectPageBase + kEffectCount), 0);
   EXPECT_EQ(InitEffectPage(dialog, kEffectCount), 0);
   EXPECT_EQ(DialogClonePage(nullptr, kEffectPageBase), 0);
+  DialogDestroy(dialog);
+  // Each row is named just before its page is made: a page that fails leaves the rows after it
+  // unnamed, and the last name is the failing row's.
+  dialog = DialogCreate();
+  WindowHandle box = DialogAddControl(dialog, 58, kControlComboList, "");
+  MovableFailAllocation(1);
+  EXPECT_EQ(InitEffectPages(dialog, box), 0);
+  MovableFailAllocation(0);
+  const int named = DialogRowCount(box);
+  EXPECT_GE(named, 1);
+  EXPECT_LT(named, kEffectCount);
+  char last[64] = "";
+  DialogSetSelection(box, named - 1);
+  DialogGetText(box, last, sizeof last);
+  EXPECT_STREQ(last, EffectTable[named - 1].name);
   DialogDestroy(dialog);
   // Simple has material buttons and pickers, Arrows five colour buttons and its cross of checks.
   for (int32_t style : {0, 7})

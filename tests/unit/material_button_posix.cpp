@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 
+#include "controls/page_setup.h"
 #include "materials/material_button.h"
 
 TEST(MaterialButton, EffectsFindTheRecordThroughTheButton) {
+  InstallControlKinds();
   WindowHandle dialog = DialogCreate();
   WindowHandle fill = DialogAddControl(dialog, 100, kControlMaterialButton, "Fill");
   DialogSetUserData(fill, CreateButtonMaterial(0xBD7E40));

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "controls/page_layout.h"
 #include "controls/page_setup.h"
 #include "documents/settings.h"
 #include "shell/effect_table.h"
@@ -48,3 +49,45 @@ TEST(PageTables, EveryKeyOfATableIsASettingOfTheRightForm) {
   for (const PageTable& page : kPageTables) check(page);
 }
 
+
+// A colour's enable check (the "Enable" check that follows it in the table) stands on the colour's
+// row, to its right and clear of it, on the pages wide enough for it (Snow and Arrows among
+// them); elsewhere it stands under its colour. No two windows of a page overlap either way.
+TEST(PageLayout, EnableChecksStandBesideTheirColours) {
+  PagePlacement placed[kPageMaxPlacements];
+  for (const PageTable& page : kPageTables) {
+    SCOPED_TRACE(page.style);
+    const int32_t n = LayoutPage(page, placed, kPageMaxPlacements);
+    ASSERT_GT(n, 0);
+    auto find = [&](int32_t id) -> const PagePlacement* {
+      for (int32_t i = 0; i < n; ++i)
+        if (placed[i].id == id && placed[i].kind != kControlLabel) return &placed[i];
+      return nullptr;
+    };
+    int beside = 0, checks = 0;
+    for (int32_t i = 0; i + 1 < page.count; ++i) {
+      const PageControl& colour = page.controls[i];
+      const PageControl& check = page.controls[i + 1];
+      if (colour.kind != kControlColourButton || check.kind != kControlCheckBox ||
+          std::string(check.caption) != "Enable")
+        continue;
+      const PagePlacement* c = find(colour.id);
+      const PagePlacement* k = find(check.id);
+      ASSERT_TRUE(c && k) << check.id;
+      ++checks;
+      const bool sameRow = k->y >= c->y && k->y + k->cy <= c->y + c->cy && k->x >= c->x + c->cx;
+      const bool under = k->y >= c->y + c->cy && k->y - (c->y + c->cy) <= 4 && k->x < c->x + c->cx;
+      EXPECT_TRUE(sameRow || under) << check.id;
+      beside += sameRow;
+    }
+    if (page.style == 2 || page.style == 7) EXPECT_EQ(beside, 4);
+    if (checks) EXPECT_TRUE(beside == 0 || beside == checks);
+    for (int32_t a = 0; a < n; ++a)
+      for (int32_t b = a + 1; b < n; ++b) {
+        const PagePlacement &p = placed[a], &q = placed[b];
+        const bool overlap = p.x < q.x + q.cx && q.x < p.x + p.cx && p.y < q.y + q.cy &&
+                             q.y < p.y + p.cy;
+        EXPECT_FALSE(overlap) << p.id << " " << q.id;
+      }
+  }
+}

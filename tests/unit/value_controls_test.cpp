@@ -182,6 +182,7 @@ TEST_F(ValueControls, LinesOfEachKind) {
 
 // Kinds that no table uses yet, and a control of a resource that takes its kind later.
 TEST(ValueControlKinds, SignedSpinListBoxHvPickerAndLateKindsKeepTheirValues) {
+  InstallControlKinds();
   WindowHandle dialog = DialogCreate();
   ASSERT_NE(dialog, nullptr);
   WindowHandle spin = DialogAddControl(dialog, 700, kControlSignedSpinEdit, "");

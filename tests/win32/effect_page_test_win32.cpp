@@ -9,6 +9,7 @@
 #include <set>
 #include <vector>
 
+#include "controls/page_setup.h"
 #include "controls/direction_picker.h"
 #include "controls/page_layout.h"
 #include "controls/value_controls.h"
@@ -79,6 +80,7 @@ TEST(EffectPage, ResourcesMatchTheirTables) {
   RegisterStandIns();
   HMODULE plugin = LoadLibraryExA(GM5_PLUGIN_PATH, nullptr, LOAD_LIBRARY_AS_DATAFILE);
   ASSERT_NE(plugin, nullptr);
+  InstallControlKinds();
   WindowHandle host = DialogCreate();  // pages are child windows
   for (int32_t row = 0; row < kEffectCount; ++row) {
     const PageTable& page = kPageTables[EffectStyle[row]];
@@ -135,6 +137,7 @@ TEST(EffectPage, InitClonesEveryPageIntoTheDialog) {
   MovePageSettingsFromDefaults();
   // Material buttons read and write their files in the settings folder: start from none.
   SetSettingsFolder(MakeTempFolder("gm5-effect-pages").c_str());
+  InstallControlKinds();
   WindowHandle dialog = DialogCreate();
   ASSERT_EQ(InitEffectPages(dialog), 1);
   EXPECT_TRUE(PageTwinsMatchTables(dialog));

@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include "controls/page_setup.h"
 #include "controls/value_controls.h"
 #include "documents/settings.h"
 #include "materials/material_button.h"
@@ -89,6 +90,7 @@ class MaterialButtonWin32 : public testing::Test {
   void SetUp() override {
     SetSettingsFolder(MakeTempFolder("gm5-material-button").c_str());
     live_ = MovableLiveCount();
+    InstallControlKinds();
     dialog_ = DialogCreate();
     g_dialogProc = reinterpret_cast<WNDPROC>(SetWindowLongPtrA(
         W(dialog_), GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(RecordingDialogProc)));
