@@ -178,6 +178,68 @@ const FilterEntry kFilters[kFilterRows] = {
     {MitchellKernel, 2.0},    {LanczosKernel, 3.0},  {BlackmanBesselKernel, 3.2383000850677490},
     {BlackmanSincKernel, 4.0}};
 
+namespace {
+
+// Same-valued pixels ahead: run[x] is the first column at or after x whose pixel differs from
+// pixel x (or the width). A contribution window lying inside one run gives that pixel back: the
+// weights sum to 1 within a few units in the last place, far inside the rounding margin.
+void MarkRuns(const uint8_t* in, int32_t width, int32_t bpp, int32_t* run) {
+  if (width <= 0) return;
+  run[width - 1] = width;
+  for (int32_t x = width - 2; x >= 0; --x) {
+    const uint8_t* a = in + static_cast<size_t>(x) * bpp;
+    run[x] = std::memcmp(a, a + bpp, bpp) == 0 ? run[x + 1] : x + 1;
+  }
+}
+
+// One target pixel of a row: each channel summed over the window in ascending source order.
+// Other pixel widths go a channel at a time.
+template <int kBpp>
+inline void FilterPixel(const uint8_t* in, const Contribution* list, int32_t n, int32_t bpp,
+                        uint8_t* out) {
+  if constexpr (kBpp == 0) {
+    for (int32_t k = 0; k < bpp; ++k) {
+      double sum = 0.0;
+      for (int32_t i = 0; i < n; ++i)
+        sum += list[i].weight * in[static_cast<size_t>(list[i].pixel) * bpp + k];
+      out[k] = RoundChannel(sum);
+    }
+  } else {
+    double sum[kBpp] = {};
+    for (int32_t i = 0; i < n; ++i) {
+      const uint8_t* p = in + static_cast<size_t>(list[i].pixel) * kBpp;
+      const double w = list[i].weight;
+      for (int k = 0; k < kBpp; ++k) sum[k] += w * p[k];
+    }
+    for (int k = 0; k < kBpp; ++k) out[k] = RoundChannel(sum[k]);
+  }
+}
+
+// Rows of one width-changing pass; the contribution lists of all target columns are ready, column
+// x's `count[x]` entries at list + x * capacity. kBpp 0 takes the pixel width from the picture.
+template <int kBpp>
+void FilterRows(const Plane& s, const Plane& t, const Contribution* lists, const int32_t* count,
+                int32_t capacity, int32_t* run) {
+  const int32_t bpp = kBpp ? kBpp : s.bytesPerPixel;
+  for (int32_t y = 0; y < t.view.height; ++y) {
+    const uint8_t* in = DibRow(s.view, y);
+    uint8_t* out = DibRow(t.view, y);
+    MarkRuns(in, s.view.width, bpp, run);
+    for (int32_t x = 0; x < t.view.width; ++x) {
+      const Contribution* list = lists + static_cast<size_t>(x) * capacity;
+      const int32_t n = count[x];
+      uint8_t* o = out + static_cast<size_t>(x) * bpp;
+      if (n > 0 && run[list[0].pixel] >= list[0].pixel + n) {
+        std::memcpy(o, in + static_cast<size_t>(list[0].pixel) * bpp, bpp);
+        continue;
+      }
+      FilterPixel<kBpp>(in, list, n, bpp, o);
+    }
+  }
+}
+
+}  // namespace
+
 int ResampleAcross(void* source, void* target, double factor, const FilterEntry& filter,
                    double blur, Contribution* contributions, int32_t capacity) {
   Plane s, t;
@@ -185,22 +247,31 @@ int ResampleAcross(void* source, void* target, double factor, const FilterEntry&
   double scale, support;
   if (!PassSupport(factor, filter, blur, &scale, &support)) return 0;
   const int32_t bpp = s.bytesPerPixel;
+  // Every target column's list, worked out once for all rows.
+  const size_t tw = static_cast<size_t>(std::max(t.view.width, 0));
+  const size_t listBytes = tw * static_cast<size_t>(capacity) * sizeof(Contribution);
+  const size_t countBytes = tw * sizeof(int32_t);
+  const size_t runBytes = static_cast<size_t>(std::max(s.view.width, 0)) * sizeof(int32_t);
+  ScopedBlock room(MovableAlloc(listBytes + countBytes + runBytes + 1));
+  ScopedLock roomLock(room.handle);
+  if (!roomLock) return 0;
+  Contribution* lists = reinterpret_cast<Contribution*>(roomLock.bytes);
+  int32_t* count = reinterpret_cast<int32_t*>(roomLock.bytes + listBytes);
+  int32_t* run = count + tw;
   for (int32_t x = 0; x < t.view.width; ++x) {
-    const int32_t n =
-        Contributions(x, factor, scale, support, s.view.width, filter, contributions, capacity);
-    if (n < 0) return 0;
-    for (int32_t y = 0; y < t.view.height; ++y) {
-      const uint8_t* in = DibRow(s.view, y);
-      uint8_t* out = DibRow(t.view, y) + static_cast<size_t>(x) * bpp;
-      for (int32_t k = 0; k < bpp; ++k) {
-        double sum = 0.0;
-        for (int32_t i = 0; i < n; ++i)
-          sum +=
-              contributions[i].weight * in[static_cast<size_t>(contributions[i].pixel) * bpp + k];
-        out[k] = RoundChannel(sum);
-      }
-    }
+    count[x] = Contributions(x, factor, scale, support, s.view.width, filter,
+                             lists + static_cast<size_t>(x) * capacity, capacity);
+    if (count[x] < 0) return 0;
   }
+  (void)contributions;  // the lists above take its place
+  if (bpp == 1)
+    FilterRows<1>(s, t, lists, count, capacity, run);
+  else if (bpp == 3)
+    FilterRows<3>(s, t, lists, count, capacity, run);
+  else if (bpp == 4)
+    FilterRows<4>(s, t, lists, count, capacity, run);
+  else
+    FilterRows<0>(s, t, lists, count, capacity, run);
   return 1;
 }
 
@@ -211,16 +282,34 @@ int ResampleDown(void* source, void* target, double factor, const FilterEntry& f
   double scale, support;
   if (!PassSupport(factor, filter, blur, &scale, &support)) return 0;
   const size_t rowBytes = static_cast<size_t>(s.view.width) * s.bytesPerPixel;
+  // The row is summed a stretch of bytes at a time, each byte's terms still in source order.
+  constexpr size_t kChunk = 512;
+  double sum[kChunk];
   for (int32_t y = 0; y < t.view.height; ++y) {
     const int32_t n =
         Contributions(y, factor, scale, support, s.view.height, filter, contributions, capacity);
     if (n < 0) return 0;
     uint8_t* out = TopRow(t.view, y);
-    for (size_t b = 0; b < rowBytes; ++b) {
-      double sum = 0.0;
-      for (int32_t i = 0; i < n; ++i)
-        sum += contributions[i].weight * TopRow(s.view, contributions[i].pixel)[b];
-      out[b] = RoundChannel(sum);
+    for (size_t b0 = 0; b0 < rowBytes; b0 += kChunk) {
+      const size_t m = std::min(kChunk, rowBytes - b0);
+      // Where every row of the window holds the same bytes, the window gives them back.
+      if (n > 0) {
+        const uint8_t* first = TopRow(s.view, contributions[0].pixel) + b0;
+        int32_t i = 1;
+        while (i < n && std::memcmp(TopRow(s.view, contributions[i].pixel) + b0, first, m) == 0)
+          ++i;
+        if (i == n) {
+          std::memcpy(out + b0, first, m);
+          continue;
+        }
+      }
+      for (size_t b = 0; b < m; ++b) sum[b] = 0.0;
+      for (int32_t i = 0; i < n; ++i) {
+        const double w = contributions[i].weight;
+        const uint8_t* in = TopRow(s.view, contributions[i].pixel) + b0;
+        for (size_t b = 0; b < m; ++b) sum[b] += w * in[b];
+      }
+      for (size_t b = 0; b < m; ++b) out[b0 + b] = RoundChannel(sum[b]);
     }
   }
   return 1;
