@@ -215,19 +215,19 @@ inline void FilterPixel(const uint8_t* in, const Contribution* list, int32_t n, 
   }
 }
 
-// Rows of one width-changing pass; the contribution lists of all target columns are ready, column
-// x's `count[x]` entries at list + x * capacity. kBpp 0 takes the pixel width from the picture.
+// Target columns [first, last) of every row of a width-changing pass; their contribution lists
+// are ready, column x's `count[x - first]` entries at lists + (x - first) * capacity. kBpp 0 takes the pixel width from the picture.
 template <int kBpp>
-void FilterRows(const Plane& s, const Plane& t, const Contribution* lists, const int32_t* count,
-                int32_t capacity, int32_t* run) {
+void FilterRows(const Plane& s, const Plane& t, int32_t first, int32_t last,
+                const Contribution* lists, const int32_t* count, int32_t capacity, int32_t* run) {
   const int32_t bpp = kBpp ? kBpp : s.bytesPerPixel;
   for (int32_t y = 0; y < t.view.height; ++y) {
     const uint8_t* in = DibRow(s.view, y);
     uint8_t* out = DibRow(t.view, y);
     MarkRuns(in, s.view.width, bpp, run);
-    for (int32_t x = 0; x < t.view.width; ++x) {
-      const Contribution* list = lists + static_cast<size_t>(x) * capacity;
-      const int32_t n = count[x];
+    for (int32_t x = first; x < last; ++x) {
+      const Contribution* list = lists + static_cast<size_t>(x - first) * capacity;
+      const int32_t n = count[x - first];
       uint8_t* o = out + static_cast<size_t>(x) * bpp;
       if (n > 0 && run[list[0].pixel] >= list[0].pixel + n) {
         std::memcpy(o, in + static_cast<size_t>(list[0].pixel) * bpp, bpp);
@@ -240,49 +240,59 @@ void FilterRows(const Plane& s, const Plane& t, const Contribution* lists, const
 
 }  // namespace
 
-int ResampleAcross(void* source, void* target, double factor, const FilterEntry& filter,
-                   double blur, Contribution* contributions, int32_t capacity) {
+namespace {
+
+// Target columns [first, last) of a width-changing pass.
+int AcrossColumns(void* source, void* target, double factor, const FilterEntry& filter,
+                  double blur, int32_t first, int32_t last, int32_t capacity) {
   Plane s, t;
   if (!OpenPair(source, target, &s, &t) || s.view.height != t.view.height) return 0;
   double scale, support;
   if (!PassSupport(factor, filter, blur, &scale, &support)) return 0;
+  first = std::max(first, 0);
+  last = std::min(last, t.view.width);
+  if (first >= last) return 1;
   const int32_t bpp = s.bytesPerPixel;
   // Every target column's list, worked out once for all rows.
-  const size_t tw = static_cast<size_t>(std::max(t.view.width, 0));
-  const size_t listBytes = tw * static_cast<size_t>(capacity) * sizeof(Contribution);
-  const size_t countBytes = tw * sizeof(int32_t);
-  const size_t runBytes = static_cast<size_t>(std::max(s.view.width, 0)) * sizeof(int32_t);
-  ScopedBlock room(MovableAlloc(listBytes + countBytes + runBytes + 1));
+  const size_t columns = static_cast<size_t>(last - first);
+  const size_t listBytes = columns * static_cast<size_t>(capacity) * sizeof(Contribution);
+  const size_t countBytes = columns * sizeof(int32_t);
+  const size_t runBytes = static_cast<size_t>(s.view.width) * sizeof(int32_t);
+  ScopedBlock room(MovableAlloc(listBytes + countBytes + runBytes));
   ScopedLock roomLock(room.handle);
   if (!roomLock) return 0;
   Contribution* lists = reinterpret_cast<Contribution*>(roomLock.bytes);
   int32_t* count = reinterpret_cast<int32_t*>(roomLock.bytes + listBytes);
-  int32_t* run = count + tw;
-  for (int32_t x = 0; x < t.view.width; ++x) {
-    count[x] = Contributions(x, factor, scale, support, s.view.width, filter,
-                             lists + static_cast<size_t>(x) * capacity, capacity);
-    if (count[x] < 0) return 0;
+  int32_t* run = count + columns;
+  for (size_t c = 0; c < columns; ++c) {
+    count[c] = Contributions(first + static_cast<int32_t>(c), factor, scale, support,
+                             s.view.width, filter, lists + c * capacity, capacity);
+    if (count[c] < 0) return 0;
   }
-  (void)contributions;  // the lists above take its place
   if (bpp == 1)
-    FilterRows<1>(s, t, lists, count, capacity, run);
+    FilterRows<1>(s, t, first, last, lists, count, capacity, run);
   else if (bpp == 3)
-    FilterRows<3>(s, t, lists, count, capacity, run);
+    FilterRows<3>(s, t, first, last, lists, count, capacity, run);
   else if (bpp == 4)
-    FilterRows<4>(s, t, lists, count, capacity, run);
+    FilterRows<4>(s, t, first, last, lists, count, capacity, run);
   else
-    FilterRows<0>(s, t, lists, count, capacity, run);
+    FilterRows<0>(s, t, first, last, lists, count, capacity, run);
   return 1;
 }
 
-int ResampleDown(void* source, void* target, double factor, const FilterEntry& filter, double blur,
-                 Contribution* contributions, int32_t capacity) {
+// Columns [first, last) of a height-changing pass: each target row is summed a stretch of bytes
+// at a time, each byte's terms still in source order.
+int DownColumns(void* source, void* target, double factor, const FilterEntry& filter, double blur,
+                int32_t first, int32_t last, Contribution* contributions, int32_t capacity) {
   Plane s, t;
   if (!OpenPair(source, target, &s, &t) || s.view.width != t.view.width) return 0;
   double scale, support;
   if (!PassSupport(factor, filter, blur, &scale, &support)) return 0;
-  const size_t rowBytes = static_cast<size_t>(s.view.width) * s.bytesPerPixel;
-  // The row is summed a stretch of bytes at a time, each byte's terms still in source order.
+  first = std::max(first, 0);
+  last = std::min(last, s.view.width);
+  if (first >= last) return 1;
+  const size_t begin = static_cast<size_t>(first) * s.bytesPerPixel;
+  const size_t end = static_cast<size_t>(last) * s.bytesPerPixel;
   constexpr size_t kChunk = 512;
   double sum[kChunk];
   for (int32_t y = 0; y < t.view.height; ++y) {
@@ -290,8 +300,8 @@ int ResampleDown(void* source, void* target, double factor, const FilterEntry& f
         Contributions(y, factor, scale, support, s.view.height, filter, contributions, capacity);
     if (n < 0) return 0;
     uint8_t* out = TopRow(t.view, y);
-    for (size_t b0 = 0; b0 < rowBytes; b0 += kChunk) {
-      const size_t m = std::min(kChunk, rowBytes - b0);
+    for (size_t b0 = begin; b0 < end; b0 += kChunk) {
+      const size_t m = std::min(kChunk, end - b0);
       // Where every row of the window holds the same bytes, the window gives them back.
       if (n > 0) {
         const uint8_t* first = TopRow(s.view, contributions[0].pixel) + b0;
@@ -315,6 +325,87 @@ int ResampleDown(void* source, void* target, double factor, const FilterEntry& f
   return 1;
 }
 
+// What a resampling of `sw` by `sh` to `width` by `height` works with.
+struct ResamplePlan {
+  double fx, fy;
+  const FilterEntry* filter;
+  int32_t capacity;
+  bool downFirst;  // the cheaper temporary picture decides the order of the passes
+};
+
+int PlanResample(int32_t sw, int32_t sh, int32_t width, int32_t height, double blur,
+                 ResamplePlan* plan) {
+  plan->fx = std::max(static_cast<double>(width) / sw, 0.0001);
+  plan->fy = std::max(static_cast<double>(height) / sh, 0.0001);
+  // Mitchell for enlargement by area, Lanczos for reduction and equal size.
+  plan->filter = &kFilters[plan->fx * plan->fy > 1.0 ? kFilterMitchell : kFilterLanczos];
+  const double s0 = plan->filter->support;
+  double room = std::max({s0, blur * s0 * std::max(1.0 / plan->fx, 1.0),
+                          blur * s0 * std::max(1.0 / plan->fy, 1.0)});
+  room = std::max(room, 0.5);
+  const double slots = 2.0 * room + 3.0;
+  if (!(slots < 0x10000000)) return 0;  // a blur beyond reason, or not a number
+  plan->capacity = static_cast<int32_t>(slots);
+  plan->downFirst = (int64_t{sh} + height) * width <= (int64_t{sw} + width) * height;
+  return 1;
+}
+
+// Target columns [first, last) of the resampling of `source` to `target` along `plan`, through
+// `temp`, the plan's temporary picture.
+int ResampleRegion(void* source, void* temp, void* target, const ResamplePlan& plan, double blur,
+                   int32_t first, int32_t last, Contribution* contributions) {
+  const FilterEntry& filter = *plan.filter;
+  if (!plan.downFirst)
+    return AcrossColumns(source, temp, plan.fx, filter, blur, first, last, plan.capacity) &&
+           DownColumns(temp, target, plan.fy, filter, blur, first, last, contributions,
+                       plan.capacity);
+  // The source columns the target columns' windows reach.
+  const int32_t sw = reinterpret_cast<const BitmapInfoHeader*>(source)->biWidth;
+  double scale, support;
+  if (!PassSupport(plan.fx, filter, blur, &scale, &support)) return 0;
+  const int32_t n0 = Contributions(first, plan.fx, scale, support, sw, filter, contributions,
+                                   plan.capacity);
+  const int32_t from = n0 > 0 ? contributions[0].pixel : 0;
+  const int32_t n1 = Contributions(last - 1, plan.fx, scale, support, sw, filter, contributions,
+                                   plan.capacity);
+  const int32_t to = n1 > 0 ? contributions[n1 - 1].pixel + 1 : sw;
+  if (n0 < 0 || n1 < 0) return 0;
+  return DownColumns(source, temp, plan.fy, filter, blur, from, to, contributions,
+                     plan.capacity) &&
+         AcrossColumns(temp, target, plan.fx, filter, blur, first, last, plan.capacity);
+}
+
+// Runs `plan` from the locked `source` into the locked `target` for columns [first, last).
+int RunPlan(void* source, void* target, const ResamplePlan& plan, int32_t first, int32_t last,
+            const uint8_t* palette) {
+  const BitmapInfoHeader* hs = static_cast<const BitmapInfoHeader*>(source);
+  const BitmapInfoHeader* ht = static_cast<const BitmapInfoHeader*>(target);
+  const int32_t depth = hs->biBitCount;
+  ScopedBlock list(MovableAlloc(sizeof(Contribution) * static_cast<size_t>(plan.capacity)));
+  ScopedLock listLock(list.handle);
+  ScopedBlock temp(plan.downFirst ? CreatePackedDib(hs->biWidth, ht->biHeight, palette, depth)
+                                  : CreatePackedDib(ht->biWidth, hs->biHeight, palette, depth));
+  ScopedLock tempLock(temp.handle);
+  if (!listLock || !tempLock) return 0;
+  return ResampleRegion(source, tempLock.bytes, target, plan, 1.0, first, last,
+                        reinterpret_cast<Contribution*>(listLock.bytes));
+}
+
+}  // namespace
+
+int ResampleAcross(void* source, void* target, double factor, const FilterEntry& filter,
+                   double blur, Contribution* contributions, int32_t capacity) {
+  (void)contributions;  // each column's list is kept for all rows instead
+  const int32_t width = static_cast<const BitmapInfoHeader*>(target)->biWidth;
+  return AcrossColumns(source, target, factor, filter, blur, 0, width, capacity);
+}
+
+int ResampleDown(void* source, void* target, double factor, const FilterEntry& filter, double blur,
+                 Contribution* contributions, int32_t capacity) {
+  const int32_t width = static_cast<const BitmapInfoHeader*>(source)->biWidth;
+  return DownColumns(source, target, factor, filter, blur, 0, width, contributions, capacity);
+}
+
 MovableHandle ResampleImage(MovableHandle image, int32_t width, int32_t height, int32_t unused,
                             double blur) {
   ScopedLock source(image);
@@ -332,39 +423,56 @@ MovableHandle ResampleImage(MovableHandle image, int32_t width, int32_t height, 
   }
   if (width == 0 || height == 0) return target.Release();
 
-  const double fx = std::max(static_cast<double>(width) / sw, 0.0001);
-  const double fy = std::max(static_cast<double>(height) / sh, 0.0001);
-  // Mitchell for enlargement by area, Lanczos for reduction and equal size.
-  const FilterEntry& filter = kFilters[fx * fy > 1.0 ? kFilterMitchell : kFilterLanczos];
-  const double s0 = filter.support;
-  double room =
-      std::max({s0, blur * s0 * std::max(1.0 / fx, 1.0), blur * s0 * std::max(1.0 / fy, 1.0)});
-  room = std::max(room, 0.5);
-  const double slots = 2.0 * room + 3.0;
-  if (!(slots < 0x10000000)) return nullptr;  // a blur beyond reason, or not a number
-  const int32_t capacity = static_cast<int32_t>(slots);
-  ScopedBlock list(MovableAlloc(sizeof(Contribution) * static_cast<size_t>(capacity)));
+  ResamplePlan plan;
+  if (!PlanResample(sw, sh, width, height, blur, &plan)) return nullptr;
+  ScopedBlock list(MovableAlloc(sizeof(Contribution) * static_cast<size_t>(plan.capacity)));
   ScopedLock listLock(list.handle);
   if (!listLock) return nullptr;
   Contribution* contributions = reinterpret_cast<Contribution*>(listLock.bytes);
-
-  // The cheaper temporary picture decides the order of the passes.
-  const bool downFirst = (int64_t{sh} + height) * width <= (int64_t{sw} + width) * height;
-  ScopedBlock temp(downFirst ? CreatePackedDib(sw, height, hasTable ? palette : nullptr, depth)
-                             : CreatePackedDib(width, sh, hasTable ? palette : nullptr, depth));
+  ScopedBlock temp(plan.downFirst
+                       ? CreatePackedDib(sw, height, hasTable ? palette : nullptr, depth)
+                       : CreatePackedDib(width, sh, hasTable ? palette : nullptr, depth));
   ScopedLock tempLock(temp.handle);
   ScopedLock targetLock(target.handle);
   if (!tempLock || !targetLock) return nullptr;
   int ok;
-  if (downFirst)
-    ok =
-        ResampleDown(source.bytes, tempLock.bytes, fy, filter, blur, contributions, capacity) &&
-        ResampleAcross(tempLock.bytes, targetLock.bytes, fx, filter, blur, contributions, capacity);
+  if (plan.downFirst)
+    ok = ResampleDown(source.bytes, tempLock.bytes, plan.fy, *plan.filter, blur, contributions,
+                      plan.capacity) &&
+         ResampleAcross(tempLock.bytes, targetLock.bytes, plan.fx, *plan.filter, blur,
+                        contributions, plan.capacity);
   else
-    ok = ResampleAcross(source.bytes, tempLock.bytes, fx, filter, blur, contributions, capacity) &&
-         ResampleDown(tempLock.bytes, targetLock.bytes, fy, filter, blur, contributions, capacity);
+    ok = ResampleAcross(source.bytes, tempLock.bytes, plan.fx, *plan.filter, blur, contributions,
+                        plan.capacity) &&
+         ResampleDown(tempLock.bytes, targetLock.bytes, plan.fy, *plan.filter, blur,
+                      contributions, plan.capacity);
   if (!ok) return nullptr;
   return target.Release();
+}
+
+int ResampleColumns(MovableHandle image, MovableHandle target, int32_t first, int32_t last) {
+  ScopedLock source(image), out(target);
+  Plane s, t;
+  if (!source || !out || !OpenPlane(source.bytes, MovableSize(image), &s) ||
+      !OpenPlane(out.bytes, MovableSize(target), &t) || s.view.bitCount != t.view.bitCount)
+    return 0;
+  const int32_t sw = s.view.width, sh = s.view.height, width = t.view.width,
+                height = t.view.height;
+  first = std::max(first, 0);
+  last = std::min(last, width);
+  if (first >= last) return 1;
+  if (width == sw && height == sh) {  // the copy
+    const size_t from = static_cast<size_t>(first) * s.bytesPerPixel;
+    const size_t bytes = static_cast<size_t>(last - first) * s.bytesPerPixel;
+    for (int32_t y = 0; y < height; ++y)
+      std::memcpy(DibRow(t.view, y) + from, DibRow(s.view, y) + from, bytes);
+    return 1;
+  }
+  ResamplePlan plan;
+  uint8_t palette[kPaletteBytes];
+  const bool hasTable = ReadDibPalette(source.bytes, palette) > 0;
+  return PlanResample(sw, sh, width, height, 1.0, &plan) &&
+         RunPlan(source.bytes, out.bytes, plan, first, last, hasTable ? palette : nullptr);
 }
 
 MovableHandle ResampleByPercent(MovableHandle image, double xPercent, double yPercent) {
