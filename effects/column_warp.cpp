@@ -95,40 +95,120 @@ void WriteColumnPixel(const DibView& view, int32_t bpp, int32_t x, int32_t y, ui
   for (int32_t k = 0; k < bpp; ++k) q[k] = static_cast<uint8_t>(word >> (8 * k));
 }
 
-}  // namespace
-
-MovableHandle WarpColumns(MovableHandle image, const float* wave, int32_t length,
-                          int32_t waveHeight) {
-  ScopedBlock big(ResampleByPercent(image, 400.0, 400.0));
-  // Starting from a copy leaves every column the pulse does not touch as it was.
-  ScopedBlock stretched(big.handle ? CopyMovableBlock(big.handle) : nullptr);
-  ScopedLock source(big.handle), target(stretched.handle);
-  if (!source || !target) return nullptr;
-  const BitmapInfoHeader* h = reinterpret_cast<const BitmapInfoHeader*>(source.bytes);
-  // An empty picture has no columns to stretch.
-  if (h->biWidth < 1 || h->biHeight < 1) return ResampleByPercent(stretched.handle, 25.0, 25.0);
-  DibView from, to;
-  if (!OpenDibView(source.bytes, MovableSize(big.handle), &from) ||
-      !OpenDibView(target.bytes, MovableSize(stretched.handle), &to) || from.bitCount < 8)
-    return nullptr;
-  const int32_t width = from.width, height = from.height, bpp = from.bitCount / 8;
+// The columns of `picture` (locked) from `first` on with a positive wave, stretched in place;
+// [*from, *to) receives the range they lie in, empty when there are none. 0 when memory fails.
+int StretchColumns(uint8_t* picture, size_t size, const float* wave, int32_t length,
+                   int32_t waveHeight, int32_t* from, int32_t* to) {
+  *from = *to = 0;
+  const BitmapInfoHeader* h = reinterpret_cast<const BitmapInfoHeader*>(picture);
+  if (h->biWidth < 1 || h->biHeight < 1) return 1;  // no columns to stretch
+  DibView view;
+  if (!OpenDibView(picture, size, &view) || view.bitCount < 8) return 0;
+  const int32_t width = view.width, height = view.height, bpp = view.bitCount / 8;
   ScopedBlock buffers(MovableAlloc((3 * static_cast<size_t>(height) + 1) * sizeof(uint32_t)));
   ScopedLock room(buffers.handle);
-  if (!room) return nullptr;
+  if (!room) return 0;
   uint32_t* column = reinterpret_cast<uint32_t*>(room.bytes);  // height + 1, the last 0
   uint32_t* out = column + height + 1;                         // 2 * height
   column[height] = 0;
   for (int32_t x = 0; x < width; ++x) {
     const float v = wave[std::min(x, length)];
     if (!(v > 0)) continue;
+    if (*from == *to) *from = x;
+    *to = x + 1;
     int32_t percent = 100 - static_cast<int32_t>(std::trunc(v * (waveHeight / 100.0) * -100.0));
     percent = std::min(percent, 199);  // the wave stays at or below 1: this only guards `out`
-    ReadColumn(from, bpp, x, column);
+    ReadColumn(view, bpp, x, column);
     std::memset(out, 0, 2 * static_cast<size_t>(height) * sizeof(uint32_t));
     StretchColumn(column, height, percent, out);
     const int32_t newHeight = height * percent / 100, top = (height - newHeight) / 2;
     for (int32_t y = std::max(0, -top); y < newHeight && y + top < height; ++y)
-      WriteColumnPixel(to, bpp, x, y + top, out[y]);
+      WriteColumnPixel(view, bpp, x, y + top, out[y]);
   }
+  return 1;
+}
+
+// The slot holding `image`'s bytes, filled now when none does; null when memory fails.
+WarpCacheSlot* FindSlot(WarpCache* cache, MovableHandle image) {
+  const size_t size = MovableSize(image);
+  ScopedLock picture(image);
+  if (!picture) return nullptr;
+  for (WarpCacheSlot& slot : cache->slots) {
+    if (!slot.picture || MovableSize(slot.picture) != size) continue;
+    ScopedLock held(slot.picture);
+    if (held && std::memcmp(held.bytes, picture.bytes, size) == 0) return &slot;
+  }
+  WarpCacheSlot& slot = cache->slots[cache->next];
+  cache->next = (cache->next + 1) % kWarpCacheSlots;
+  MovableFree(slot.picture);
+  MovableFree(slot.enlarged);
+  MovableFree(slot.restored);
+  slot = {};
+  ScopedBlock copy(CopyMovableBlock(image));
+  ScopedBlock big(copy.handle ? ResampleByPercent(image, 400.0, 400.0) : nullptr);
+  ScopedBlock back(big.handle ? ResampleByPercent(big.handle, 25.0, 25.0) : nullptr);
+  if (!back.handle) return nullptr;
+  slot = {copy.Release(), big.Release(), back.Release()};
+  return &slot;
+}
+
+// The warp from a slot: the slot's enlargement is stretched in place, the shrunk-back picture
+// redone where the stretched columns reach, and the enlargement's columns then put back.
+MovableHandle WarpFromSlot(const WarpCacheSlot& slot, const float* wave, int32_t length,
+                           int32_t waveHeight) {
+  ScopedBlock result(CopyMovableBlock(slot.restored));
+  ScopedLock big(slot.enlarged);
+  if (!result.handle || !big) return nullptr;
+  DibView view;
+  if (!OpenDibView(big.bytes, MovableSize(slot.enlarged), &view)) return nullptr;
+  // Room to keep every row's bytes over the columns the wave can reach.
+  int32_t first = view.width, last = 0;
+  for (int32_t x = 0; x < view.width; ++x)
+    if (wave[std::min(x, length)] > 0) first = std::min(first, x), last = x + 1;
+  if (first >= last) return result.Release();
+  const size_t offset = static_cast<size_t>(first) * (view.bitCount / 8);
+  const size_t bytes = static_cast<size_t>(last - first) * (view.bitCount / 8);
+  ScopedBlock saved(MovableAlloc(bytes * static_cast<size_t>(view.height)));
+  ScopedLock keep(saved.handle);
+  if (!keep) return nullptr;
+  for (int32_t row = 0; row < view.height; ++row)
+    std::memcpy(keep.bytes + row * bytes, DibRow(view, row) + offset, bytes);
+  int32_t from, to;
+  int ok = StretchColumns(big.bytes, MovableSize(slot.enlarged), wave, length, waveHeight, &from,
+                          &to) &&
+           ResampleFromColumns(slot.enlarged, result.handle, from, to);
+  for (int32_t row = 0; row < view.height; ++row)
+    std::memcpy(DibRow(view, row) + offset, keep.bytes + row * bytes, bytes);
+  return ok ? result.Release() : nullptr;
+}
+
+}  // namespace
+
+void ReleaseWarpCache(WarpCache* cache) {
+  for (WarpCacheSlot& slot : cache->slots) {
+    MovableFree(slot.picture);
+    MovableFree(slot.enlarged);
+    MovableFree(slot.restored);
+    slot = {};
+  }
+  cache->next = 0;
+}
+
+MovableHandle WarpColumns(MovableHandle image, const float* wave, int32_t length,
+                          int32_t waveHeight, WarpCache* cache) {
+  if (cache) {
+    if (const WarpCacheSlot* slot = FindSlot(cache, image))
+      return WarpFromSlot(*slot, wave, length, waveHeight);
+    return nullptr;
+  }
+  ScopedBlock big(ResampleByPercent(image, 400.0, 400.0));
+  // Starting from a copy leaves every column the pulse does not touch as it was.
+  ScopedBlock stretched(big.handle ? CopyMovableBlock(big.handle) : nullptr);
+  ScopedLock target(stretched.handle);
+  if (!target) return nullptr;
+  int32_t from, to;
+  if (!StretchColumns(target.bytes, MovableSize(stretched.handle), wave, length, waveHeight,
+                      &from, &to))
+    return nullptr;
   return ResampleByPercent(stretched.handle, 25.0, 25.0);
 }

@@ -489,3 +489,32 @@ MovableHandle ResampleByPercent(MovableHandle image, double xPercent, double yPe
   if (!(w >= 0.0 && w < 0x7FFFFFFF && h >= 0.0 && h < 0x7FFFFFFF)) return nullptr;
   return ResampleImage(image, static_cast<int32_t>(w), static_cast<int32_t>(h), 0, 1.0);
 }
+
+int ResampleFromColumns(MovableHandle image, MovableHandle target, int32_t sourceFirst,
+                        int32_t sourceLast) {
+  int32_t sw = 0, sh = 0, width = 0, height = 0;
+  {
+    ScopedLock source(image), out(target);
+    if (!source || !out || MovableSize(image) < kDibHeaderBytes ||
+        MovableSize(target) < kDibHeaderBytes)
+      return 0;
+    sw = reinterpret_cast<const BitmapInfoHeader*>(source.bytes)->biWidth;
+    sh = reinterpret_cast<const BitmapInfoHeader*>(source.bytes)->biHeight;
+    width = reinterpret_cast<const BitmapInfoHeader*>(out.bytes)->biWidth;
+    height = reinterpret_cast<const BitmapInfoHeader*>(out.bytes)->biHeight;
+  }
+  if (sw < 1 || sh < 1 || width < 1 || height < 1) return 0;
+  if (sourceFirst >= sourceLast) return 1;
+  ResamplePlan plan;
+  double scale, support;
+  if (!PlanResample(sw, sh, width, height, 1.0, &plan) ||
+      !PassSupport(plan.fx, *plan.filter, 1.0, &scale, &support))
+    return 0;
+  // Column x's window runs from about (x + 0.5) / fx - support to as far past it; a column
+  // further widens the range for the truncations.
+  const double from = std::floor((sourceFirst - support - 0.5) * plan.fx - 0.5) - 1.0;
+  const double to = std::ceil((sourceLast + support + 0.5) * plan.fx - 0.5) + 2.0;
+  const int32_t first = static_cast<int32_t>(std::clamp(from, 0.0, static_cast<double>(width)));
+  const int32_t last = static_cast<int32_t>(std::clamp(to, 0.0, static_cast<double>(width)));
+  return ResampleColumns(image, target, first, last);
+}

@@ -54,6 +54,11 @@ MovableHandle ResampleByPercent(MovableHandle image, double xPercent, double yPe
 // `image`. The work is limited to the source columns those target columns reach. Returns 0 on
 // failure.
 int ResampleColumns(MovableHandle image, MovableHandle target, int32_t first, int32_t last);
+// ResampleColumns over every target column whose filter window reaches source columns
+// [sourceFirst, sourceLast), and a few more: after a change to only those source columns, this
+// brings a target made from the old source up to date.
+int ResampleFromColumns(MovableHandle image, MovableHandle target, int32_t sourceFirst,
+                        int32_t sourceLast);
 
 // The two passes, on locked pictures of equal depth: across changes the width (the heights are
 // equal), down changes the height. `contributions` holds room for the widest support. Return 0

@@ -154,6 +154,28 @@ TEST(ResampleColumns, MatchTheWholePictureInsideTheRangeOnly) {
     }
 }
 
+// A target made from a picture, brought up to date after some source columns change, is the
+// resampling of the changed picture: every column those source columns reach was redone.
+TEST(ResampleColumns, FromChangedSourceColumnsCatchUpWithTheChange) {
+  std::mt19937 rng(34);
+  for (int32_t depth : {8, 24, 32})
+    for (const double percent : {400.0, 25.0, 170.0, 60.0}) {
+      Owned image(MakeBlockyImage(rng, 44, 12, depth));
+      Owned target(ResampleByPercent(image.h, percent, percent));
+      const int32_t first = static_cast<int32_t>(rng() % 44);
+      const int32_t last = first + 1 + static_cast<int32_t>(rng() % std::min(8, 44 - first));
+      {
+        ScopedLock lock(image.h);
+        for (int32_t y = 0; y < 12; ++y)
+          for (int32_t x = first; x < last; ++x) WriteDibPixel(lock.bytes, x, y, rng());
+      }
+      Owned whole(ResampleByPercent(image.h, percent, percent));
+      ASSERT_TRUE(ResampleFromColumns(image.h, target.h, first, last));
+      EXPECT_TRUE(SameBlocks(target.h, whole.h))
+          << depth << " bits at " << percent << " %, columns " << first << "-" << last;
+    }
+}
+
 TEST(ResampleImage, AllocationFailuresLeakNothing) {
   std::mt19937 rng(8);
   Owned image(MakeRandomImage(rng, 30, 20, 24));
