@@ -280,8 +280,7 @@ int AcrossColumns(void* source, void* target, double factor, const FilterEntry& 
   return 1;
 }
 
-// Columns [first, last) of a height-changing pass: each target row is summed a stretch of bytes
-// at a time, each byte's terms still in source order.
+// Columns [first, last) of a height-changing pass, each byte's terms summed in source order.
 int DownColumns(void* source, void* target, double factor, const FilterEntry& filter, double blur,
                 int32_t first, int32_t last, Contribution* contributions, int32_t capacity) {
   Plane s, t;
@@ -293,33 +292,49 @@ int DownColumns(void* source, void* target, double factor, const FilterEntry& fi
   if (first >= last) return 1;
   const size_t begin = static_cast<size_t>(first) * s.bytesPerPixel;
   const size_t end = static_cast<size_t>(last) * s.bytesPerPixel;
-  constexpr size_t kChunk = 512;
-  double sum[kChunk];
   for (int32_t y = 0; y < t.view.height; ++y) {
     const int32_t n =
         Contributions(y, factor, scale, support, s.view.height, filter, contributions, capacity);
     if (n < 0) return 0;
     uint8_t* out = TopRow(t.view, y);
-    for (size_t b0 = begin; b0 < end; b0 += kChunk) {
-      const size_t m = std::min(kChunk, end - b0);
-      // Where every row of the window holds the same bytes, the window gives them back.
-      if (n > 0) {
-        const uint8_t* first = TopRow(s.view, contributions[0].pixel) + b0;
-        int32_t i = 1;
-        while (i < n && std::memcmp(TopRow(s.view, contributions[i].pixel) + b0, first, m) == 0)
-          ++i;
-        if (i == n) {
-          std::memcpy(out + b0, first, m);
-          continue;
-        }
+    size_t b = begin;
+    // Eight bytes at a time, each summed in its own register in source order.
+    for (; n > 0 && b + 8 <= end; b += 8) {
+      // Where every row of the window holds the same eight bytes, the window gives them back.
+      const uint8_t* first = TopRow(s.view, contributions[0].pixel) + b;
+      int32_t i = 1;
+      while (i < n && std::memcmp(TopRow(s.view, contributions[i].pixel) + b, first, 8) == 0) ++i;
+      if (i == n) {
+        std::memcpy(out + b, first, 8);
+        continue;
       }
-      for (size_t b = 0; b < m; ++b) sum[b] = 0.0;
-      for (int32_t i = 0; i < n; ++i) {
+      double s0 = 0.0, s1 = 0.0, s2 = 0.0, s3 = 0.0, s4 = 0.0, s5 = 0.0, s6 = 0.0, s7 = 0.0;
+      for (i = 0; i < n; ++i) {
         const double w = contributions[i].weight;
-        const uint8_t* in = TopRow(s.view, contributions[i].pixel) + b0;
-        for (size_t b = 0; b < m; ++b) sum[b] += w * in[b];
+        const uint8_t* in = TopRow(s.view, contributions[i].pixel) + b;
+        s0 += w * in[0];
+        s1 += w * in[1];
+        s2 += w * in[2];
+        s3 += w * in[3];
+        s4 += w * in[4];
+        s5 += w * in[5];
+        s6 += w * in[6];
+        s7 += w * in[7];
       }
-      for (size_t b = 0; b < m; ++b) out[b0 + b] = RoundChannel(sum[b]);
+      out[b] = RoundChannel(s0);
+      out[b + 1] = RoundChannel(s1);
+      out[b + 2] = RoundChannel(s2);
+      out[b + 3] = RoundChannel(s3);
+      out[b + 4] = RoundChannel(s4);
+      out[b + 5] = RoundChannel(s5);
+      out[b + 6] = RoundChannel(s6);
+      out[b + 7] = RoundChannel(s7);
+    }
+    for (; b < end; ++b) {
+      double sum = 0.0;
+      for (int32_t i = 0; i < n; ++i)
+        sum += contributions[i].weight * TopRow(s.view, contributions[i].pixel)[b];
+      out[b] = RoundChannel(sum);
     }
   }
   return 1;
