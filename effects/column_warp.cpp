@@ -80,19 +80,47 @@ namespace {
 
 // A column's pixels as words, one byte per channel in memory order: the stretch treats every
 // byte on its own, so the order of the bytes in the word does not matter.
-void ReadColumn(const DibView& view, int32_t bpp, int32_t x, uint32_t* column) {
-  const uint8_t* p = view.bits + static_cast<size_t>(x) * bpp;
-  for (int32_t row = view.height - 1; row >= 0; --row, ++column) {
-    const uint8_t* q = p + static_cast<size_t>(row) * view.stride;
+template <int kBpp>
+void ReadColumn(const DibView& view, int32_t x, uint32_t* column) {
+  const uint8_t* q = DibRow(view, view.height - 1) + static_cast<size_t>(x) * kBpp;
+  for (int32_t y = 0; y < view.height; ++y, q -= view.stride) {
     uint32_t word = 0;
-    for (int32_t k = 0; k < bpp; ++k) word |= static_cast<uint32_t>(q[k]) << (8 * k);
-    *column = word;
+    for (int k = 0; k < kBpp; ++k) word |= static_cast<uint32_t>(q[k]) << (8 * k);
+    column[y] = word;
   }
 }
 
-void WriteColumnPixel(const DibView& view, int32_t bpp, int32_t x, int32_t y, uint32_t word) {
-  uint8_t* q = DibRow(view, view.height - 1 - y) + static_cast<size_t>(x) * bpp;
-  for (int32_t k = 0; k < bpp; ++k) q[k] = static_cast<uint8_t>(word >> (8 * k));
+// Rows [first, last) of column x from `words`, word y going to row y.
+template <int kBpp>
+void WriteColumn(const DibView& view, int32_t x, int32_t first, int32_t last,
+                 const uint32_t* words) {
+  uint8_t* q = DibRow(view, view.height - 1 - first) + static_cast<size_t>(x) * kBpp;
+  for (int32_t y = first; y < last; ++y, q -= view.stride)
+    for (int k = 0; k < kBpp; ++k) q[k] = static_cast<uint8_t>(words[y] >> (8 * k));
+}
+
+// The columns from 0 on with a positive wave, stretched in place in a picture of kBpp bytes a
+// pixel; `column` has room for height + 1 words and `out` for 2 * height.
+template <int kBpp>
+void StretchEach(const DibView& view, const float* wave, int32_t length, int32_t waveHeight,
+                 uint32_t* column, uint32_t* out, int32_t* from, int32_t* to) {
+  const int32_t height = view.height;
+  column[height] = 0;
+  for (int32_t x = 0; x < view.width; ++x) {
+    const float v = wave[std::min(x, length)];
+    if (!(v > 0)) continue;
+    if (*from == *to) *from = x;
+    *to = x + 1;
+    int32_t percent = 100 - static_cast<int32_t>(std::trunc(v * (waveHeight / 100.0) * -100.0));
+    percent = std::min(percent, 199);  // the wave stays at or below 1: this only guards `out`
+    ReadColumn<kBpp>(view, x, column);
+    std::memset(out, 0, 2 * static_cast<size_t>(height) * sizeof(uint32_t));
+    StretchColumn(column, height, percent, out);
+    const int32_t newHeight = height * percent / 100, top = (height - newHeight) / 2;
+    // Row y of the stretch lands on row y + top.
+    const int32_t first = std::max(0, -top), last = std::min(newHeight, height - top);
+    if (first < last) WriteColumn<kBpp>(view, x, first + top, last + top, out - top);
+  }
 }
 
 // The columns of `picture` (locked) from `first` on with a positive wave, stretched in place;
@@ -104,27 +132,18 @@ int StretchColumns(uint8_t* picture, size_t size, const float* wave, int32_t len
   if (h->biWidth < 1 || h->biHeight < 1) return 1;  // no columns to stretch
   DibView view;
   if (!OpenDibView(picture, size, &view) || view.bitCount < 8) return 0;
-  const int32_t width = view.width, height = view.height, bpp = view.bitCount / 8;
+  const int32_t height = view.height;
   ScopedBlock buffers(MovableAlloc((3 * static_cast<size_t>(height) + 1) * sizeof(uint32_t)));
   ScopedLock room(buffers.handle);
   if (!room) return 0;
   uint32_t* column = reinterpret_cast<uint32_t*>(room.bytes);  // height + 1, the last 0
   uint32_t* out = column + height + 1;                         // 2 * height
-  column[height] = 0;
-  for (int32_t x = 0; x < width; ++x) {
-    const float v = wave[std::min(x, length)];
-    if (!(v > 0)) continue;
-    if (*from == *to) *from = x;
-    *to = x + 1;
-    int32_t percent = 100 - static_cast<int32_t>(std::trunc(v * (waveHeight / 100.0) * -100.0));
-    percent = std::min(percent, 199);  // the wave stays at or below 1: this only guards `out`
-    ReadColumn(view, bpp, x, column);
-    std::memset(out, 0, 2 * static_cast<size_t>(height) * sizeof(uint32_t));
-    StretchColumn(column, height, percent, out);
-    const int32_t newHeight = height * percent / 100, top = (height - newHeight) / 2;
-    for (int32_t y = std::max(0, -top); y < newHeight && y + top < height; ++y)
-      WriteColumnPixel(view, bpp, x, y + top, out[y]);
-  }
+  if (view.bitCount == 8)
+    StretchEach<1>(view, wave, length, waveHeight, column, out, from, to);
+  else if (view.bitCount == 24)
+    StretchEach<3>(view, wave, length, waveHeight, column, out, from, to);
+  else
+    StretchEach<4>(view, wave, length, waveHeight, column, out, from, to);
   return 1;
 }
 
