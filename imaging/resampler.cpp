@@ -280,6 +280,10 @@ int AcrossColumns(void* source, void* target, double factor, const FilterEntry& 
   return 1;
 }
 
+// Eight bytes and their eight sums, worked on element by element.
+typedef uint8_t Bytes8 __attribute__((vector_size(8)));
+typedef double Doubles8 __attribute__((vector_size(64)));
+
 // Columns [first, last) of a height-changing pass, each byte's terms summed in source order.
 int DownColumns(void* source, void* target, double factor, const FilterEntry& filter, double blur,
                 int32_t first, int32_t last, Contribution* contributions, int32_t capacity) {
@@ -308,27 +312,19 @@ int DownColumns(void* source, void* target, double factor, const FilterEntry& fi
         std::memcpy(out + b, first, 8);
         continue;
       }
-      double s0 = 0.0, s1 = 0.0, s2 = 0.0, s3 = 0.0, s4 = 0.0, s5 = 0.0, s6 = 0.0, s7 = 0.0;
+      // Element-wise products and sums of doubles, as the scalar terms give them; a row of
+      // zeros adds nothing to any sum (x + 0 is x, and 0 + -0 is 0) and is passed over.
+      Doubles8 sum = {};
       for (i = 0; i < n; ++i) {
-        const double w = contributions[i].weight;
         const uint8_t* in = TopRow(s.view, contributions[i].pixel) + b;
-        s0 += w * in[0];
-        s1 += w * in[1];
-        s2 += w * in[2];
-        s3 += w * in[3];
-        s4 += w * in[4];
-        s5 += w * in[5];
-        s6 += w * in[6];
-        s7 += w * in[7];
+        uint64_t word;
+        std::memcpy(&word, in, 8);
+        if (word == 0) continue;
+        Bytes8 bytes;
+        std::memcpy(&bytes, in, 8);
+        sum += contributions[i].weight * __builtin_convertvector(bytes, Doubles8);
       }
-      out[b] = RoundChannel(s0);
-      out[b + 1] = RoundChannel(s1);
-      out[b + 2] = RoundChannel(s2);
-      out[b + 3] = RoundChannel(s3);
-      out[b + 4] = RoundChannel(s4);
-      out[b + 5] = RoundChannel(s5);
-      out[b + 6] = RoundChannel(s6);
-      out[b + 7] = RoundChannel(s7);
+      for (int k = 0; k < 8; ++k) out[b + k] = RoundChannel(sum[k]);
     }
     for (; b < end; ++b) {
       double sum = 0.0;
