@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "imaging/dib_view.h"
 #include "imaging/resampler.h"
 #include "shell/packed_dib.h"
 
@@ -22,6 +23,12 @@ uint32_t Between(uint32_t current, uint32_t next, int32_t n, int32_t k) {
     out |= static_cast<uint32_t>(c * (n - 1 - k) / n + x * (k + 1) / n) << shift;
   }
   return out;
+}
+
+// Each byte halved, truncating, and the halves added: Between(current, next, 2, 0) with no carry
+// between bytes, as each sum stays below 255.
+inline uint32_t HalfWay(uint32_t current, uint32_t next) {
+  return ((current >> 1) & 0x7F7F7F7Fu) + ((next >> 1) & 0x7F7F7F7Fu);
 }
 
 }  // namespace
@@ -54,38 +61,173 @@ void StretchColumn(const uint32_t* column, int32_t height, int32_t percent, uint
   for (int32_t s = 0; s < height; ++s) {
     const uint32_t current = column[s], next = column[s + 1];
     const int32_t e = acc / 100, n = e - t;
-    for (int32_t k = 0; k < n && t < height; ++k, ++t) target[t] = Between(current, next, n, k);
+    // Below 200 % a source pixel spans one or two rows; the last of a span is `next` itself.
+    if (n == 1) {
+      if (t < height) target[t] = next;
+    } else if (n == 2) {
+      if (t < height) target[t] = HalfWay(current, next);
+      if (t + 1 < height) target[t + 1] = next;
+    } else {
+      for (int32_t k = 0; k < n && t < height; ++k, ++t) target[t] = Between(current, next, n, k);
+    }
     acc += percent;
     target[e] = next;
     t = e;
   }
 }
 
-MovableHandle WarpColumns(MovableHandle image, const float* wave, int32_t length,
-                          int32_t waveHeight) {
-  ScopedBlock big(ResampleByPercent(image, 400.0, 400.0));
-  // Starting from a copy leaves every column the pulse does not touch as it was.
-  ScopedBlock stretched(big.handle ? CopyMovableBlock(big.handle) : nullptr);
-  ScopedLock source(big.handle), target(stretched.handle);
-  if (!source || !target) return nullptr;
-  const BitmapInfoHeader* h = reinterpret_cast<const BitmapInfoHeader*>(source.bytes);
-  const int32_t width = h->biWidth, height = h->biHeight;
-  ScopedBlock buffers(MovableAlloc((3 * static_cast<size_t>(height) + 1) * sizeof(uint32_t)));
-  ScopedLock room(buffers.handle);
-  if (!room) return nullptr;
-  uint32_t* column = reinterpret_cast<uint32_t*>(room.bytes);  // height + 1, the last 0
-  uint32_t* out = column + height + 1;                         // 2 * height
-  for (int32_t x = 0; x < width; ++x) {
+namespace {
+
+// A column's pixels as words, one byte per channel in memory order: the stretch treats every
+// byte on its own, so the order of the bytes in the word does not matter.
+template <int kBpp>
+void ReadColumn(const DibView& view, int32_t x, uint32_t* column) {
+  const uint8_t* q = DibRow(view, view.height - 1) + static_cast<size_t>(x) * kBpp;
+  for (int32_t y = 0; y < view.height; ++y, q -= view.stride) {
+    uint32_t word = 0;
+    for (int k = 0; k < kBpp; ++k) word |= static_cast<uint32_t>(q[k]) << (8 * k);
+    column[y] = word;
+  }
+}
+
+// Rows [first, last) of column x from `words`, word y going to row y.
+template <int kBpp>
+void WriteColumn(const DibView& view, int32_t x, int32_t first, int32_t last,
+                 const uint32_t* words) {
+  uint8_t* q = DibRow(view, view.height - 1 - first) + static_cast<size_t>(x) * kBpp;
+  for (int32_t y = first; y < last; ++y, q -= view.stride)
+    for (int k = 0; k < kBpp; ++k) q[k] = static_cast<uint8_t>(words[y] >> (8 * k));
+}
+
+// The columns from 0 on with a positive wave, stretched in place in a picture of kBpp bytes a
+// pixel; `column` has room for height + 1 words and `out` for 2 * height.
+template <int kBpp>
+void StretchEach(const DibView& view, const float* wave, int32_t length, int32_t waveHeight,
+                 uint32_t* column, uint32_t* out, int32_t* from, int32_t* to) {
+  const int32_t height = view.height;
+  column[height] = 0;
+  for (int32_t x = 0; x < view.width; ++x) {
     const float v = wave[std::min(x, length)];
     if (!(v > 0)) continue;
+    if (*from == *to) *from = x;
+    *to = x + 1;
     int32_t percent = 100 - static_cast<int32_t>(std::trunc(v * (waveHeight / 100.0) * -100.0));
     percent = std::min(percent, 199);  // the wave stays at or below 1: this only guards `out`
-    for (int32_t y = 0; y < height; ++y) column[y] = ReadDibPixel(source.bytes, x, y);
+    ReadColumn<kBpp>(view, x, column);
     std::memset(out, 0, 2 * static_cast<size_t>(height) * sizeof(uint32_t));
     StretchColumn(column, height, percent, out);
     const int32_t newHeight = height * percent / 100, top = (height - newHeight) / 2;
-    for (int32_t y = std::max(0, -top); y < newHeight && y + top < height; ++y)
-      WriteDibPixel(target.bytes, x, y + top, out[y]);
+    // Row y of the stretch lands on row y + top.
+    const int32_t first = std::max(0, -top), last = std::min(newHeight, height - top);
+    if (first < last) WriteColumn<kBpp>(view, x, first + top, last + top, out - top);
   }
+}
+
+// The columns of `picture` (locked) from `first` on with a positive wave, stretched in place;
+// [*from, *to) receives the range they lie in, empty when there are none. 0 when memory fails.
+int StretchColumns(uint8_t* picture, size_t size, const float* wave, int32_t length,
+                   int32_t waveHeight, int32_t* from, int32_t* to) {
+  *from = *to = 0;
+  const BitmapInfoHeader* h = reinterpret_cast<const BitmapInfoHeader*>(picture);
+  if (h->biWidth < 1 || h->biHeight < 1) return 1;  // no columns to stretch
+  DibView view;
+  if (!OpenDibView(picture, size, &view) || view.bitCount < 8) return 0;
+  const int32_t height = view.height;
+  ScopedBlock buffers(MovableAlloc((3 * static_cast<size_t>(height) + 1) * sizeof(uint32_t)));
+  ScopedLock room(buffers.handle);
+  if (!room) return 0;
+  uint32_t* column = reinterpret_cast<uint32_t*>(room.bytes);  // height + 1, the last 0
+  uint32_t* out = column + height + 1;                         // 2 * height
+  if (view.bitCount == 8)
+    StretchEach<1>(view, wave, length, waveHeight, column, out, from, to);
+  else if (view.bitCount == 24)
+    StretchEach<3>(view, wave, length, waveHeight, column, out, from, to);
+  else
+    StretchEach<4>(view, wave, length, waveHeight, column, out, from, to);
+  return 1;
+}
+
+// The slot holding `image`'s bytes, filled now when none does; null when memory fails.
+WarpCacheSlot* FindSlot(WarpCache* cache, MovableHandle image) {
+  const size_t size = MovableSize(image);
+  ScopedLock picture(image);
+  if (!picture) return nullptr;
+  for (WarpCacheSlot& slot : cache->slots) {
+    if (!slot.picture || MovableSize(slot.picture) != size) continue;
+    ScopedLock held(slot.picture);
+    if (held && std::memcmp(held.bytes, picture.bytes, size) == 0) return &slot;
+  }
+  WarpCacheSlot& slot = cache->slots[cache->next];
+  cache->next = (cache->next + 1) % kWarpCacheSlots;
+  MovableFree(slot.picture);
+  MovableFree(slot.enlarged);
+  MovableFree(slot.restored);
+  slot = {};
+  ScopedBlock copy(CopyMovableBlock(image));
+  ScopedBlock big(copy.handle ? ResampleByPercent(image, 400.0, 400.0) : nullptr);
+  ScopedBlock back(big.handle ? ResampleByPercent(big.handle, 25.0, 25.0) : nullptr);
+  if (!back.handle) return nullptr;
+  slot = {copy.Release(), big.Release(), back.Release()};
+  return &slot;
+}
+
+// The warp from a slot: the slot's enlargement is stretched in place, the shrunk-back picture
+// redone where the stretched columns reach, and the enlargement's columns then put back.
+MovableHandle WarpFromSlot(const WarpCacheSlot& slot, const float* wave, int32_t length,
+                           int32_t waveHeight) {
+  ScopedBlock result(CopyMovableBlock(slot.restored));
+  ScopedLock big(slot.enlarged);
+  if (!result.handle || !big) return nullptr;
+  DibView view;
+  if (!OpenDibView(big.bytes, MovableSize(slot.enlarged), &view)) return nullptr;
+  // Room to keep every row's bytes over the columns the wave can reach.
+  int32_t first = view.width, last = 0;
+  for (int32_t x = 0; x < view.width; ++x)
+    if (wave[std::min(x, length)] > 0) first = std::min(first, x), last = x + 1;
+  if (first >= last) return result.Release();
+  const size_t offset = static_cast<size_t>(first) * (view.bitCount / 8);
+  const size_t bytes = static_cast<size_t>(last - first) * (view.bitCount / 8);
+  ScopedBlock saved(MovableAlloc(bytes * static_cast<size_t>(view.height)));
+  ScopedLock keep(saved.handle);
+  if (!keep) return nullptr;
+  for (int32_t row = 0; row < view.height; ++row)
+    std::memcpy(keep.bytes + row * bytes, DibRow(view, row) + offset, bytes);
+  int32_t from, to;
+  int ok = StretchColumns(big.bytes, MovableSize(slot.enlarged), wave, length, waveHeight, &from,
+                          &to) &&
+           ResampleFromColumns(slot.enlarged, result.handle, from, to);
+  for (int32_t row = 0; row < view.height; ++row)
+    std::memcpy(DibRow(view, row) + offset, keep.bytes + row * bytes, bytes);
+  return ok ? result.Release() : nullptr;
+}
+
+}  // namespace
+
+void ReleaseWarpCache(WarpCache* cache) {
+  for (WarpCacheSlot& slot : cache->slots) {
+    MovableFree(slot.picture);
+    MovableFree(slot.enlarged);
+    MovableFree(slot.restored);
+    slot = {};
+  }
+  cache->next = 0;
+}
+
+MovableHandle WarpColumns(MovableHandle image, const float* wave, int32_t length,
+                          int32_t waveHeight, WarpCache* cache) {
+  if (cache) {
+    if (const WarpCacheSlot* slot = FindSlot(cache, image))
+      return WarpFromSlot(*slot, wave, length, waveHeight);
+    return nullptr;
+  }
+  ScopedBlock big(ResampleByPercent(image, 400.0, 400.0));
+  // Starting from a copy leaves every column the pulse does not touch as it was.
+  ScopedBlock stretched(big.handle ? CopyMovableBlock(big.handle) : nullptr);
+  ScopedLock target(stretched.handle);
+  if (!target) return nullptr;
+  int32_t from, to;
+  if (!StretchColumns(target.bytes, MovableSize(stretched.handle), wave, length, waveHeight,
+                      &from, &to))
+    return nullptr;
   return ResampleByPercent(stretched.handle, 25.0, 25.0);
 }

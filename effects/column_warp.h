@@ -23,8 +23,25 @@ MovableHandle MakePulseWave(int32_t canvasWidth, int32_t wavelength, int32_t ste
 // pixel lands are written.
 void StretchColumn(const uint32_t* column, int32_t height, int32_t percent, uint32_t* target);
 
+// What the frames of one build share for each picture they warp: a copy of the picture, its
+// enlargement and that enlargement shrunk back. The frames warp the same layers again and again,
+// and a pulse reaches only some columns: the rest of a warp is the shrunk-back picture. The owner
+// zero-fills it and frees it with ReleaseWarpCache.
+constexpr int32_t kWarpCacheSlots = 8;
+struct WarpCacheSlot {
+  MovableHandle picture;
+  MovableHandle enlarged;
+  MovableHandle restored;
+};
+struct WarpCache {
+  WarpCacheSlot slots[kWarpCacheSlots];
+  int32_t next;  // the slot a new picture takes, round the table
+};
+void ReleaseWarpCache(WarpCache* cache);
+
 // The picture enlarged to 400 %, every column x with a positive wave[min(x, length)] stretched by
 // 100 plus that value times `waveHeight` and laid centred over its own place, then shrunk to 25 %:
-// a new picture of the size of `image`, or null. `image` stays the caller's.
+// a new picture of the size of `image`, or null. `image` stays the caller's. With a `cache` (or
+// null), a picture seen before is warped from its slot, the same bytes for less work.
 MovableHandle WarpColumns(MovableHandle image, const float* wave, int32_t length,
-                          int32_t waveHeight);
+                          int32_t waveHeight, WarpCache* cache);

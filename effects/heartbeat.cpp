@@ -17,17 +17,18 @@ constexpr FramePageIds kHeartbeatIds = {561, 563, 565, 567, 569, 571, 575, 577, 
 constexpr int32_t kIdFrames = 573, kIdWavelength = 583, kIdWaveHeight = 585;
 constexpr int32_t kIdDelay = 11, kIdPause = 23;  // the main dialog's
 // The sample shows the pulse half way across.
-constexpr HeartbeatParams kSamplePulse = {255, 128};
+constexpr HeartbeatParams kSamplePulse = {255, 128, nullptr};
 
 struct Pulse {
   const float* wave;
   int32_t length;  // entries before the slack: four times the canvas width
   int32_t height;  // Wave height, percent of stretch at the crest
+  WarpCache* cache;
 };
 
 MovableHandle WarpMask(MovableHandle mask, void* pulse) {
   const Pulse* p = static_cast<const Pulse*>(pulse);
-  return WarpColumns(mask, p->wave, p->length, p->height);
+  return WarpColumns(mask, p->wave, p->length, p->height, p->cache);
 }
 
 // Replaces a material picture by its warp; a frame without the picture (no shadow) has nothing to
@@ -49,7 +50,8 @@ MovableHandle RenderPulse(WindowHandle window, const FrameSettings* settings,
     ScopedBlock wave(
         MakePulseWave(frame.width, wavelength, params->pulseSteps, params->pulseIndex));
     ScopedLock values(wave.handle);
-    Pulse pulse = {reinterpret_cast<const float*>(values.bytes), 4 * frame.width, waveHeight};
+    Pulse pulse = {reinterpret_cast<const float*>(values.bytes), 4 * frame.width, waveHeight,
+                   params->warpCache};
     frame.maskWarp = WarpMask;
     frame.maskWarpContext = &pulse;
     if (values && BackgroundStep(&frame) && MaterialStep(&frame) &&
@@ -88,8 +90,9 @@ int BuildHeartbeat(BuildContext* context) {
   WindowHandle dialog = context->dialog;
   const int32_t delay = ReadDlgValue(dialog, kIdDelay);
   const int32_t pause = ReadDlgValue(dialog, kIdPause);
-  // The page's Frames counts two per pulse step.
-  HeartbeatParams params = {ReadDlgValue(dialog, kIdFrames) / 2, 0};
+  // The page's Frames counts two per pulse step. Every frame warps the same layers.
+  WarpCache cache = {};
+  HeartbeatParams params = {ReadDlgValue(dialog, kIdFrames) / 2, 0, &cache};
   context->params = &params;
   context->flags |= kBuildFlagBuild;
   int ok = 1;
@@ -100,7 +103,9 @@ int BuildHeartbeat(BuildContext* context) {
   }
   // The pulse gone: the text at rest, held for the pause, where the loop joins.
   params.pulseIndex = params.pulseSteps;
-  if (ok && AppendEffectFrame(context, RenderHeartbeatFrame(context), delay + pause)) return 1;
+  ok = ok && AppendEffectFrame(context, RenderHeartbeatFrame(context), delay + pause);
+  ReleaseWarpCache(&cache);
+  if (ok) return 1;
   context->image = MovableFree(context->image);
   return 0;
 }

@@ -10,11 +10,15 @@
 #include "platform/memory.h"
 #include "shell/effect_table.h"
 
+struct WarpCache;
+
 // The frame parameters: the pulse stands at step `pulseIndex` of `pulseSteps` (at `pulseSteps`
-// it has left the text).
+// it has left the text). `warpCache`, when not null, carries the layers' enlargements from frame
+// to frame.
 struct HeartbeatParams {
   int32_t pulseSteps;
   int32_t pulseIndex;
+  WarpCache* warpCache;
 };
 
 // One frame for context->params, a HeartbeatParams: a new picture, or null.

@@ -49,6 +49,17 @@ MovableHandle ResampleImage(MovableHandle image, int32_t width, int32_t height, 
 // ResampleImage to a percentage of each side, rounded half up; blur 1.0.
 MovableHandle ResampleByPercent(MovableHandle image, double xPercent, double yPercent);
 
+// Rewrites columns [first, last) of `target` as ResampleImage(image, target's width, target's
+// height, 0, 1.0) would make them, leaving its other columns alone; `target` has the depth of
+// `image`. The work is limited to the source columns those target columns reach. Returns 0 on
+// failure.
+int ResampleColumns(MovableHandle image, MovableHandle target, int32_t first, int32_t last);
+// ResampleColumns over every target column whose filter window reaches source columns
+// [sourceFirst, sourceLast), and a few more: after a change to only those source columns, this
+// brings a target made from the old source up to date.
+int ResampleFromColumns(MovableHandle image, MovableHandle target, int32_t sourceFirst,
+                        int32_t sourceLast);
+
 // The two passes, on locked pictures of equal depth: across changes the width (the heights are
 // equal), down changes the height. `contributions` holds room for the widest support. Return 0
 // when the room is too small.

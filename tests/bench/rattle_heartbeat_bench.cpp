@@ -3,6 +3,7 @@
 // layers enlarged four times, stretched and reduced).
 #include <benchmark/benchmark.h>
 
+#include "effects/column_warp.h"
 #include "effects/heartbeat.h"
 #include "effects/rattle.h"
 #include "tests/support/effect_runs.h"
@@ -30,9 +31,18 @@ void BM_RattleFrame(benchmark::State& state) {
 BENCHMARK(BM_RattleFrame)->Unit(benchmark::kMillisecond);
 
 void BM_HeartbeatFrame(benchmark::State& state) {
-  HeartbeatParams params{32, 16};
+  HeartbeatParams params{32, 16, nullptr};
   Render(state, &params, RenderHeartbeatFrame);
 }
 BENCHMARK(BM_HeartbeatFrame)->Unit(benchmark::kMillisecond);
+
+// A frame of a build, the layers' enlargements kept from the frames before it.
+void BM_HeartbeatBuildFrame(benchmark::State& state) {
+  WarpCache cache = {};
+  HeartbeatParams params{32, 16, &cache};
+  Render(state, &params, RenderHeartbeatFrame);
+  ReleaseWarpCache(&cache);
+}
+BENCHMARK(BM_HeartbeatBuildFrame)->Unit(benchmark::kMillisecond);
 
 }  // namespace

@@ -4,12 +4,14 @@
 
 #include <algorithm>
 #include <cmath>
+#include <random>
 #include <vector>
 
 #include "imaging/resampler.h"
 #include "shell/packed_dib.h"
 #include "text/compositing.h"
 #include "tests/support/alloc_sweep.h"
+#include "tests/support/imaging_reference.h"
 #include "tests/support/test_images.h"
 
 namespace {
@@ -80,8 +82,8 @@ TEST(ColumnWarp, StretchedColumnsGrowAboutTheCentreAndOthersKeepTheRoundTrip) {
   std::vector<float> wave(160 + kPulseWaveSlack, 0.0f), flat = wave;
   std::fill(wave.begin() + 40, wave.begin() + 80, 1.0f);
   ScopedBlock bar(BarMask(40));
-  const PictureValues warped = TakePicture(WarpColumns(bar.handle, wave.data(), 160, 50));
-  const PictureValues still = TakePicture(WarpColumns(bar.handle, flat.data(), 160, 50));
+  const PictureValues warped = TakePicture(WarpColumns(bar.handle, wave.data(), 160, 50, nullptr));
+  const PictureValues still = TakePicture(WarpColumns(bar.handle, flat.data(), 160, 50, nullptr));
   ASSERT_EQ(warped.width, 40);
   ASSERT_EQ(warped.height, 40);
   for (int32_t x = 0; x < 40; ++x) {
@@ -106,13 +108,48 @@ TEST(ColumnWarp, StretchedColumnsGrowAboutTheCentreAndOthersKeepTheRoundTrip) {
   ScopedBlock wider(BarMask(12));
   std::vector<float> tail(40 + kPulseWaveSlack, 0.0f);
   tail[40] = 1.0f;
-  const PictureValues ends = TakePicture(WarpColumns(wider.handle, tail.data(), 40, 50));
+  const PictureValues ends = TakePicture(WarpColumns(wider.handle, tail.data(), 40, 50, nullptr));
   EXPECT_GT(ends.At(11, 15), 127u);
   EXPECT_LT(ends.At(2, 15), 64u);
 
   EXPECT_TRUE(SweepAllocationFailures([&] {
-    MovableHandle w = WarpColumns(bar.handle, wave.data(), 160, 50);
+    MovableHandle w = WarpColumns(bar.handle, wave.data(), 160, 50, nullptr);
     MovableFree(w);
     return w != nullptr;
+  }));
+}
+
+// Warps through a cache give the bytes of plain warps: random pictures of every depth, each seen
+// over and over (and more pictures than slots, so some come back after they were dropped), under
+// pulses along the width, past its end, gone, and one over the columns past the wave.
+TEST(ColumnWarp, CachedWarpsMatchPlainWarps) {
+  std::mt19937 rng(5);
+  constexpr int32_t kPictures = kWarpCacheSlots + 2;
+  ScopedBlock pictures[kPictures];
+  for (int32_t i = 0; i < kPictures; ++i)
+    pictures[i].handle = MakeRandomImage(rng, 30 + i % 3, 9 + i, i % 3 ? 8 * (2 + i % 3) : 8);
+  WarpCache cache = {};
+  for (int32_t round = 0; round < 40; ++round) {
+    const ScopedBlock& picture = pictures[rng() % kPictures];
+    const int32_t steps = 6, index = static_cast<int32_t>(rng() % (steps + 1));
+    std::vector<float> wave = Wave(30, 8 + static_cast<int32_t>(rng() % 73), steps, index);
+    if (round % 7 == 3) wave[120] = 0.5f;  // the entry the columns past the wave read
+    const int32_t height = 1 + static_cast<int32_t>(rng() % 99);
+    ScopedBlock plain(WarpColumns(picture.handle, wave.data(), 120, height, nullptr));
+    ScopedBlock cached(WarpColumns(picture.handle, wave.data(), 120, height, &cache));
+    ASSERT_TRUE(plain.handle && cached.handle);
+    EXPECT_TRUE(SameBlocks(plain.handle, cached.handle)) << "round " << round;
+  }
+  ReleaseWarpCache(&cache);
+  ScopedBlock& picture = pictures[1];
+  const std::vector<float> wave = Wave(30, 20, 4, 1);
+  EXPECT_TRUE(SweepAllocationFailures([&] {
+    WarpCache fresh = {};
+    MovableHandle first = WarpColumns(picture.handle, wave.data(), 120, 60, &fresh);
+    MovableHandle again = WarpColumns(picture.handle, wave.data(), 120, 60, &fresh);
+    ReleaseWarpCache(&fresh);
+    MovableFree(first);
+    MovableFree(again);
+    return first && again;
   }));
 }

@@ -108,7 +108,7 @@ TEST(HeartbeatEffect, EachLayerAndItsMaterialGoThroughTheWarp) {
     ScopedBlock wave(MakePulseWave(f.width, 40, 2, 0));
     ScopedLock w(wave.handle);
     const PictureValues warped = TakePicture(
-        WarpColumns(filled.handle, reinterpret_cast<const float*>(w.bytes), 4 * f.width, 90));
+        WarpColumns(filled.handle, reinterpret_cast<const float*>(w.bytes), 4 * f.width, 90, nullptr));
     const PictureValues plain = ReadPicture(filled.handle);
     int asWarped = 0, asFilled = 0, drawn = 0, drawnAtRest = 0;
     for (int32_t y = 4 * shadow; y < f.height; ++y)

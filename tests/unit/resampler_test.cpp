@@ -91,6 +91,22 @@ TEST(ResampleImage, OvershootClampsWithoutWrapping) {
   }
 }
 
+// A random picture with wide blocks of one value painted over it, as text masks and plain fills
+// have: windows wholly inside a block, across or down, and windows straddling its edges.
+MovableHandle MakeBlockyImage(std::mt19937& rng, int32_t width, int32_t height, int32_t depth) {
+  MovableHandle image = MakeRandomImage(rng, width, height, depth);
+  ScopedLock lock(image);
+  for (int block = 0; block < 6; ++block) {
+    const int32_t x0 = rng() % width, y0 = rng() % height;
+    const int32_t x1 = std::min(width, x0 + 1 + static_cast<int32_t>(rng() % width));
+    const int32_t y1 = std::min(height, y0 + 1 + static_cast<int32_t>(rng() % height));
+    const uint32_t value = block % 2 ? 0 : rng();
+    for (int32_t y = y0; y < y1; ++y)
+      for (int32_t x = x0; x < x1; ++x) WriteDibPixel(lock.bytes, x, y, value);
+  }
+  return image;
+}
+
 TEST(ResampleImage, MatchesTheReference) {
   std::mt19937 rng(11);
   struct Case {
@@ -99,14 +115,64 @@ TEST(ResampleImage, MatchesTheReference) {
   } cases[] = {{1, 1, 3, 2, 1.0},  {41, 3, 20, 7, 1.0},  {5, 9, 5, 4, 1.0},
                {2, 2, 1, 1, 1.0},  {3, 5, 41, 2, 1.0},   {17, 17, 17, 17, 1.3},
                {7, 3, 9, 9, 0.7},  {101, 2, 51, 2, 1.0}, {20000, 1, 1, 1, 1.0},
-               {1, 5, 2, 300, 1.0}};
+               {1, 5, 2, 300, 1.0}, {37, 11, 148, 44, 1.0}, {148, 44, 37, 11, 1.0}};
   for (int32_t depth : {8, 24, 32})
     for (const Case& c : cases) {
-      Owned image(MakeRandomImage(rng, c.sw, c.sh, depth));
-      Owned a(ResampleImage(image.h, c.tw, c.th, 0, c.blur));
-      Owned b(RefResampleImage(image.h, c.tw, c.th, c.blur));
-      EXPECT_TRUE(SameBlocks(a.h, b.h))
-          << depth << " bits " << c.sw << "x" << c.sh << " to " << c.tw << "x" << c.th;
+      for (auto make : {MakeRandomImage, MakeBlockyImage}) {
+        Owned image(make(rng, c.sw, c.sh, depth));
+        Owned a(ResampleImage(image.h, c.tw, c.th, 0, c.blur));
+        Owned b(RefResampleImage(image.h, c.tw, c.th, c.blur));
+        EXPECT_TRUE(SameBlocks(a.h, b.h))
+            << depth << " bits " << c.sw << "x" << c.sh << " to " << c.tw << "x" << c.th;
+      }
+    }
+}
+
+// Columns redone in place match the whole resampling there and leave the rest of the target as
+// it was, whichever pass runs first.
+TEST(ResampleColumns, MatchTheWholePictureInsideTheRangeOnly) {
+  std::mt19937 rng(21);
+  struct Case {
+    int32_t sw, sh, tw, th;
+  } cases[] = {{23, 9, 92, 36}, {92, 36, 23, 9}, {40, 3, 7, 30}, {5, 40, 31, 4}, {12, 7, 12, 7}};
+  for (int32_t depth : {8, 24, 32})
+    for (const Case& c : cases) {
+      Owned image(MakeBlockyImage(rng, c.sw, c.sh, depth));
+      Owned whole(ResampleImage(image.h, c.tw, c.th, 0, 1.0));
+      Owned target(MakeRandomImage(rng, c.tw, c.th, depth));
+      Owned before(CopyMovableBlock(target.h));
+      const int32_t first = static_cast<int32_t>(rng() % c.tw);
+      const int32_t last = first + 1 + static_cast<int32_t>(rng() % (c.tw - first));
+      ASSERT_TRUE(ResampleColumns(image.h, target.h, first, last));
+      ScopedLock a(target.h), b(whole.h), old(before.h);
+      for (int32_t y = 0; y < c.th; ++y)
+        for (int32_t x = 0; x < c.tw; ++x)
+          ASSERT_EQ(ReadDibPixel(a.bytes, x, y),
+                    ReadDibPixel(x >= first && x < last ? b.bytes : old.bytes, x, y))
+              << depth << " bits " << c.sw << "x" << c.sh << " to " << c.tw << "x" << c.th
+              << " columns " << first << "-" << last << " at " << x << "," << y;
+    }
+}
+
+// A target made from a picture, brought up to date after some source columns change, is the
+// resampling of the changed picture: every column those source columns reach was redone.
+TEST(ResampleColumns, FromChangedSourceColumnsCatchUpWithTheChange) {
+  std::mt19937 rng(34);
+  for (int32_t depth : {8, 24, 32})
+    for (const double percent : {400.0, 25.0, 170.0, 60.0}) {
+      Owned image(MakeBlockyImage(rng, 44, 12, depth));
+      Owned target(ResampleByPercent(image.h, percent, percent));
+      const int32_t first = static_cast<int32_t>(rng() % 44);
+      const int32_t last = first + 1 + static_cast<int32_t>(rng() % std::min(8, 44 - first));
+      {
+        ScopedLock lock(image.h);
+        for (int32_t y = 0; y < 12; ++y)
+          for (int32_t x = first; x < last; ++x) WriteDibPixel(lock.bytes, x, y, rng());
+      }
+      Owned whole(ResampleByPercent(image.h, percent, percent));
+      ASSERT_TRUE(ResampleFromColumns(image.h, target.h, first, last));
+      EXPECT_TRUE(SameBlocks(target.h, whole.h))
+          << depth << " bits at " << percent << " %, columns " << first << "-" << last;
     }
 }
 
