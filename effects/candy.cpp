@@ -65,11 +65,7 @@ int PrepareCandyState(CandyState* state, const CandySettings* settings, int32_t 
     // The shadow picture with offset 0 centres the disc in its margin and blurs it: the blob. The
     // larger picture is stamped at the disc's corner, so the blob sits down and right of it. When
     // it cannot be made the sharp disc stands.
-    MovableHandle blob = ItemShadowImage(item.image, 0, settings->warp, 255);
-    if (blob) {
-      MovableFree(item.image);
-      item.image = blob;
-    }
+    SoftenItemImage(&item.image, 0, settings->warp);
   }
   if (fill) state->fillImage = MaterialFill(fill, width, height);
   return 1;

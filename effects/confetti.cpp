@@ -72,13 +72,7 @@ int PrepareConfettiState(ConfettiState* state, const ConfettiSettings* settings,
     if (settings->shadowOpacity > 0) {
       item.shadow = DrawConfettiDisc(settings->size, settings->shadowOpacity);
       if (!item.shadow) return 0;
-      // The grey disc itself stands in when its soft picture cannot be made.
-      MovableHandle soft =
-          ItemShadowImage(item.shadow, settings->shadowOffset, settings->softness, 255);
-      if (soft) {
-        MovableFree(item.shadow);
-        item.shadow = soft;
-      }
+      SoftenItemImage(&item.shadow, settings->shadowOffset, settings->softness);
     }
   }
   if (fill) state->fillImage = MaterialFill(fill, width, height);

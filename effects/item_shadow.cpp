@@ -54,3 +54,10 @@ MovableHandle ItemShadowImage(MovableHandle source, int32_t offset, int32_t soft
   }
   return shadow.Release();
 }
+
+void SoftenItemImage(MovableHandle* image, int32_t offset, int32_t softness) {
+  MovableHandle soft = ItemShadowImage(*image, offset, softness, 255);
+  if (!soft) return;
+  MovableFree(*image);
+  *image = soft;
+}

@@ -20,3 +20,6 @@ int32_t ItemShadowPad(int32_t offset, int32_t softness);
 // depths below 24) or fails the sharp picture stands. Null when no picture can be made.
 MovableHandle ItemShadowImage(MovableHandle source, int32_t offset, int32_t softness,
                               int32_t opacity);
+// Replaces *image by ItemShadowImage(*image, offset, softness, 255), freeing the old picture; when
+// that cannot be made *image stays as it was, so an item keeps a sharp shadow rather than none.
+void SoftenItemImage(MovableHandle* image, int32_t offset, int32_t softness);

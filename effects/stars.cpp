@@ -91,13 +91,7 @@ int PrepareStarsState(StarsState* state, const StarsSettings* settings, int32_t 
     if (settings->shadowOpacity > 0) {
       star.shadow = DrawStar(side, settings->shadowOpacity);
       if (!star.shadow) return 0;
-      // The grey star itself stands in when its soft picture cannot be made.
-      MovableHandle soft =
-          ItemShadowImage(star.shadow, settings->shadowOffset, settings->softness, 255);
-      if (soft) {
-        MovableFree(star.shadow);
-        star.shadow = soft;
-      }
+      SoftenItemImage(&star.shadow, settings->shadowOffset, settings->softness);
     }
   }
   if (fill) state->fillImage = MaterialFill(fill, width, height);
