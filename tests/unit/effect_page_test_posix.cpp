@@ -36,8 +36,7 @@ TEST(EffectPage, ShowsTheListedControlsAndLeavesMainControlsAlone) {
 // The committed resource script is the one the page tables give today: a table changed without
 // running gm5_page_rc fails here.
 TEST(EffectPage, CommittedResourceScriptFollowsTheTables) {
-  std::string path = __FILE__;
-  path.resize(path.size() - std::string("tests/unit/effect_page_test_posix.cpp").size());
+  const std::string path = GM5_SOURCE_ROOT;
   std::ifstream file(path + "resources/effect_pages.rc", std::ios::binary);
   ASSERT_TRUE(file) << path;
   std::stringstream committed;

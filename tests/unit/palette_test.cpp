@@ -59,9 +59,7 @@ TEST(FixedPalette, ResourcesHoldPalettesFiveAndSeven) {
     int32_t number;
   } cases[] = {{"PALETTE216.bin", 5}, {"PALETTE256G.bin", 7}};
   for (const auto& c : cases) {
-    // The resources are kept in the source tree beside the tests' root folder.
-    std::string path = __FILE__;
-    path.resize(path.size() - std::strlen("tests/unit/palette_test.cpp"));
+    const std::string path = GM5_SOURCE_ROOT;
     const std::vector<uint8_t> file = ReadWholeFile((path + "resources/" + c.file).c_str());
     ASSERT_EQ(file.size(), 853u) << c.file;
     EXPECT_EQ(std::memcmp(file.data(), "COBLRSRC", 8), 0);
