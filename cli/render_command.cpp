@@ -123,10 +123,13 @@ int MeasureTextCanvas(WindowHandle dialog, int32_t* width, int32_t* height) {
 // Refuses, before any frame is drawn, a render whose text alone makes its frames larger than the
 // output holds or than memory keeps. Every frame is held as the effect makes it, at 24 bits (32
 // with an alpha plane), until the build reduces them.
+// Ring bends the text around a circle, whose frames can be narrower than the text in a line; the
+// host's check on the finished frames stands for it.
 int RefuseBeforeDrawing(WindowHandle dialog, InProcessHost* host) {
+  const int32_t row = DialogGetSelection(DialogItem(dialog, kIdEffect));
+  if (strcmp(EffectTable[EffectRowForBuild(row)].name, "Ring") == 0) return 0;
   int32_t width = 0, height = 0;
   if (!MeasureTextCanvas(dialog, &width, &height)) return 0;
-  const int32_t row = DialogGetSelection(DialogItem(dialog, kIdEffect));
   const int32_t framesId = FramesControl(EffectRowForBuild(row));
   const int32_t frames = framesId ? ReadDlgValue(dialog, framesId) : 1;
   const int32_t bits = DialogGetCheck(DialogItem(dialog, kIdAlphaTransparency)) ? 32 : 24;
