@@ -365,10 +365,11 @@ TEST(Gm5Program, StoppedRenderLeavesNothingBehind) {
       execv(argv[0], argv.data());
       _exit(127);
     }
-    // Waits for the temporary, for at most a minute, however slow the machine is.
+    // Waits for this run's temporary, for at most a minute, however slow the machine is.
+    const std::string temporary = scratch.Path(".gm5-" + std::to_string(child) + ".part");
     int status = 0, ended = 0, seen = 0;
     for (int i = 0; i < 60000 && !seen && !ended; ++i) {
-      for (const std::string& name : scratch.Names()) seen |= name.rfind(".gm5-", 0) == 0;
+      seen = std::filesystem::exists(temporary);
       if (!seen) ended = waitpid(child, &status, WNOHANG) == child, usleep(1000);
     }
     if (!ended) {
@@ -380,6 +381,7 @@ TEST(Gm5Program, StoppedRenderLeavesNothingBehind) {
                 (WIFEXITED(status) && WEXITSTATUS(status) == 1))
         << status;
     EXPECT_EQ(scratch.Names(), std::vector<std::string>());
+    for (const std::string& name : scratch.Names()) std::filesystem::remove(scratch.Path(name));
   }
 }
 
