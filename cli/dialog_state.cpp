@@ -150,20 +150,6 @@ int32_t FontRow(WindowHandle box, const std::string& name) {
   return -1;
 }
 
-// The id of the control behind the "Frames" setting of the page of effect `row`, or 0.
-int32_t FramesControl(int32_t row) {
-  if (row < 0 || row >= kEffectCount) return 0;
-  for (const PageTable& page : kPageTables) {
-    if (page.style != EffectStyle[row]) continue;
-    for (int32_t i = 0; i < page.count; ++i) {
-      const char* key = page.controls[i].key;
-      const size_t n = key ? strlen(key) : 0;
-      if (n > 6 && strcmp(key + n - 6, "Frames") == 0) return page.controls[i].id;
-    }
-  }
-  return 0;
-}
-
 // Reads a document whole: a regular file, in UTF-8 (or already in the code page, as the plug-in
 // writes it). Text field lines are applied here, blanks kept; the others go to the controls.
 int ReadDocument(WindowHandle dialog, const std::string& path, std::string* error) {
@@ -218,6 +204,19 @@ int ReadDocument(WindowHandle dialog, const std::string& path, std::string* erro
 }
 
 }  // namespace
+
+int32_t FramesControl(int32_t row) {
+  if (row < 0 || row >= kEffectCount) return 0;
+  for (const PageTable& page : kPageTables) {
+    if (page.style != EffectStyle[row]) continue;
+    for (int32_t i = 0; i < page.count; ++i) {
+      const char* key = page.controls[i].key;
+      const size_t n = key ? strlen(key) : 0;
+      if (n > 6 && strcmp(key + n - 6, "Frames") == 0) return page.controls[i].id;
+    }
+  }
+  return 0;
+}
 
 void DestroyRunDialog(WindowHandle dialog) {
   if (!dialog) return;

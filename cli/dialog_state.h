@@ -25,6 +25,9 @@ WindowHandle CreateRunDialog(const CommandLine& line, const std::string& documen
 // Frees the material buttons' blocks, then the dialog. A null dialog is accepted.
 void DestroyRunDialog(WindowHandle dialog);
 
+// The id of the control behind the "Frames" setting of the page of effect `row`, or 0.
+int32_t FramesControl(int32_t row);
+
 // Writes the dialog's state as an effect document at `path`, whole or not at all. Returns 0 with
 // `error` on failure.
 int SaveRunDocument(WindowHandle dialog, const std::string& path, std::string* error);

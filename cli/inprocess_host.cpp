@@ -24,25 +24,8 @@ std::string InMegabytes(uint64_t bytes) {
   return text;
 }
 
-// Refuses a file the output cannot hold or memory cannot keep, saying why.
 int RefuseFile(InProcessHost* host, const FileObjectRecord* record) {
-  if (record->width > host->largestSide || record->height > host->largestSide) {
-    host->refusal = "the animation would be " + std::to_string(record->width) + "x" +
-                    std::to_string(record->height) + ", larger than the output holds (" +
-                    std::to_string(host->largestSide) + " pixels a side)";
-    return 1;
-  }
-  const uint64_t limit = host->memoryLimit ? host->memoryLimit : MachineMemory();
-  const uint64_t need =
-      EstimateFrameBytes(record->width, record->height, record->bits, record->frameCount);
-  if (need > limit) {
-    host->refusal = "the animation would need about " + InMegabytes(need) + " for its " +
-                    std::to_string(record->frameCount) + " frames of " +
-                    std::to_string(record->width) + "x" + std::to_string(record->height) +
-                    ", more than the " + InMegabytes(limit) + " of memory (use a smaller --size)";
-    return 1;
-  }
-  return 0;
+  return RefuseCanvas(host, record->width, record->height, record->bits, record->frameCount);
 }
 
 uint64_t ServeInProcess(void* object, int32_t opcode, uint64_t a, uint64_t b) {
@@ -93,4 +76,24 @@ uint64_t EstimateFrameBytes(int32_t width, int32_t height, int32_t bits, int32_t
   const uint64_t canvas =
       uint64_t{4} * static_cast<uint64_t>(width) * static_cast<uint64_t>(height);
   return frame * static_cast<uint64_t>(frameCount > 0 ? frameCount : 1) + canvas;
+}
+
+int RefuseCanvas(InProcessHost* host, int32_t width, int32_t height, int32_t bits,
+                 int32_t frameCount) {
+  if (width > host->largestSide || height > host->largestSide) {
+    host->refusal = "the animation would be " + std::to_string(width) + "x" +
+                    std::to_string(height) + ", larger than the output holds (" +
+                    std::to_string(host->largestSide) + " pixels a side)";
+    return 1;
+  }
+  const uint64_t limit = host->memoryLimit ? host->memoryLimit : MachineMemory();
+  const uint64_t need = EstimateFrameBytes(width, height, bits, frameCount);
+  if (need > limit) {
+    host->refusal = "the animation would need about " + InMegabytes(need) + " for its " +
+                    std::to_string(frameCount) + " frames of " + std::to_string(width) + "x" +
+                    std::to_string(height) + ", more than the " + InMegabytes(limit) +
+                    " of memory (use a smaller --size)";
+    return 1;
+  }
+  return 0;
 }

@@ -27,10 +27,14 @@ struct InProcessHost {
 // memory, with the output's full-size RGBA canvas.
 uint64_t EstimateFrameBytes(int32_t width, int32_t height, int32_t bits, int32_t frameCount);
 
+// Nonzero, with `host->refusal` saying why, when `frameCount` frames of `width` by `height` at
+// `bits` per pixel are more than the output holds (`largestSide`) or memory can keep.
+int RefuseCanvas(InProcessHost* host, int32_t width, int32_t height, int32_t bits,
+                 int32_t frameCount);
+
 // Makes `host` the active one, indexed unless `trueColour`. `progress` may be null.
 void BeginInProcessHost(InProcessHost* host, int32_t trueColour, ProgressBar* progress);
 // Stops serving calls: the record's service refuses everything from now on.
 void EndInProcessHost(InProcessHost* host);
 // The file the engine handed over and committed last (test files aside), or null.
 const HostFile* InProcessResult(const InProcessHost* host);
-

@@ -15,6 +15,7 @@
 #include "cli/settings_command.h"
 #include "controls/value_controls.h"
 #include "host/writers/animation_output.h"
+#include "host/writers/output_file.h"
 #include "host/writers/webp_writer.h"
 #include "platform/posix/font_list_posix.h"
 #include "shell/build_pipeline.h"
@@ -24,6 +25,7 @@
 #include "shell/messages.h"
 #include "shell/packed_dib.h"
 #include "text/drawing_layer.h"
+#include "text/text_layout.h"
 
 namespace {
 
@@ -91,6 +93,54 @@ void WarnOfSubstituteFont(WindowHandle dialog) {
             drawn);
 }
 
+// The main dialog's controls the text's measure reads, beside those of main_dialog_ids.h.
+constexpr int32_t kIdAntialias = 51, kIdPad = 59, kIdCharacterSpace = 61;
+
+// The smallest canvas the effect's frames can have: the whole text measured in its font, with
+// the padding but without what a page's softness, outline or shadow adds. Measuring is quick; the
+// effect's drawing of the frames is the slow part of a build. Returns 0 when it cannot measure.
+int MeasureTextCanvas(WindowHandle dialog, int32_t* width, int32_t* height) {
+  char text[264], face[264];  // as much of the text as the frame renderer reads
+  DialogGetText(DialogItem(dialog, kTextFieldId), text, sizeof text);
+  DialogGetText(DialogItem(dialog, kIdFontName), face, sizeof face);
+  TextLayoutInput input{};
+  input.text = text;
+  input.faceName = face;
+  input.fontSize = ReadDlgValue(dialog, kIdFontSize);
+  input.bold = DialogGetCheck(DialogItem(dialog, kIdBold));
+  input.italic = DialogGetCheck(DialogItem(dialog, kIdItalic));
+  input.antialias = DialogGetCheck(DialogItem(dialog, kIdAntialias));
+  input.spacePercent = ReadDlgValue(dialog, kIdCharacterSpace);
+  input.padding = ReadDlgValue(dialog, kIdPad);
+  TextLayout layout;
+  if (!BeginTextLayout(dialog, &input, &layout)) return 0;
+  *width = layout.canvasWidth;
+  *height = layout.canvasHeight;
+  EndTextLayout(&layout);
+  return 1;
+}
+
+// Refuses, before any frame is drawn, a render whose text alone makes its frames larger than the
+// output holds or than memory keeps. Every frame is held as the effect makes it, at 24 bits (32
+// with an alpha plane), until the build reduces them.
+// Ring bends the text around a circle, whose frames can be narrower than the text in a line; the
+// host's check on the finished frames stands for it.
+int RefuseBeforeDrawing(WindowHandle dialog, InProcessHost* host) {
+  const int32_t row = DialogGetSelection(DialogItem(dialog, kIdEffect));
+  if (strcmp(EffectTable[EffectRowForBuild(row)].name, "Ring") == 0) return 0;
+  int32_t width = 0, height = 0;
+  if (!MeasureTextCanvas(dialog, &width, &height)) return 0;
+  const int32_t framesId = FramesControl(EffectRowForBuild(row));
+  const int32_t frames = framesId ? ReadDlgValue(dialog, framesId) : 1;
+  const int32_t bits = DialogGetCheck(DialogItem(dialog, kIdAlphaTransparency)) ? 32 : 24;
+  return RefuseCanvas(host, width, height, bits, frames);
+}
+
+// Removes the output's reserved temporary when the command ends without using it.
+struct ScopedOutputReservation {
+  ~ScopedOutputReservation() { ReleaseOutputFile(); }
+};
+
 std::string EngineFailure(const char* what) {
   const std::string shown = LastShownMessage();
   return shown.empty() ? std::string(what) : std::string(what) + ": " + shown;
@@ -130,11 +180,14 @@ int RenderAnimation(const CommandLine& line, std::string* error, HostFile* built
   const int32_t trueColour = DialogGetCheck(DialogItem(run.dialog, kIdTrueColour)) ||
                              DialogGetCheck(DialogItem(run.dialog, kIdAlphaTransparency));
   WarnOfSubstituteFont(run.dialog);
+  InProcessHost host;
+  host.largestSide = kind == OutputWebp ? kWebpLargestSide : 65535;
+  if (RefuseBeforeDrawing(run.dialog, &host)) return *error = host.refusal, 0;
+  ScopedOutputReservation reservation;
+  if (kind != OutputPngFolder && !ReserveOutputFile(line.output, error)) return 0;
   ProgressBar bar;
   BeginProgress(&bar, stderr, line.quiet);
-  InProcessHost host;
   BeginInProcessHost(&host, trueColour, &bar);
-  host.largestSide = kind == OutputWebp ? kWebpLargestSide : 65535;
   RecordShownMessage("");
   const int ok = BuildFrames(run.dialog, &host.record, 0);
   EndInProcessHost(&host);

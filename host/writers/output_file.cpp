@@ -29,6 +29,10 @@ void PublishPartial(const std::string& path) {
   partialSet.store(1);
 }
 
+// The temporary opened ahead of the bytes for one destination, or -1.
+int reservedDescriptor = -1;
+std::string reservedFor, reservedTemporary;
+
 std::string Reason(int code) {
   return strerror(code);
 }
@@ -44,6 +48,31 @@ std::string FolderOf(const std::string& path) {
   if (slash == std::string::npos) return ".";
   if (slash == 0) return "/";
   return path.substr(0, slash);
+}
+
+// Where the bytes for `path` land: a link to a file is followed, so that the file it names is
+// replaced and the link stays.
+std::string PlaceOf(const std::string& path) {
+  struct stat link;
+  char resolved[PATH_MAX];
+  if (lstat(path.c_str(), &link) == 0 && S_ISLNK(link.st_mode) && realpath(path.c_str(), resolved))
+    return resolved;
+  return path;
+}
+
+// Creates and publishes the temporary beside `place`. Its name does not grow with the
+// destination's, so that any valid name works. Returns its descriptor, or -1 with errno set.
+int OpenTemporary(const std::string& place, std::string* temporary) {
+  *temporary = FolderOf(place) + "/.gm5-" + std::to_string(static_cast<long>(getpid())) + ".part";
+  PublishPartial(*temporary);
+  const int descriptor =
+      open(temporary->c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_EXCL | O_CLOEXEC, 0666);
+  if (descriptor < 0) {
+    const int code = errno;
+    partialSet.store(0);
+    errno = code;
+  }
+  return descriptor;
 }
 
 // Writes all of `bytes` to `descriptor`, going on after short writes and interruptions. Returns
@@ -157,6 +186,25 @@ int CheckFrameFolder(const std::string& path, std::string* error) {
   return 1;
 }
 
+int ReserveOutputFile(const std::string& path, std::string* error) {
+  ReleaseOutputFile();
+  struct stat info;
+  if (path == "-" || (stat(path.c_str(), &info) == 0 && !S_ISREG(info.st_mode))) return 1;
+  const int descriptor = OpenTemporary(PlaceOf(path), &reservedTemporary);
+  if (descriptor < 0) return Fail(error, path, Reason(errno));
+  reservedDescriptor = descriptor;
+  reservedFor = path;
+  return 1;
+}
+
+void ReleaseOutputFile() {
+  if (reservedDescriptor < 0) return;
+  close(reservedDescriptor);
+  unlink(reservedTemporary.c_str());
+  reservedDescriptor = -1;
+  partialSet.store(0);
+}
+
 int WriteOutputBytes(const std::string& path, const void* bytes, size_t size, int keepBackup,
                      std::string* error) {
   const uint8_t* data = static_cast<const uint8_t*>(bytes);
@@ -178,28 +226,20 @@ int WriteOutputBytes(const std::string& path, const void* bytes, size_t size, in
     if (close(descriptor) != 0 && ok) ok = 0, code = errno;
     return ok ? 1 : Fail(error, path, Reason(code));
   }
-  // A link to a file is followed: the file it names is replaced and the link stays.
-  std::string place = path;
-  struct stat link;
-  if (exists && lstat(path.c_str(), &link) == 0 && S_ISLNK(link.st_mode)) {
-    char resolved[PATH_MAX];
-    if (realpath(path.c_str(), resolved)) place = resolved;
-  }
+  const std::string place = PlaceOf(path);
   // A rewritten document keeps what it replaces; the copy is complete before anything changes.
   // A name too long to take ".bak" goes without.
   if (exists && keepBackup && !CopyToBackup(place, place + ".bak", error) &&
       error->find(strerror(ENAMETOOLONG)) == std::string::npos)
     return 0;
-  // The temporary's name does not grow with the destination's, so that any valid name works.
-  const std::string temporary =
-      FolderOf(place) + "/.gm5-" + std::to_string(static_cast<long>(getpid())) + ".part";
-  PublishPartial(temporary);
-  const int descriptor =
-      open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_EXCL | O_CLOEXEC, 0666);
-  if (descriptor < 0) {
-    const int code = errno;
-    partialSet.store(0);
-    return Fail(error, path, Reason(code));
+  std::string temporary;
+  int descriptor;
+  if (reservedDescriptor >= 0 && reservedFor == path) {
+    descriptor = reservedDescriptor, temporary = reservedTemporary;
+    reservedDescriptor = -1;
+  } else {
+    descriptor = OpenTemporary(place, &temporary);
+    if (descriptor < 0) return Fail(error, path, Reason(errno));
   }
   int ok = WriteAll(descriptor, data, size);
   int code = errno;

@@ -23,6 +23,14 @@ int CheckOutputFile(const std::string& path, std::string* error);
 // naming the first foreign entry otherwise.
 int CheckFrameFolder(const std::string& path, std::string* error);
 
+// Opens, before `path`'s bytes are made, the temporary they will be written to, so that a folder
+// that cannot take it is refused before the work and a stopped run removes it. Nothing is opened
+// for standard output, a device or a pipe. The next WriteOutputBytes to `path` uses it. Returns 0
+// with "cannot write PATH: REASON" otherwise.
+int ReserveOutputFile(const std::string& path, std::string* error);
+// Closes and removes a reserved temporary that was not used; nothing when there is none.
+void ReleaseOutputFile();
+
 // Writes `size` bytes as the whole of `path`. With `keepBackup`, a file that is replaced is first
 // copied to path + ".bak". Returns 0 with "cannot write PATH: REASON" (the system's reason) in
 // `error` on failure, having left the destination as it was.

@@ -1,7 +1,11 @@
 // gm5's command line: option forms and their errors, effect names, the progress line, the
 // in-process host, and the program itself run as a user would (output, exit status and one-line
 // messages, nothing left behind by a failure).
+#include <fcntl.h>
 #include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
 
 #include <algorithm>
 #include <cstdio>
@@ -336,6 +340,80 @@ TEST(Gm5Program, OutputsLandWholeWhereAsked) {
   EXPECT_EQ(names, (std::vector<std::string>{"a.gif", "d.gm5", "d.gm5.bak", "forced.gif",
                                              std::string(251, 'n') + ".gif", "piped.gif",
                                              "piped.png", "sample.png"}));
+}
+
+// A run stopped by any of the signals that end a session, while it renders, leaves nothing in
+// the output's folder: the temporary, opened before the frames are drawn, goes with it.
+TEST(Gm5Program, StoppedRenderLeavesNothingBehind) {
+  ScratchFolder scratch;
+  const std::string out = scratch.Path("slow.webp");
+  // Thousands of large frames: the run is still drawing when the signal comes.
+  const std::vector<std::string> words = {
+      GM5_PROGRAM_PATH,     "render", "--defaults", "-q",       "--font", "DejaVu Sans", "--text",
+      "Stopped on the way", "--size", "80",         "--frames", "2000",   "-o",          out};
+  std::vector<char*> argv;
+  for (const std::string& word : words) argv.push_back(const_cast<char*>(word.c_str()));
+  argv.push_back(nullptr);
+  for (int number : {SIGHUP, SIGPIPE, SIGALRM, SIGINT, SIGTERM}) {
+    SCOPED_TRACE(strsignal(number));
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+      const int null = open("/dev/null", O_WRONLY);
+      dup2(null, STDOUT_FILENO);
+      dup2(null, STDERR_FILENO);
+      execv(argv[0], argv.data());
+      _exit(127);
+    }
+    // Waits for this run's temporary, for at most a minute, however slow the machine is.
+    const std::string temporary = scratch.Path(".gm5-" + std::to_string(child) + ".part");
+    int status = 0, ended = 0, seen = 0;
+    for (int i = 0; i < 60000 && !seen && !ended; ++i) {
+      seen = std::filesystem::exists(temporary);
+      if (!seen) ended = waitpid(child, &status, WNOHANG) == child, usleep(1000);
+    }
+    if (!ended) {
+      kill(child, seen ? number : SIGKILL);
+      ASSERT_EQ(waitpid(child, &status, 0), child);
+    }
+    EXPECT_TRUE(seen) << "no temporary appeared";
+    EXPECT_TRUE((WIFSIGNALED(status) && WTERMSIG(status) == number) ||
+                (WIFEXITED(status) && WEXITSTATUS(status) == 1))
+        << status;
+    EXPECT_EQ(scratch.Names(), std::vector<std::string>());
+    for (const std::string& name : scratch.Names()) std::filesystem::remove(scratch.Path(name));
+  }
+}
+
+// Frames larger than the output holds or memory keeps are refused from the text's measure, before
+// any frame is drawn, and nothing is written. Drawing these would take minutes to hours.
+TEST(Gm5Program, ImpossibleRendersAreRefusedBeforeDrawing) {
+  ScratchFolder scratch;
+  const std::string text = " --font 'DejaVu Sans' -q --size 400 --text '" + std::string(100, 'W') +
+                           "' -o " + scratch.Path("big");
+  const struct {
+    std::string arguments, start, end;
+  } cases[] = {
+      {"render --defaults" + text + ".webp", "gm5: the animation would be ",
+       ", larger than the output holds (16383 pixels a side)\n"},
+      {"render --defaults --frames 32760" + text + ".gif", "gm5: the animation would need about ",
+       " of memory (use a smaller --size)\n"},
+  };
+  for (const auto& c : cases) {
+    const ProgramRun run = RunGm5(c.arguments);
+    EXPECT_EQ(run.status, 1) << c.arguments;
+    ASSERT_GT(run.out.size(), c.start.size() + c.end.size()) << run.out;
+    EXPECT_EQ(run.out.substr(0, c.start.size()), c.start) << run.out;
+    EXPECT_EQ(run.out.substr(run.out.size() - c.end.size()), c.end) << run.out;
+    // The size named is at least the text's: a hundred glyphs a few hundred pixels wide each.
+    int width = 0, height = 0;
+    const size_t frames = run.out.find(" frames of ");
+    const size_t at = frames == std::string::npos ? c.start.size() : frames + 11;
+    ASSERT_EQ(sscanf(run.out.c_str() + at, "%dx%d", &width, &height), 2) << run.out;
+    EXPECT_GT(width, 16383);
+    EXPECT_GE(height, 400);
+    EXPECT_EQ(scratch.Names(), std::vector<std::string>());
+  }
 }
 
 // What is read is read as it stands or refused in one line: files that are not regular files,
