@@ -22,6 +22,7 @@
 #include "effects/unplugged_tv.h"
 #include "effects/waterside.h"
 #include "effects/wavelet.h"
+#include "effects/zipper.h"
 #include "shell/effect_pages.h"
 
 // Rows in alphabetical order of the names but for Omni, which stands ahead of Machine: the index is
@@ -65,7 +66,8 @@ const EffectEntry EffectTable[kEffectCount] = {
      WatersideEffectKeyColour, kPageIds<8>.data(), nullptr},
     {"Wavelet", EffectPageInit<9>, WaveletEffectPreview, WaveletEffectBuild, WaveletEffectKeyColour,
      kPageIds<9>.data(), nullptr},
-    {"Zipper", EffectPageInit<14>, nullptr, nullptr, nullptr, kPageIds<14>.data(), nullptr},
+    {"Zipper", EffectPageInit<14>, ZipperEffectPreview, ZipperEffectBuild, ZipperEffectKeyColour,
+     kPageIds<14>.data(), nullptr},
 };
 
 const int32_t EffectStyle[kEffectCount] = {7, 17, 16, 12, 10, 11, 4,  6, 5, 13, 18,
