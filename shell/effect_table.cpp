@@ -19,6 +19,7 @@
 #include "effects/snow.h"
 #include "effects/stars.h"
 #include "effects/tracks.h"
+#include "effects/tram_lines.h"
 #include "effects/unplugged_tv.h"
 #include "effects/waterside.h"
 #include "effects/wavelet.h"
@@ -59,7 +60,8 @@ const EffectEntry EffectTable[kEffectCount] = {
      kPageIds<3>.data(), nullptr},
     {"Tracks", EffectPageInit<15>, TracksEffectPreview, TracksEffectBuild, TracksEffectKeyColour,
      kPageIds<15>.data(), nullptr},
-    {"Tram Lines", EffectPageInit<20>, nullptr, nullptr, nullptr, kPageIds<20>.data(), nullptr},
+    {"Tram Lines", EffectPageInit<20>, TramLinesEffectPreview, TramLinesEffectBuild,
+     TramLinesEffectKeyColour, kPageIds<20>.data(), nullptr},
     {"Unplugged TV", EffectPageInit<19>, UnpluggedTvEffectPreview, UnpluggedTvEffectBuild,
      UnpluggedTvEffectKeyColour, kPageIds<19>.data(), nullptr},
     {"Waterside", EffectPageInit<8>, WatersideEffectPreview, WatersideEffectBuild,
