@@ -14,7 +14,7 @@
 int32_t ZipperShift(int32_t length, int32_t frame, int32_t frames) {
   const int64_t last = std::max(frames - 1, 1);
   const int64_t r = std::clamp<int64_t>(last - frame, 0, last);
-  return static_cast<int32_t>(static_cast<int64_t>(length) * r * r / (2 * last * last));
+  return static_cast<int32_t>(3 * static_cast<int64_t>(length) * r * r / (8 * last * last));
 }
 
 bool ZipperColumns(int32_t width, int32_t height) {

@@ -18,8 +18,9 @@ struct ZipperSettings {
 };
 
 // The shift of the even teeth in frame `frame` of `frames` along a length of `length` pixels:
-// length * r * r / (2 * (frames - 1)^2) truncated, r = frames - 1 - frame; the odd teeth take its
-// negative. Half a turn in frame 0, 0 in the last.
+// 3 * length * r * r / (8 * (frames - 1)^2) truncated, r = frames - 1 - frame; the odd teeth take
+// its negative. Three eighths of a turn in frame 0, so that the two sets already stand apart and
+// interleaved (half a turn would put them in the same place), and 0 in the last.
 int32_t ZipperShift(int32_t length, int32_t frame, int32_t frames);
 // True when the teeth are columns: the picture is taller than wide.
 bool ZipperColumns(int32_t width, int32_t height);

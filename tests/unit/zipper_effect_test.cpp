@@ -25,11 +25,11 @@ BuiltFrames Build(MovableHandle picture, ZipperSettings settings) {
 
 }  // namespace
 
-TEST(Zipper, ShiftStartsHalfATurnRoundAndClosesWithTheSquareOfTheFramesLeft) {
-  // length * r^2 / (2 (frames - 1)^2), r = frames - 1 - frame, truncated.
+TEST(Zipper, ShiftStartsThreeEighthsRoundAndClosesWithTheSquareOfTheFramesLeft) {
+  // 3 length r^2 / (8 (frames - 1)^2), r = frames - 1 - frame, truncated.
   const struct { int length, frame, frames, shift; } cases[] = {
-      {100, 0, 64, 50},  {101, 0, 64, 50},       {100, 63, 64, 0},  {100, 31, 64, 12},
-      {301, 1, 3, 37},   {301, 0, 2, 150},       {301, 1, 2, 0},    {40000, 1, 32760, 19998},
+      {100, 0, 64, 37},  {101, 0, 64, 37},       {100, 63, 64, 0},  {100, 31, 64, 9},
+      {301, 1, 3, 28},   {301, 0, 2, 112},       {301, 1, 2, 0},    {40000, 1, 32760, 14999},
   };
   for (const auto& c : cases)
     EXPECT_EQ(ZipperShift(c.length, c.frame, c.frames), c.shift) << c.length << " " << c.frame;
@@ -56,7 +56,7 @@ TEST(Zipper, TeethAreOppositeCyclicShiftsAndTheLastFrameIsThePictureAtRest) {
     const int span = columns ? c.width : c.height, length = columns ? c.height : c.width;
     for (int f = 0; f < c.frames; ++f) {
       const double r = c.frames - 1 - f, last = c.frames - 1;
-      const int expected = static_cast<int>(std::floor(length * r * r / (2 * last * last)));
+      const int expected = static_cast<int>(std::floor(3 * length * r * r / (8 * last * last)));
       for (int first = 0, k = 0; first < span; first += c.leaf, ++k) {
         const int s = FindBandShift(b.frames[f], home, columns, first,
                                     std::min(c.leaf, span - first));
@@ -88,7 +88,7 @@ TEST(Zipper, DefaultPageBuildsSixtyFourFramesAndTheSampleIsTheMiddleOne) {
   for (size_t i = 0; i < defaults.frames.size(); ++i)
     EXPECT_EQ(again.frames[i].values, defaults.frames[i].values) << i;
 
-  // Two frames: half a turn, then rest; a finer leaf changes the teeth, not the count.
+  // Two frames: three eighths of a turn, then rest; a finer leaf changes the teeth, not the count.
   const BuiltFrames two = page.Build(ZipperEffectBuild, {{708, 2}, {11, 9}, {23, 20}});
   EXPECT_EQ(two.delays, (std::vector<int32_t>{9, 29}));
   EXPECT_EQ(two.frames.back().values, home.values);
