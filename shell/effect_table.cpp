@@ -19,9 +19,11 @@
 #include "effects/snow.h"
 #include "effects/stars.h"
 #include "effects/tracks.h"
+#include "effects/tram_lines.h"
 #include "effects/unplugged_tv.h"
 #include "effects/waterside.h"
 #include "effects/wavelet.h"
+#include "effects/zipper.h"
 #include "shell/effect_pages.h"
 
 // Rows in alphabetical order of the names but for Omni, which stands ahead of Machine: the index is
@@ -58,14 +60,16 @@ const EffectEntry EffectTable[kEffectCount] = {
      kPageIds<3>.data(), nullptr},
     {"Tracks", EffectPageInit<15>, TracksEffectPreview, TracksEffectBuild, TracksEffectKeyColour,
      kPageIds<15>.data(), nullptr},
-    {"Tram Lines", EffectPageInit<20>, nullptr, nullptr, nullptr, kPageIds<20>.data(), nullptr},
+    {"Tram Lines", EffectPageInit<20>, TramLinesEffectPreview, TramLinesEffectBuild,
+     TramLinesEffectKeyColour, kPageIds<20>.data(), nullptr},
     {"Unplugged TV", EffectPageInit<19>, UnpluggedTvEffectPreview, UnpluggedTvEffectBuild,
      UnpluggedTvEffectKeyColour, kPageIds<19>.data(), nullptr},
     {"Waterside", EffectPageInit<8>, WatersideEffectPreview, WatersideEffectBuild,
      WatersideEffectKeyColour, kPageIds<8>.data(), nullptr},
     {"Wavelet", EffectPageInit<9>, WaveletEffectPreview, WaveletEffectBuild, WaveletEffectKeyColour,
      kPageIds<9>.data(), nullptr},
-    {"Zipper", EffectPageInit<14>, nullptr, nullptr, nullptr, kPageIds<14>.data(), nullptr},
+    {"Zipper", EffectPageInit<14>, ZipperEffectPreview, ZipperEffectBuild, ZipperEffectKeyColour,
+     kPageIds<14>.data(), nullptr},
 };
 
 const int32_t EffectStyle[kEffectCount] = {7, 17, 16, 12, 10, 11, 4,  6, 5, 13, 18,

@@ -55,3 +55,18 @@ PictureValues PageDialog::Preview(EffectPreview preview) {
   preview(&context);
   return TakePicture(context.image);
 }
+
+int FindBandShift(const PictureValues& frame, const PictureValues& home, bool columns, int first,
+                  int count) {
+  const int length = columns ? home.height : home.width;
+  for (int s = 0; s < length; ++s) {
+    bool fits = true;
+    for (int k = first; k < first + count && fits; ++k)
+      for (int d = 0; d < length && fits; ++d) {
+        const int from = (d - s + length) % length;
+        fits = columns ? frame.At(k, d) == home.At(k, from) : frame.At(d, k) == home.At(from, k);
+      }
+    if (fits) return s;
+  }
+  return -1;
+}

@@ -19,6 +19,12 @@ struct BuiltFrames {
 // Reads every frame of `list` and frees the list; `ok` is what the build returned.
 BuiltFrames TakeFrames(FrameList* list, int ok);
 
+// The cyclic shift s of the rows (columns with `columns`) [first, first + count) of `frame`
+// against `home`: the pixel at distance d along the band shows home's pixel at d - s, wrapped, so
+// s > 0 means moved right or down. -1 when no shift fits the whole band.
+int FindBandShift(const PictureValues& frame, const PictureValues& home, bool columns, int first,
+                  int count);
+
 // Every control at the default settings (which it restores again when it ends), with material
 // records in the material buttons `materials`.
 struct PageDialog {
