@@ -4,42 +4,10 @@
 
 #include "controls/value_controls.h"
 #include "shell/crt_random.h"
-#include "shell/packed_dib.h"
 #include "tests/support/alloc_sweep.h"
 #include "tests/support/effect_builds.h"
-#include "text/compositing.h"
-#include "text/mask_image.h"
-#include "text/text_mask.h"
 
 // Rows of the Rotation list: -6 is row 11, 6 row 22, 12 row 26.
-
-TEST(QuarkOutline, TheRingTakesThePictureUnderIt) {
-  // Colours symmetric in red and blue, so that the byte order does not matter.
-  ScopedBlock canvas(FilledImage(0, 0, 3, 1, 0)), flat(FilledImage(0, 0, 3, 1, 0));
-  ScopedBlock picture(FilledImage(0, 0, 3, 1, 0x40C040)), ring(CreateMask(4, 1));
-  ScopedBlock plane(CreateMask(3, 1));
-  ScopedLock c(canvas.handle), f(flat.handle), p(picture.handle), r(ring.handle), a(plane.handle);
-  ASSERT_TRUE(c && f && p && r && a);
-  // The ring is read one column to the right of the canvas pixel.
-  const uint32_t coverage[4] = {255, 255, 128, 0};
-  for (int32_t x = 0; x < 4; ++x) WriteDibPixel(r.bytes, x, 0, coverage[x]);
-  // A uniform picture paints exactly as the flat colour does.
-  CompositeOutlinePicture(c.bytes, nullptr, r.bytes, p.bytes);
-  CompositeOutlineLayer(f.bytes, nullptr, r.bytes, 0x40C040);
-  for (int32_t x = 0; x < 3; ++x) EXPECT_EQ(ReadDibPixel(c.bytes, x, 0), ReadDibPixel(f.bytes, x, 0));
-  // Each pixel takes the picture's own pixel: whole at 255, half at 128 (255 * 128 / 255 = 128,
-  // 128 * 128 / 255 = 64), untouched at 0; the coverage adds into the alpha plane.
-  WriteDibPixel(p.bytes, 1, 0, 0xFF80FF);
-  WriteDibPixel(p.bytes, 2, 0, 0x123412);
-  for (int32_t x = 0; x < 3; ++x) WriteDibPixel(c.bytes, x, 0, 0);
-  CompositeOutlinePicture(c.bytes, a.bytes, r.bytes, p.bytes);
-  EXPECT_EQ(ReadDibPixel(c.bytes, 0, 0) & 0xFFFFFF, 0x40C040u);
-  EXPECT_EQ(ReadDibPixel(c.bytes, 1, 0) & 0xFFFFFF, 0x804080u);
-  EXPECT_EQ(ReadDibPixel(c.bytes, 2, 0) & 0xFFFFFF, 0u);
-  EXPECT_EQ(ReadDibPixel(a.bytes, 0, 0), 255u);
-  EXPECT_EQ(ReadDibPixel(a.bytes, 1, 0), 128u);
-  EXPECT_EQ(ReadDibPixel(a.bytes, 2, 0), 0u);
-}
 
 TEST(QuarkOutlinePage, OneTurnInTheRingWithTheFillLeftAlone) {
   WindowHandle dialog = SmallEffectDialog({659, 661, 663}, {0x40C040, 0x7F7F7F, 0xFFFFFF});
