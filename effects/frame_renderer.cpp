@@ -172,7 +172,13 @@ int OutlineStep(TextFrame* frame, int32_t x, int32_t y) {
   ScopedBlock ring(WarpLayerMask(frame, LayoutOutlineMask(&frame->layout, xt, yt)));
   ScopedLock canvas(frame->canvas), plane(frame->alphaPlane), m(ring.handle);
   if (!canvas || !m || (frame->alphaPlane && !plane)) return 0;
-  CompositeOutlineLayer(canvas.bytes, plane.bytes, m.bytes, frame->settings->outlineColour);
+  if (!frame->outlineImage) {
+    CompositeOutlineLayer(canvas.bytes, plane.bytes, m.bytes, frame->settings->outlineColour);
+    return 1;
+  }
+  ScopedLock picture(frame->outlineImage);
+  if (!picture) return 0;
+  CompositeOutlinePicture(canvas.bytes, plane.bytes, m.bytes, picture.bytes);
   return 1;
 }
 
@@ -188,6 +194,7 @@ void EndTextFrame(TextFrame* frame) {
   MovableFree(frame->fillImage);
   MovableFree(frame->shadowImage);
   MovableFree(frame->alphaPlane);
+  MovableFree(frame->outlineImage);
   EndTextLayout(&frame->layout);
   std::memset(frame, 0, sizeof(*frame));
 }

@@ -58,6 +58,9 @@ struct TextFrame {
   MovableHandle fillImage;    // 24 bits
   MovableHandle shadowImage;  // 24 bits, with the shadow on
   MovableHandle alphaPlane;   // 8-bit coverage, in builds with alpha
+  // 24 bits at the canvas size, or null: the outline step then paints the ring with this picture
+  // instead of the Outline colour. Set by the effect after BeginTextFrame; freed with the frame.
+  MovableHandle outlineImage;
   // Applied to each layer's mask as soon as it is drawn, the shadow's before its softness: a new
   // mask to use instead (the step frees the first), or null to fail the step. Null: masks are used
   // as drawn. Set after BeginTextFrame.
@@ -82,7 +85,8 @@ int AlphaPlaneStep(TextFrame* frame);
 int ShadowStep(TextFrame* frame, int32_t x, int32_t y);
 // The text at (x, y) plus margin and text shift, filled with the Fill material.
 int FillStep(TextFrame* frame, int32_t x, int32_t y);
-// The outline ring of the text at the fill step's place; only with the outline on.
+// The outline ring of the text at the fill step's place, in the Outline colour or from
+// `outlineImage` when the frame has one; only with the outline on.
 int OutlineStep(TextFrame* frame, int32_t x, int32_t y);
 // The frame's picture (32 bits with an alpha plane), taken out of the frame; null when memory
 // fails. The frame still has to be ended.

@@ -39,27 +39,31 @@ MovableHandle RenderQuarkFrame(const QuarkState* state, int32_t frameNumber) {
   return MakeGradientImage(state->width, state->height, &spec, &fountain);
 }
 
-namespace {
-
-int PrepareQuark(void* state, WindowHandle dialog, int32_t width, int32_t height) {
-  QuarkState* s = static_cast<QuarkState*>(state);
+int ReadQuarkState(QuarkState* state, WindowHandle dialog, const QuarkFountainIds* ids,
+                   int32_t width, int32_t height) {
   if (width < 1 || height < 1) return 0;
-  s->width = width;
-  s->height = height;
-  s->rotation = ReadRotation(dialog, kIdRotation);
-  // The offsets' range 1 to 99 becomes -98 to 98 with 50 in the middle.
-  s->centreX = ReadDlgValue(dialog, kIdXOffset) * 2 - 100;
-  s->centreY = ReadDlgValue(dialog, kIdYOffset) * 2 - 100;
-  s->initialRotation = ReadDlgValue(dialog, kIdInitRotation);
-  s->hasFountain = 0;  // the Fountain button holds no gradient of its own yet
+  state->width = width;
+  state->height = height;
+  state->rotation = ReadRotation(dialog, ids->rotation);
+  state->centreX = ReadDlgValue(dialog, ids->xOffset) * 2 - 100;
+  state->centreY = ReadDlgValue(dialog, ids->yOffset) * 2 - 100;
+  state->initialRotation = ReadDlgValue(dialog, ids->initialRotation);
+  state->hasFountain = 0;  // the Fountain button holds no gradient of its own yet
   return 1;
 }
 
-MovableHandle QuarkFrame(void* state, int32_t frameNumber) {
+MovableHandle QuarkFountainFrame(void* state, int32_t frameNumber) {
   return RenderQuarkFrame(static_cast<QuarkState*>(state), frameNumber);
 }
 
-void ReleaseQuark(void*) {}
+void ReleaseQuarkState(void*) {}
+
+namespace {
+
+int PrepareQuark(void* state, WindowHandle dialog, int32_t width, int32_t height) {
+  static constexpr QuarkFountainIds kIds = {kIdRotation, kIdXOffset, kIdYOffset, kIdInitRotation};
+  return ReadQuarkState(static_cast<QuarkState*>(state), dialog, &kIds, width, height);
+}
 
 }  // namespace
 
@@ -69,8 +73,8 @@ const FrameSetEffect kQuarkFrameSet = {
     0,
     sizeof(QuarkState),
     PrepareQuark,
-    QuarkFrame,
-    ReleaseQuark,
+    QuarkFountainFrame,
+    ReleaseQuarkState,
 };
 
 int QuarkEffectPreview(BuildContext* context) {

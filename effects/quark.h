@@ -24,6 +24,19 @@ void BuiltInRainbow(FountainGradient* gradient);
 // frameNumber steps of the rotation (not reduced to one turn). Null on failure.
 MovableHandle RenderQuarkFrame(const QuarkState* state, int32_t frameNumber);
 
+// The page controls that place and turn the fountain: the Rotation combo, the two offset spins and
+// the initial rotation spin. Quark and Quark Outline each name their own.
+struct QuarkFountainIds {
+  int32_t rotation, xOffset, yOffset, initialRotation;
+};
+// Fills `state` from those controls for a width by height canvas; the offsets' range 1 to 99
+// becomes a centre of -98 to 98. 1, or 0 for an empty canvas.
+int ReadQuarkState(QuarkState* state, WindowHandle dialog, const QuarkFountainIds* ids,
+                   int32_t width, int32_t height);
+// A frame set's frame and release procedures on a QuarkState.
+MovableHandle QuarkFountainFrame(void* state, int32_t frameNumber);
+void ReleaseQuarkState(void* state);
+
 extern const FrameSetEffect kQuarkFrameSet;
 
 int QuarkEffectPreview(BuildContext* context);

@@ -23,16 +23,21 @@ int32_t RotationFrameCount(int32_t rotation) {
   return 360 / (rotation < 0 ? -rotation : rotation);
 }
 
-int RotationFrameSetBuild(BuildContext* context, const FrameSetEffect* effect,
-                          int32_t rotationId) {
+int RunRotationFrames(BuildContext* context, int32_t rotationId, FrameSetRenderer render,
+                      void* renderer) {
   WindowHandle dialog = context->dialog;
   FrameSetLoop loop;
   loop.animated = DialogGetCheck(DialogItem(dialog, kIdAnimated));
   loop.delay = ReadDlgValue(dialog, kIdDelay);
   loop.frames = RotationFrameCount(ReadRotation(dialog, rotationId));
-  if (RunFrameSetFrames(context, &loop, RenderTurningFrame, const_cast<FrameSetEffect*>(effect)))
-    return 1;
+  if (RunFrameSetFrames(context, &loop, render, renderer)) return 1;
   MovableFree(context->image);
   context->image = nullptr;
   return 0;
+}
+
+int RotationFrameSetBuild(BuildContext* context, const FrameSetEffect* effect,
+                          int32_t rotationId) {
+  return RunRotationFrames(context, rotationId, RenderTurningFrame,
+                           const_cast<FrameSetEffect*>(effect));
 }

@@ -15,6 +15,11 @@ int32_t ReadRotation(WindowHandle dialog, int32_t id);
 // 360 / |rotation|, integer division.
 int32_t RotationFrameCount(int32_t rotation);
 
+// The frame loop of one turn: RotationFrameCount(rotation) frames read from combo `rotationId`
+// (one with the animate check off), each with the Delay, drawn by `render`. Returns 1, or 0 with
+// the context's picture freed.
+int RunRotationFrames(BuildContext* context, int32_t rotationId, FrameSetRenderer render,
+                      void* renderer);
 // The build of a frame-set effect whose loop is one turn: the frame loop with
 // RotationFrameCount(rotation) frames, read from combo `rotationId`.
 int RotationFrameSetBuild(BuildContext* context, const FrameSetEffect* effect,

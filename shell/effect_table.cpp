@@ -13,6 +13,7 @@
 #include "effects/machine.h"
 #include "effects/neural_network.h"
 #include "effects/quark.h"
+#include "effects/quark_outline.h"
 #include "effects/rattle.h"
 #include "effects/ring.h"
 #include "effects/simple.h"
@@ -47,7 +48,8 @@ const EffectEntry EffectTable[kEffectCount] = {
      NeuralNetworkEffectKeyColour, kPageIds<6>.data(), nullptr},
     {"Quark", EffectPageInit<5>, QuarkEffectPreview, QuarkEffectBuild, QuarkEffectKeyColour,
      kPageIds<5>.data(), nullptr},
-    {"Quark Outline", EffectPageInit<13>, nullptr, nullptr, nullptr, kPageIds<13>.data(), nullptr},
+    {"Quark Outline", EffectPageInit<13>, QuarkOutlineEffectPreview, QuarkOutlineEffectBuild,
+     QuarkOutlineEffectKeyColour, kPageIds<13>.data(), nullptr},
     {"Rattle", EffectPageInit<18>, PreviewRattle, BuildRattle, RattleBackground,
      kPageIds<18>.data(), nullptr},
     {"Ring", EffectPageInit<1>, RingEffectPreview, RingEffectBuild, RingEffectKeyColour,

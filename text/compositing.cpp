@@ -181,6 +181,30 @@ void CompositeOutlineLayer(void* canvas, void* alphaPlane, const void* ring, uin
   }
 }
 
+void CompositeOutlinePicture(void* canvas, void* alphaPlane, const void* ring, const void* picture) {
+  int32_t width = ImageWidth(canvas), height = ImageHeight(canvas);
+  if (ImageWidth(ring) - 1 < width) width = ImageWidth(ring) - 1;
+  if (ImageWidth(picture) < width) width = ImageWidth(picture);
+  if (ImageHeight(ring) < height) height = ImageHeight(ring);
+  if (ImageHeight(picture) < height) height = ImageHeight(picture);
+  if (Depth(canvas) == 24 && Depth(ring) == 8 && Depth(picture) == 24 &&
+      UsualPlane(canvas, alphaPlane)) {
+    for (int32_t y = 0; y < height; ++y) {
+      BlendRow(RowAt(canvas, y), RowAt(picture, y), 3, RowAt(ring, y) + 1,
+               alphaPlane ? RowAt(alphaPlane, y) : nullptr, width);
+    }
+    return;
+  }
+  for (int32_t y = 0; y < height; ++y) {
+    for (int32_t x = 0; x < width; ++x) {
+      const uint32_t m = ReadDibPixel(ring, x + 1, y) & 0xFF;
+      const uint32_t over = ReadDibPixel(picture, x, y);
+      WriteDibPixel(canvas, x, y, BlendPixel(ReadDibPixel(canvas, x, y), over, m));
+      if (alphaPlane) AddCoverage(alphaPlane, x, y, m);
+    }
+  }
+}
+
 int SoftenShadowMask(MovableHandle* mask, int32_t softness) {
   if (softness <= 0) return 1;
   constexpr int32_t kReach = 200;  // what every caller passes; the kernel length is fixed anyway

@@ -35,6 +35,9 @@ void CompositeFillLayer(void* canvas, void* alphaPlane, const void* mask, const 
 // The outline layer: blends a flat colour by the ring of RenderOutlineMask, which is read one
 // column to the right of the canvas pixel; with an alpha plane it also adds the coverage.
 void CompositeOutlineLayer(void* canvas, void* alphaPlane, const void* ring, uint32_t colour);
+// The same layer painted from a 24-bit picture instead of a flat colour: each canvas pixel takes the
+// picture's pixel at the same place, blended by the ring read one column to the right.
+void CompositeOutlinePicture(void* canvas, void* alphaPlane, const void* ring, const void* picture);
 
 // Blurs a shadow mask in place of the caller's when `softness` is above 0 (sigma of softness + 2
 // tenths), freeing the sharp one. Returns 1; 0 when the blur fails, `*mask` then being still the

@@ -67,14 +67,17 @@ TEST(Layers, RowLoopsMatchThePixelDefinitionOnRandomPictures) {
       ScopedBlock canvas(RandomImage(w, h, 24, 1)), expected(RandomImage(w, h, 24, 1));
       ScopedBlock plane(RandomImage(w, h, 8, 2)), expectedPlane(RandomImage(w, h, 8, 2));
       ScopedBlock mask(RandomImage(w, h, 8, 3)), picture(RandomImage(w, h, 24, 4));
-      ScopedBlock ring(RandomImage(w + 4, h, 8, 5));
+      ScopedBlock ring(RandomImage(w + 4, h, 8, 5)), ring2(RandomImage(w + 4, h, 8, 6));
+      ScopedBlock picture2(RandomImage(w, h, 24, 7));
       {
         ScopedLock c(canvas.handle), p(plane.handle), m(mask.handle), s(picture.handle),
-            r(ring.handle), e(expected.handle), ep(expectedPlane.handle);
+            r(ring.handle), e(expected.handle), ep(expectedPlane.handle), r2(ring2.handle),
+            q(picture2.handle);
         void* pl = withPlane ? p.bytes : nullptr;
         CompositeShadowLayer(c.bytes, pl, m.bytes, s.bytes, shift, -shift);
         CompositeFillLayer(c.bytes, pl, m.bytes, s.bytes);
         CompositeOutlineLayer(c.bytes, pl, r.bytes, 0x00406080);
+        CompositeOutlinePicture(c.bytes, pl, r2.bytes, q.bytes);
         auto add = [&](int x, int y, uint32_t v) {
           const uint32_t sum = ReadDibPixel(ep.bytes, x, y) + v;
           WriteDibPixel(ep.bytes, x, y, sum > 255 ? 255 : sum);
@@ -96,8 +99,11 @@ TEST(Layers, RowLoopsMatchThePixelDefinitionOnRandomPictures) {
             const uint32_t v = ReadDibPixel(m.bytes, x, y), o = ReadDibPixel(r.bytes, x + 1, y);
             uint32_t pixel =
                 BlendPixel(ReadDibPixel(e.bytes, x, y), ReadDibPixel(s.bytes, x, y), v);
-            WriteDibPixel(e.bytes, x, y, BlendPixel(pixel, 0x00406080, o));
-            if (withPlane) add(x, y, v), add(x, y, o);
+            // The picture's ring, like the flat one, is read one column to the right.
+            const uint32_t o2 = ReadDibPixel(r2.bytes, x + 1, y);
+            pixel = BlendPixel(pixel, 0x00406080, o);
+            WriteDibPixel(e.bytes, x, y, BlendPixel(pixel, ReadDibPixel(q.bytes, x, y), o2));
+            if (withPlane) add(x, y, v), add(x, y, o), add(x, y, o2);
           }
       }
       EXPECT_TRUE(SameBlocks(canvas.handle, expected.handle)) << shift << " " << withPlane;
