@@ -143,22 +143,31 @@ MovableHandle AnimationFrame(MovableHandle block, int32_t frame, int32_t* delayO
   if (count == 0 || frame < 0) return nullptr;
   const uint32_t wanted = static_cast<uint32_t>(frame) >= count ? count - 1
                                                                  : static_cast<uint32_t>(frame);
-  size_t at = U32(lock.bytes, 4);
+  // An end mark before the wanted entry gives the last entry met: a head may count more frames
+  // than the block holds.
+  size_t at = U32(lock.bytes, 4), found = 0;
+  int haveFound = 0;
   for (uint32_t i = 0;; ++i) {
-    if (!Fits(size, at, 4) || U32(lock.bytes, at) == kAnimationEndMagic) return nullptr;
+    if (!Fits(size, at, 4)) return nullptr;
+    if (U32(lock.bytes, at) == kAnimationEndMagic) {
+      if (!haveFound) return nullptr;
+      break;
+    }
     if (U32(lock.bytes, at) != kAnimationEntryMagic || !Fits(size, at, 20)) return nullptr;
     const size_t header = U32(lock.bytes, at + 4), data = U32(lock.bytes, at + 16);
     if (!Fits(size, at, header) || !Fits(size, at + header, data)) return nullptr;
-    if (i == wanted) {
-      MovableHandle wide = WidenFrame(lock.bytes + at + header, data);
-      if (wide && delayOut)
-        *delayOut = header >= kEntryDelayOffset + 4
-                        ? static_cast<int32_t>(U32(lock.bytes, at + kEntryDelayOffset))
-                        : 0;
-      return wide;
-    }
+    found = at;
+    haveFound = 1;
+    if (i == wanted) break;
     at += header + data;
   }
+  const size_t header = U32(lock.bytes, found + 4), data = U32(lock.bytes, found + 16);
+  MovableHandle wide = WidenFrame(lock.bytes + found + header, data);
+  if (wide && delayOut)
+    *delayOut = header >= kEntryDelayOffset + 4
+                    ? static_cast<int32_t>(U32(lock.bytes, found + kEntryDelayOffset))
+                    : 0;
+  return wide;
 }
 
 int32_t AnimationFrameCount(MovableHandle block) {
