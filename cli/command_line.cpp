@@ -159,6 +159,8 @@ int ParseCommandLine(int argc, const char* const* argv, CommandLine* line, std::
       if (!takeValue(&line->output)) return 0;
     } else if (name == "--effect") {
       if (!takeValue(&line->effect)) return 0;
+    } else if (name == "--animation") {
+      if (!takeValue(&line->animation)) return 0;
     } else if (name == "--text") {
       if (!takeValue(&line->text)) return 0;
       line->hasText = 1;
@@ -257,6 +259,7 @@ const char* Gm5Usage() {
          "      --set KEY=VALUE          set a setting by its configuration key\n"
          "      --control ID=VALUE       set a control by its id, as a document line would\n"
          "      --effect NAME            the effect, by its name in the Effect box (any case)\n"
+         "      --animation FILE         Omni's animation: an animated GIF or WebP, or a PNG\n"
          "      --text TEXT, --font NAME, --size N\n"
          "      --frames N               the number of frames of the effect, where it has one\n"
          "      --delay N                each frame's delay, in hundredths of a second\n"

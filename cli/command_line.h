@@ -26,6 +26,7 @@ struct CommandLine {
   int help = 0, version = 0, quiet = 0, defaults = 0;
   int path = 0;  // settings --path: print where the configuration file is
   std::string effect;  // --effect, as typed
+  std::string animation;  // --animation: the file of the animation picker, or empty
   int hasText = 0;
   std::string text;
   std::string font;

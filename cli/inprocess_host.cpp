@@ -1,6 +1,8 @@
 // The in-process host: HostService routed to the active session, with progress shown on the way.
 #include "cli/inprocess_host.h"
 
+#include "cli/animation_files.h"
+
 #include <unistd.h>
 
 #include <cstdio>
@@ -34,6 +36,17 @@ uint64_t ServeInProcess(void* object, int32_t opcode, uint64_t a, uint64_t b) {
   if (opcode == HostOpCreateFile && b &&
       RefuseFile(host, reinterpret_cast<const FileObjectRecord*>(b)))
     return 0;
+  // A path in the request is read here; an empty one goes to the session, which answers for the
+  // user (gm5 has no one to ask).
+  if (opcode == HostOpOpenAnimation && b) {
+    const AnimationRequest* request = reinterpret_cast<const AnimationRequest*>(b);
+    if (request->magic == kAnimationRequestMagic && request->path[0]) {
+      const std::string path(request->path, strnlen(request->path, sizeof request->path));
+      ComposedAnimation animation;
+      if (!ReadAnimationFile(path.c_str(), &animation)) return 0;
+      return reinterpret_cast<uint64_t>(MakeAnimationBlockOf(animation));
+    }
+  }
   uint64_t result = ServeHostCall(&host->session, object, opcode, a, b);
   if (host->progress && opcode == HostOpProgressCaption && b) {
     const char* text = reinterpret_cast<const char*>(b);

@@ -13,6 +13,7 @@
 #include "cli/dialog_state.h"
 #include "cli/inprocess_host.h"
 #include "cli/settings_command.h"
+#include "controls/animation_picker.h"
 #include "controls/value_controls.h"
 #include "host/writers/animation_output.h"
 #include "host/writers/output_file.h"
@@ -28,6 +29,9 @@
 #include "text/text_layout.h"
 
 namespace {
+
+// The animation picker of the Omni page.
+constexpr int32_t kIdAnimationPicker = 612;
 
 // Owns, for the length of one command, the drawing layer's start-up, the run dialog and the
 // message echo being off; the command starts the runtime generator afresh.
@@ -141,6 +145,22 @@ struct ScopedOutputReservation {
   ~ScopedOutputReservation() { ReleaseOutputFile(); }
 };
 
+// Gives the animation picker the file of --animation, read by `host`: the picker asks the host
+// that is current while it loads. A file that gives no animation is the picker's failure.
+int LoadRunAnimation(WindowHandle dialog, const CommandLine& line, InProcessHost* host,
+                     std::string* error) {
+  WindowHandle picker = DialogItem(dialog, kIdAnimationPicker);
+  if (line.animation.empty() || !picker) return 1;
+  HostRecord* saved = CurrentHost;
+  CurrentHost = &host->record;
+  const std::string text = "ANMCTL" + std::to_string(kIdAnimationPicker) + "=" + line.animation;
+  const int taken = AnimationPickerTakeLine(picker, text.c_str());
+  CurrentHost = saved;
+  const char* path = AnimationPickerPath(picker);
+  if (!taken || !path || !path[0]) return *error = kAnimationOpenFailure, 0;
+  return 1;
+}
+
 std::string EngineFailure(const char* what) {
   const std::string shown = LastShownMessage();
   return shown.empty() ? std::string(what) : std::string(what) + ": " + shown;
@@ -188,6 +208,11 @@ int RenderAnimation(const CommandLine& line, std::string* error, HostFile* built
   ProgressBar bar;
   BeginProgress(&bar, stderr, line.quiet);
   BeginInProcessHost(&host, trueColour, &bar);
+  if (!LoadRunAnimation(run.dialog, line, &host, error)) {
+    EndInProcessHost(&host);
+    EndProgress(&bar);
+    return 0;
+  }
   RecordShownMessage("");
   const int ok = BuildFrames(run.dialog, &host.record, 0);
   EndInProcessHost(&host);
@@ -220,6 +245,11 @@ int RenderPreview(const CommandLine& line, std::string* error) {
   context.sampleWidth = line.sampleWidth;
   context.sampleHeight = line.sampleHeight;
   WarnOfSubstituteFont(run.dialog);
+  InProcessHost host;
+  BeginInProcessHost(&host, 1, nullptr);
+  const int loaded = LoadRunAnimation(run.dialog, line, &host, error);
+  EndInProcessHost(&host);
+  if (!loaded) return 0;
   RecordShownMessage("");
   const int32_t row = DialogGetSelection(DialogItem(run.dialog, kIdEffect));
   if (!RunEffectPreview(row, &context)) return *error = EngineFailure("the preview failed"), 0;

@@ -1,6 +1,7 @@
 // The table of control kinds. One row per kind: a new kind is a row here and its own files.
 #include "controls/control_kinds.h"
 
+#include "controls/animation_picker.h"
 #include "controls/direction_picker.h"
 #include "controls/value_controls.h"
 #include "materials/material_button.h"
@@ -43,7 +44,9 @@ const ControlKindProcs kRows[] = {
     {kControlMaterialButton, "MATLBT", CreateMaterialForButton, nullptr, nullptr, nullptr,
      nullptr, nullptr, nullptr, FreeMaterialOfButton, nullptr, nullptr, nullptr},
     Word(kControlFountainButton, "FOUNTB"),
-    Word(kControlAnimationPicker, "ANMCTL"),
+    {kControlAnimationPicker, "ANMCTL", nullptr, nullptr, nullptr, nullptr, nullptr,
+     AnimationPickerTakeLine, AnimationPickerFormatLine, AnimationPickerDestroy, nullptr, nullptr,
+     nullptr},
 };
 
 constexpr int32_t kRowCount = static_cast<int32_t>(sizeof kRows / sizeof kRows[0]);

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <string>
 
+#include "controls/animation_picker.h"
 #include "controls/control_kinds.h"
 #include "controls/direction_picker.h"
 #include "controls/value_controls.h"
@@ -123,6 +124,10 @@ void SetUpTableControls(WindowHandle dialog, const PageTable& table) {
       case kControlScrollHVPicker:
         SetDialogItemInt(dialog, c.id, static_cast<uint32_t>(c.keyDefault), 0);
         PickerSetUp(control, c.keyDefault, nullptr);
+        break;
+      case kControlAnimationPicker:
+        if (setting && (setting->flags & kSettingString))
+          AnimationPickerBind(control, static_cast<char*>(setting->value));
         break;
       default:
         break;

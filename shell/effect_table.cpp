@@ -12,6 +12,7 @@
 #include "effects/heartbeat.h"
 #include "effects/machine.h"
 #include "effects/neural_network.h"
+#include "effects/omni.h"
 #include "effects/quark.h"
 #include "effects/quark_outline.h"
 #include "effects/rattle.h"
@@ -41,7 +42,8 @@ const EffectEntry EffectTable[kEffectCount] = {
      DiagonalFuseEffectKeyColour, kPageIds<12>.data(), nullptr},
     {"Heartbeat", EffectPageInit<10>, PreviewHeartbeat, BuildHeartbeat, HeartbeatBackground,
      kPageIds<10>.data(), nullptr},
-    {"Omni", EffectPageInit<11>, nullptr, nullptr, nullptr, kPageIds<11>.data(), nullptr},
+    {"Omni", EffectPageInit<11>, OmniEffectPreview, OmniEffectBuild, OmniEffectKeyColour,
+     kPageIds<11>.data(), nullptr},
     {"Machine", EffectPageInit<4>, MachineEffectPreview, MachineEffectBuild, MachineEffectKeyColour,
      kPageIds<4>.data(), nullptr},
     {"Neural Network", EffectPageInit<6>, NeuralNetworkEffectPreview, NeuralNetworkEffectBuild,

@@ -188,3 +188,33 @@ TEST(Gm5Render, GifAndWebpOfOneStatePlayAlike) {
   WebPAnimDecoderDelete(decoder);
   EXPECT_EQ(timestamp, hundredths * 10);
 }
+
+// Omni over a GIF that gm5 made of Simple: one frame per source frame with the source's delays;
+// a file that gives no animation is the picker's failure, with nothing written.
+TEST(Gm5Render, OmniTakesItsFramesAndDelaysFromTheAnimationFile) {
+  ScratchFolder scratch(1);
+  RenderedGif source, omni;
+  RenderGif(scratch, "simple.gif", {"--effect", "simple", "--size", "12"}, &source);
+  const std::string from = scratch.Path("simple.gif");
+  RenderGif(scratch, "omni.gif", {"--effect", "omni", "--animation", from.c_str()}, &omni);
+  ASSERT_GT(source.gif->ImageCount, 1);
+  ASSERT_EQ(omni.gif->ImageCount, source.gif->ImageCount);
+  for (int i = 0; i < source.gif->ImageCount; ++i) {
+    GraphicsControlBlock a{}, b{};
+    DGifSavedExtensionToGCB(source.gif, i, &a);
+    DGifSavedExtensionToGCB(omni.gif, i, &b);
+    EXPECT_EQ(b.DelayTime, a.DelayTime) << i;
+  }
+  const std::string text = scratch.Path("text.gif"), out = scratch.Path("never.gif");
+  std::ofstream(text) << "GIF89a but not a picture\n";
+  std::string error;
+  const CommandLine line =
+      Line({"render", "--defaults", "--effect", "omni", "--animation", text.c_str(), "-o",
+            out.c_str()},
+           &error);
+  EXPECT_EQ(RenderAnimation(line, &error), 0);
+  EXPECT_EQ(error, "The animation you have selected could not be opened.");
+  std::vector<std::string> names = scratch.Names();
+  std::sort(names.begin(), names.end());
+  EXPECT_EQ(names, (std::vector<std::string>{"omni.gif", "simple.gif", "text.gif"}));
+}
