@@ -14,13 +14,15 @@
 #include "tests/support/value_dialog.h"
 
 // The glyph share bounds are measured on the text "Go" at 16 pixels in the substituted face, which
-// covers much of the smaller canvases: 0.178, 0.478, 0.464, 0.261, 0.004 and 0.293 in turn.
+// covers much of the smaller canvases. Under Wine the glyphs come out a little differently after
+// the other Windows tests have run in the same process than when the writer runs alone, so the
+// larger of the two was kept: 0.206, 0.484, 0.494, 0.285, 0.004 and 0.293 in turn.
 const MotionScene kMotionScenes[kMotionSceneCount] = {
     {"rattle", BuildRattle, {{884, 0x2050C0}, {886, 0x404040}, {888, 0xFFFFFF}}, {896, 4}, {},
-     0.21},
-    {"heartbeat", BuildHeartbeat, {{561, 0x2050C0}, {563, 0x404040}}, {573, 4}, {}, 0.52},
-    {"waterside", WatersideEffectBuild, {{467, 0x2050C0}, {469, 0x404040}}, {479, 4}, {}, 0.51},
-    {"tracks", TracksEffectBuild, {{729, 0x2050C0}, {731, 0x404040}}, {741, 4}, {}, 0.30},
+     0.25},
+    {"heartbeat", BuildHeartbeat, {{561, 0x2050C0}, {563, 0x404040}}, {573, 4}, {}, 0.53},
+    {"waterside", WatersideEffectBuild, {{467, 0x2050C0}, {469, 0x404040}}, {479, 4}, {}, 0.54},
+    {"tracks", TracksEffectBuild, {{729, 0x2050C0}, {731, 0x404040}}, {741, 4}, {}, 0.32},
     // 60 degrees a frame: six frames to the turn.
     {"ring", RingEffectBuild, {{134, 0xBD7E40}, {136, 0x7F7F7F}, {138, 0xFFFFFF}}, {}, {154, 33},
      0.01},
