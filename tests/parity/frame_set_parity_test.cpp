@@ -23,6 +23,8 @@ TEST(FrameSetParity, NativeFillsMatchWindowsWithinTheirBounds) {
                 scene.meanBound);
     EXPECT_TRUE(d.width[0] == d.width[1] && d.height[0] == d.height[1]) << scene.name;
     EXPECT_LE(d.differing, scene.tolerance) << scene.name;
-    if (d.differing) EXPECT_LE(d.meanChannel, scene.meanBound) << scene.name;
+    if (d.differing) {
+      EXPECT_LE(d.meanChannel, scene.meanBound) << scene.name;
+    }
   }
 }

@@ -11,7 +11,7 @@ struct FrameSetScene {
   int32_t tolerance;  // differing pixels allowed between the platforms, as measured
   double meanBound;   // mean channel difference allowed over the differing pixels
 };
-constexpr int32_t kFrameSetSceneCount = 4;
+constexpr int32_t kFrameSetSceneCount = 9;
 extern const FrameSetScene kFrameSetScenes[kFrameSetSceneCount];
 
 // Scene `index`'s picture, or null.

@@ -1,13 +1,15 @@
-// Renders the shape, mask, Simple, Snow and frame-set fill scenes through GDI and GDI+ and writes
-// them to the folder "parity" for the native comparison in tests/parity.
+// Renders the shape, mask, Simple, Snow and frame-set fill scenes and the motion builds through GDI
+// and GDI+ and writes them to the folder "parity" for the native comparison in tests/parity.
 #include <windows.h>
 
+#include <fstream>
 #include <string>
 
 #include <gtest/gtest.h>
 
 #include "tests/support/frame_set_scenes.h"
 #include "tests/support/mask_scenes.h"
+#include "tests/support/motion_scenes.h"
 #include "tests/support/parity_files.h"
 #include "tests/support/shape_scenes.h"
 #include "tests/support/simple_scenes.h"
@@ -53,5 +55,22 @@ TEST(Parity, WritesTheSnowFrameSet) {
   for (size_t i = 0; i < frames.size(); ++i) {
     ScopedBlock image(frames[i]);
     EXPECT_TRUE(WriteParityFile("parity/snow-" + std::to_string(i) + ".dib", image.handle));
+  }
+}
+
+// Each build's frames, and its delays in order in a text file beside them.
+TEST(Parity, WritesTheMotionBuilds) {
+  StartDrawingForTests();
+  CreateDirectoryA("parity", nullptr);
+  for (int32_t i = 0; i < kMotionSceneCount; ++i) {
+    const std::string base = std::string("parity/motion-") + kMotionScenes[i].name;
+    std::vector<MotionFrame> frames;
+    ASSERT_EQ(BuildMotionScene(i, &frames), 1) << kMotionScenes[i].name;
+    std::ofstream delays(base + ".delays");
+    for (size_t f = 0; f < frames.size(); ++f) {
+      ScopedBlock image(frames[f].image);
+      delays << frames[f].delay << "\n";
+      EXPECT_TRUE(WriteParityFile(base + "-" + std::to_string(f) + ".dib", image.handle)) << base;
+    }
   }
 }
