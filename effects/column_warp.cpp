@@ -71,7 +71,7 @@ void StretchColumn(const uint32_t* column, int32_t height, int32_t percent, uint
       for (int32_t k = 0; k < n && t < height; ++k, ++t) target[t] = Between(current, next, n, k);
     }
     acc += percent;
-    target[e] = next;
+    if (e < 2 * height) target[e] = next;  // the buffer's end: only a stretch of 200 % reaches it
     t = e;
   }
 }
