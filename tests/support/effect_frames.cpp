@@ -31,7 +31,7 @@ PageDialog::PageDialog(std::initializer_list<int32_t> materialButtons)
 }
 
 PageDialog::~PageDialog() {
-  for (int32_t id : materials) MovableFree(ButtonMaterialHandle(DialogItem(dialog, id)));
+  for (int32_t id : materials) FreeMaterialOfButton(DialogItem(dialog, id));
   DialogDestroy(dialog);
   ResetSettings();
 }
