@@ -186,12 +186,9 @@ namespace {
 int PrepareArrows(void* state, WindowHandle dialog, int32_t width, int32_t height) {
   ArrowsSettings settings;
   ReadArrowsSettings(dialog, &settings);
-  WindowHandle button = DialogItem(dialog, kIdFillBackground);
-  Material* fill = MaterialForButton(button);
-  const int ok =
-      PrepareArrowsState(static_cast<ArrowsState*>(state), &settings, width, height, fill);
-  if (fill) MovableUnlock(ButtonMaterialHandle(button));
-  return ok;
+  ScopedButtonMaterial fill(DialogItem(dialog, kIdFillBackground));
+  return PrepareArrowsState(static_cast<ArrowsState*>(state), &settings, width, height,
+                            fill.material);
 }
 
 MovableHandle ArrowsFrame(void* state, int32_t frameNumber) {

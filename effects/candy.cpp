@@ -149,11 +149,9 @@ namespace {
 int PrepareCandy(void* state, WindowHandle dialog, int32_t width, int32_t height) {
   CandySettings settings;
   ReadCandySettings(dialog, &settings);
-  WindowHandle button = DialogItem(dialog, kIdFillBackground);
-  Material* fill = MaterialForButton(button);
-  const int ok = PrepareCandyState(static_cast<CandyState*>(state), &settings, width, height, fill);
-  if (fill) MovableUnlock(ButtonMaterialHandle(button));
-  return ok;
+  ScopedButtonMaterial fill(DialogItem(dialog, kIdFillBackground));
+  return PrepareCandyState(static_cast<CandyState*>(state), &settings, width, height,
+                           fill.material);
 }
 
 MovableHandle CandyFrame(void* state, int32_t frameNumber) {

@@ -130,12 +130,9 @@ namespace {
 int PrepareConfetti(void* state, WindowHandle dialog, int32_t width, int32_t height) {
   ConfettiSettings settings;
   ReadConfettiSettings(dialog, &settings);
-  WindowHandle button = DialogItem(dialog, kIdFillBackground);
-  Material* fill = MaterialForButton(button);
-  const int ok =
-      PrepareConfettiState(static_cast<ConfettiState*>(state), &settings, width, height, fill);
-  if (fill) MovableUnlock(ButtonMaterialHandle(button));
-  return ok;
+  ScopedButtonMaterial fill(DialogItem(dialog, kIdFillBackground));
+  return PrepareConfettiState(static_cast<ConfettiState*>(state), &settings, width, height,
+                              fill.material);
 }
 
 MovableHandle ConfettiFrame(void* state, int32_t frameNumber) {

@@ -211,11 +211,8 @@ namespace {
 int PrepareSnow(void* state, WindowHandle dialog, int32_t width, int32_t height) {
   SnowSettings settings;
   ReadSnowSettings(dialog, &settings);
-  WindowHandle button = DialogItem(dialog, kIdFillBackground);
-  Material* fill = MaterialForButton(button);
-  const int ok = PrepareSnowState(static_cast<SnowState*>(state), &settings, width, height, fill);
-  if (fill) MovableUnlock(ButtonMaterialHandle(button));
-  return ok;
+  ScopedButtonMaterial fill(DialogItem(dialog, kIdFillBackground));
+  return PrepareSnowState(static_cast<SnowState*>(state), &settings, width, height, fill.material);
 }
 
 MovableHandle SnowFrame(void* state, int32_t frameNumber) {

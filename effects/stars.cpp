@@ -171,11 +171,9 @@ namespace {
 int PrepareStars(void* state, WindowHandle dialog, int32_t width, int32_t height) {
   StarsSettings settings;
   ReadStarsSettings(dialog, &settings);
-  WindowHandle button = DialogItem(dialog, kIdFillBackground);
-  Material* fill = MaterialForButton(button);
-  const int ok = PrepareStarsState(static_cast<StarsState*>(state), &settings, width, height, fill);
-  if (fill) MovableUnlock(ButtonMaterialHandle(button));
-  return ok;
+  ScopedButtonMaterial fill(DialogItem(dialog, kIdFillBackground));
+  return PrepareStarsState(static_cast<StarsState*>(state), &settings, width, height,
+                           fill.material);
 }
 
 MovableHandle StarsFrame(void* state, int32_t frameNumber) {

@@ -39,6 +39,18 @@ void FreeMaterialOfButton(WindowHandle button);
 // The button's Material, locked, or null when it has none. The caller unlocks
 // ButtonMaterialHandle(button) when finished.
 Material* MaterialForButton(WindowHandle button);
+// MaterialForButton for the guard's life: `material` is null when the button holds none, and the
+// record is unlocked when the guard goes.
+struct ScopedButtonMaterial {
+  explicit ScopedButtonMaterial(WindowHandle b) : button(b), material(MaterialForButton(b)) {}
+  ~ScopedButtonMaterial() {
+    if (material) MovableUnlock(ButtonMaterialHandle(button));
+  }
+  ScopedButtonMaterial(const ScopedButtonMaterial&) = delete;
+  ScopedButtonMaterial& operator=(const ScopedButtonMaterial&) = delete;
+  WindowHandle button;
+  Material* material;
+};
 // The Simple colour of the button's Material, for pages that read a material as one colour;
 // `fallback` when the button has none.
 uint32_t ButtonSolidColour(WindowHandle button, uint32_t fallback);
