@@ -23,14 +23,9 @@ void InitMaterial(Material* material) {
   g.midpoint = 50;
   g.twoColour = 1;
   InitFountainGradient(&material->fountain, 2);
+  InitTextureItem(&material->texture);
   material->kind = kMaterialSimple;
 }
-
-namespace {
-
-constexpr size_t kTextureRectOffset = 4;  // after the texture's type
-
-}  // namespace
 
 void FreeMaterialImages(Material* material) {
   MovableFree(material->preview);
@@ -71,7 +66,7 @@ MovableHandle MaterialFill(Material* material, int32_t width, int32_t height) {
       // fills of different aspect share their middle.
       const int32_t side = std::max(width, height);
       const int32_t rect[4] = {0, 0, side, side};
-      std::memcpy(material->texture + kTextureRectOffset, rect, sizeof(rect));
+      std::memcpy(material->texture.rect, rect, sizeof(rect));
       // No texture generator is part of the program yet: every type fails, known or not.
       return nullptr;
     }

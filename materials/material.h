@@ -8,6 +8,7 @@
 #include <cstdint>
 
 #include "materials/gradient.h"
+#include "materials/texture_item.h"
 #include "platform/memory.h"
 
 enum MaterialKind : int32_t {
@@ -19,7 +20,7 @@ enum MaterialKind : int32_t {
 
 constexpr uint32_t kMaterialSize = 1282;
 constexpr uint32_t kMaterialVersion = 0x00040000;
-constexpr uint32_t kTextureItemSize = 268;
+constexpr uint32_t kTextureItemSize = sizeof(TextureItem);
 constexpr uint32_t kTilePathBytes = 261;
 
 // pressState bits, held only while the mouse is down.
@@ -36,7 +37,7 @@ struct Material {
   uint32_t pressState;
   GradientSpec gradient;
   FountainGradient fountain;          // the marker list of `gradient`
-  uint8_t texture[kTextureItemSize];  // the texture generator's record
+  TextureItem texture;                // the texture generator's record
   char tilePath[kTilePathBytes];      // matrix file of the tile; empty for none
   uint32_t tileIndex;
   MovableHandle tileImage;  // the loaded tile, or null
@@ -62,7 +63,7 @@ static_assert(offsetof(Material, preview) == 1242 && offsetof(Material, averageC
 static_assert(offsetof(Material, reserved2) == 1254);
 
 // Writes the defaults of a new material: grey Simple colour, a dark-to-light two-colour Linear
-// gradient, the seven-colour marker list, no tile. The texture record is left zero.
+// gradient, the seven-colour marker list, the default texture, no tile.
 void InitMaterial(Material* material);
 
 // Frees the record's run-time pictures, `preview` and `tileImage`, and clears them.

@@ -31,8 +31,8 @@ Material Distinct() {
   m.fountain.markerCount = 3;
   m.fountain.rightColour = 0xFF00AA55;
   m.fountain.markers[63] = 0xFF0000FF;
-  m.texture[0] = 4;
-  m.texture[kTextureItemSize - 1] = 0x77;
+  m.texture.TextureType = 4;
+  m.texture.reserved236[31] = 0x77;
   std::memset(m.tilePath, 'p', sizeof m.tilePath);  // 261 characters, no terminator
   m.tileIndex = 9;
   m.tileRect[2] = 640;

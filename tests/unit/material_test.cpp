@@ -118,7 +118,7 @@ TEST(CentredCrop, KeepsTheMiddleRowsOrColumnsAndTheTable) {
   m.kind = kMaterialTexture;
   EXPECT_EQ(MaterialFill(&m, 100, 40), nullptr);
   int32_t rect[4];
-  std::memcpy(rect, m.texture + 4, sizeof(rect));
+  std::memcpy(rect, m.texture.rect, sizeof(rect));
   EXPECT_EQ(rect[2], 100);
   EXPECT_EQ(rect[3], 100);
 }
