@@ -1,5 +1,5 @@
-// Zipper's teeth and frame loop. Shifts are integers in 64 bits so that long pictures on many
-// frames neither overflow nor round differently from one build to the next.
+// Zipper's teeth and frame loop. The pull is reckoned in 64-bit integers so that long pictures on
+// many frames neither overflow nor round differently from one build to the next.
 #include "effects/zipper.h"
 
 #include <algorithm>
@@ -10,42 +10,56 @@
 #include "effects/frame_renderer.h"
 #include "effects/key_colour.h"
 #include "shell/packed_dib.h"
+#include "text/image_copy.h"
 
-int32_t ZipperShift(int32_t length, int32_t frame, int32_t frames) {
+int32_t ZipperPull(int32_t length, int32_t frame, int32_t frames) {
   const int64_t last = std::max(frames - 1, 1);
   const int64_t r = std::clamp<int64_t>(last - frame, 0, last);
-  return static_cast<int32_t>(3 * static_cast<int64_t>(length) * r * r / (8 * last * last));
+  return static_cast<int32_t>(length - static_cast<int64_t>(length) * r * r / (last * last));
 }
 
-bool ZipperColumns(int32_t width, int32_t height) {
+int32_t ZipperOpening(int32_t middle, int32_t pull, int32_t span) {
+  return static_cast<int32_t>(
+      std::clamp<int64_t>((static_cast<int64_t>(middle) - pull) / 2, 0, std::max(span, 0)));
+}
+
+bool ZipperRows(int32_t width, int32_t height) {
   return height > width;
 }
 
-MovableHandle MakeZipperFrame(MovableHandle picture, const ZipperSettings* settings,
-                              int32_t frame) {
+MovableHandle MakeZipperFrame(MovableHandle picture, MovableHandle background,
+                              const ZipperSettings* settings, int32_t frame) {
   int32_t width, height;
   if (!PictureSize(picture, &width, &height)) return nullptr;
-  MovableHandle result = DuplicateHandle(picture);
+  MovableHandle result = DuplicateHandle(background);
   if (!result) return nullptr;
-  const bool columns = ZipperColumns(width, height);
-  const int32_t span = columns ? width : height, length = columns ? height : width;
+  const bool rows = ZipperRows(width, height);
+  const int32_t length = rows ? height : width, span = rows ? width : height;
   const int32_t leaf = std::max(settings->leafSize, 1);
-  const int32_t shift = ZipperShift(length, frame, settings->frames);
-  if (shift == 0) return result;
-  for (int32_t start = 0, k = 0; start < span; start += leaf, ++k)
-    ShiftBand(result, picture, columns, start, std::min(leaf, span - start),
-              k % 2 == 0 ? shift : -shift);
+  const int32_t pull = ZipperPull(length, frame, settings->frames);
+  // Each tooth is the picture's strip moved aside as one piece; the copy drops what falls outside.
+  for (int32_t start = 0, k = 0; start < length; start += leaf, ++k) {
+    const int32_t size = std::min(leaf, length - start);
+    const int32_t opening = ZipperOpening(start + size / 2, pull, span);
+    if (opening >= span) continue;
+    const int32_t aside = k % 2 == 0 ? -opening : opening;
+    if (rows)
+      CopyImageRect(result, aside, start, picture, 0, start, width, size);
+    else
+      CopyImageRect(result, start, aside, picture, start, 0, size, height);
+  }
   return result;
 }
 
 int RunZipperFrames(BuildContext* context, const ZipperSettings* settings, ZipperRenderer render,
                     void* renderer) {
   context->flags |= kBuildFlagBuild;
-  ScopedBlock picture(render(renderer));
-  if (!picture.handle) return 0;
+  MovableHandle made[2];
+  if (!render(renderer, &made[0], &made[1])) return 0;
+  ScopedBlock picture(made[0]), background(made[1]);
   const int32_t frames = std::max(settings->frames, 2);
   for (int32_t i = 0; i + 1 < frames; ++i) {
-    MovableHandle frame = MakeZipperFrame(picture.handle, settings, i);
+    MovableHandle frame = MakeZipperFrame(picture.handle, background.handle, settings, i);
     if (!frame || !AppendEffectFrame(context, frame, settings->delay)) return 0;
     ReportFrameProgress(context, i, frames);
   }
@@ -57,9 +71,11 @@ int RunZipperFrames(BuildContext* context, const ZipperSettings* settings, Zippe
 
 MovableHandle MakeZipperSample(const ZipperSettings* settings, ZipperRenderer render,
                                void* renderer) {
-  ScopedBlock picture(render(renderer));
-  if (!picture.handle) return nullptr;
-  return MakeZipperFrame(picture.handle, settings, (std::max(settings->frames, 2) - 1) / 2);
+  MovableHandle made[2];
+  if (!render(renderer, &made[0], &made[1])) return nullptr;
+  ScopedBlock picture(made[0]), background(made[1]);
+  return MakeZipperFrame(picture.handle, background.handle, settings,
+                         (std::max(settings->frames, 2) - 1) / 2);
 }
 
 namespace {
@@ -70,14 +86,24 @@ constexpr int32_t kIdFrames = 708, kIdLeafSize = 718;
 // The main dialog's.
 constexpr int32_t kIdDelay = 11, kIdPause = 23;
 
-MovableHandle RenderZipperPicture(void* context) {
+// The whole picture, then the canvas alone (background and alpha plane) from the same layout.
+int RenderZipperPictures(void* context, MovableHandle* picture, MovableHandle* background) {
   BuildContext* c = static_cast<BuildContext*>(context);
   FrameSettings settings;
   char text[2][264];
-  if (!ReadFrameSettings(c->dialog, &kZipperIds, c->sample, &settings, &text)) return nullptr;
-  MovableHandle image = RenderStandardFrame(c->dialog, &settings, 0, 0);
+  if (!ReadFrameSettings(c->dialog, &kZipperIds, c->sample, &settings, &text)) return 0;
+  *background = nullptr;
+  *picture = RenderStandardFrame(c->dialog, &settings, 0, 0);
+  TextFrame frame{};
+  if (*picture && BeginTextFrame(c->dialog, &settings, &frame) && BackgroundStep(&frame) &&
+      AlphaPlaneStep(&frame))
+    *background = FinishFrameStep(&frame);
+  EndTextFrame(&frame);
   ReleaseFrameSettings(c->dialog, &kZipperIds);
-  return image;
+  if (*background) return 1;
+  MovableFree(*picture);
+  *picture = nullptr;
+  return 0;
 }
 
 void ReadZipper(WindowHandle dialog, ZipperSettings* settings) {
@@ -93,14 +119,14 @@ int ZipperEffectPreview(BuildContext* context) {
   context->flags |= kBuildFlagPreview;
   ZipperSettings settings;
   ReadZipper(context->dialog, &settings);
-  context->image = MakeZipperSample(&settings, RenderZipperPicture, context);
+  context->image = MakeZipperSample(&settings, RenderZipperPictures, context);
   return 1;
 }
 
 int ZipperEffectBuild(BuildContext* context) {
   ZipperSettings settings;
   ReadZipper(context->dialog, &settings);
-  if (RunZipperFrames(context, &settings, RenderZipperPicture, context)) return 1;
+  if (RunZipperFrames(context, &settings, RenderZipperPictures, context)) return 1;
   MovableFree(context->image);
   context->image = nullptr;
   return 0;

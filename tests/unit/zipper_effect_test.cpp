@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <vector>
 
@@ -11,57 +12,93 @@
 
 namespace {
 
-MovableHandle CopyPicture(void* picture) {
-  return DuplicateHandle(static_cast<MovableHandle>(picture));
+struct Pictures {
+  MovableHandle picture, background;
+};
+
+int CopyPictures(void* renderer, MovableHandle* picture, MovableHandle* background) {
+  const Pictures* p = static_cast<const Pictures*>(renderer);
+  *picture = DuplicateHandle(p->picture);
+  *background = DuplicateHandle(p->background);
+  if (*picture && *background) return 1;
+  MovableFree(*picture);
+  MovableFree(*background);
+  return 0;
 }
 
-BuiltFrames Build(MovableHandle picture, ZipperSettings settings) {
+BuiltFrames Build(Pictures pictures, ZipperSettings settings) {
   FrameList list{};
   BuildContext context{};
   context.frames = &list;
-  const int ok = RunZipperFrames(&context, &settings, CopyPicture, picture);
+  const int ok = RunZipperFrames(&context, &settings, CopyPictures, &pictures);
   return TakeFrames(&list, ok);
+}
+
+// How far the tooth [first, first + size) of `frame` stands aside from its place in `home`
+// (towards negative positions when `sign` is -1): the distance d at which the strip shows home's
+// strip moved by d with `back` wherever nothing of it lands; -1 when none fits.
+int ToothAside(const PictureValues& frame, const PictureValues& home, const PictureValues& back,
+               bool rows, int first, int size, int sign) {
+  const int span = rows ? home.width : home.height;
+  for (int d = 0; d <= span; ++d) {
+    bool fits = true;
+    for (int k = first; k < first + size && fits; ++k)
+      for (int a = 0; a < span && fits; ++a) {
+        const int from = a - sign * d;
+        const bool inside = from >= 0 && from < span;
+        const auto want = !inside ? (rows ? back.At(a, k) : back.At(k, a))
+                                  : (rows ? home.At(from, k) : home.At(k, from));
+        fits = (rows ? frame.At(a, k) : frame.At(k, a)) == want;
+      }
+    if (fits) return d;
+  }
+  return -1;
 }
 
 }  // namespace
 
-TEST(Zipper, ShiftStartsThreeEighthsRoundAndClosesWithTheSquareOfTheFramesLeft) {
-  // 3 length r^2 / (8 (frames - 1)^2), r = frames - 1 - frame, truncated.
-  const struct { int length, frame, frames, shift; } cases[] = {
-      {100, 0, 64, 37},  {101, 0, 64, 37},       {100, 63, 64, 0},  {100, 31, 64, 9},
-      {301, 1, 3, 28},   {301, 0, 2, 112},       {301, 1, 2, 0},    {40000, 1, 32760, 14999},
-  };
-  for (const auto& c : cases)
-    EXPECT_EQ(ZipperShift(c.length, c.frame, c.frames), c.shift) << c.length << " " << c.frame;
-  EXPECT_FALSE(ZipperColumns(30, 30));
-  EXPECT_TRUE(ZipperColumns(30, 31));
+TEST(Zipper, ThePullMovesAlongWithTheSquareOfTheFramesLeftAndTheTapesOpenBehindIt) {
+  // length - length r^2 / (frames - 1)^2, r = frames - 1 - frame, truncated.
+  const struct { int length, frame, frames, pull; } pulls[] = {
+      {100, 0, 64, 0}, {100, 63, 64, 100}, {100, 31, 64, 75}, {301, 1, 3, 226}, {40000, 1, 32760, 3}};
+  for (const auto& c : pulls)
+    EXPECT_EQ(ZipperPull(c.length, c.frame, c.frames), c.pull) << c.length << " " << c.frame;
+  EXPECT_EQ(ZipperOpening(10, 0, 50), 5);
+  EXPECT_EQ(ZipperOpening(11, 0, 50), 5);
+  EXPECT_EQ(ZipperOpening(500, 0, 50), 50);
+  EXPECT_EQ(ZipperOpening(5, 10, 50), 0);
+  EXPECT_FALSE(ZipperRows(30, 30));
+  EXPECT_TRUE(ZipperRows(30, 31));
 }
 
-TEST(Zipper, TeethAreOppositeCyclicShiftsAndTheLastFrameIsThePictureAtRest) {
-  // Wide pictures have rows for teeth, tall ones columns; the last tooth takes what is left.
+TEST(Zipper, TeethStandAsideByTheirOpeningOverTheBackgroundAndTheLastFrameIsThePictureAtRest) {
+  // Wide pictures have columns for teeth opening up and down, tall ones rows opening sideways;
+  // the last tooth takes what is left.
   const struct { int width, height, leaf, frames, delay, pause; } cases[] = {
-      {40, 17, 4, 6, 3, 50}, {13, 30, 5, 2, 7, 1}, {25, 9, 1, 4, 2, 9}};
+      {40, 9, 4, 6, 3, 50}, {7, 30, 5, 2, 7, 1}, {25, 4, 1, 4, 2, 9}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.width);
     ScopedBlock picture(RandomImage(c.width, c.height, 24, 7));
-    const BuiltFrames b = Build(picture.handle, {c.frames, c.leaf, c.delay, c.pause});
+    ScopedBlock background(RandomImage(c.width, c.height, 24, 8));
+    const BuiltFrames b = Build({picture.handle, background.handle},
+                                {c.frames, c.leaf, c.delay, c.pause});
     ASSERT_EQ(b.ok, 1);
     ASSERT_EQ(b.frames.size(), static_cast<size_t>(c.frames));
     std::vector<int32_t> delays(c.frames - 1, c.delay);
     delays.push_back(c.delay + c.pause);
     EXPECT_EQ(b.delays, delays);
-    const PictureValues home = ReadPicture(picture.handle);
+    const PictureValues home = ReadPicture(picture.handle), back = ReadPicture(background.handle);
     EXPECT_EQ(b.frames.back().values, home.values);
-    const bool columns = c.height > c.width;
-    const int span = columns ? c.width : c.height, length = columns ? c.height : c.width;
+    const bool rows = c.height > c.width;
+    const int span = rows ? c.width : c.height, length = rows ? c.height : c.width;
     for (int f = 0; f < c.frames; ++f) {
       const double r = c.frames - 1 - f, last = c.frames - 1;
-      const int expected = static_cast<int>(std::floor(3 * length * r * r / (8 * last * last)));
-      for (int first = 0, k = 0; first < span; first += c.leaf, ++k) {
-        const int s = FindBandShift(b.frames[f], home, columns, first,
-                                    std::min(c.leaf, span - first));
-        const int wanted = k % 2 ? (length - expected) % length : expected;
-        EXPECT_EQ(s, wanted) << "frame " << f << " tooth " << k;
+      const int pull = length - static_cast<int>(std::floor(length * r * r / (last * last)));
+      for (int first = 0, k = 0; first < length; first += c.leaf, ++k) {
+        const int size = std::min(c.leaf, length - first);
+        const int wanted = std::clamp((first + size / 2 - pull) / 2, 0, span);
+        EXPECT_EQ(ToothAside(b.frames[f], home, back, rows, first, size, k % 2 ? 1 : -1), wanted)
+            << "frame " << f << " tooth " << k;
       }
     }
   }
@@ -88,7 +125,7 @@ TEST(Zipper, DefaultPageBuildsSixtyFourFramesAndTheSampleIsTheMiddleOne) {
   for (size_t i = 0; i < defaults.frames.size(); ++i)
     EXPECT_EQ(again.frames[i].values, defaults.frames[i].values) << i;
 
-  // Two frames: three eighths of a turn, then rest; a finer leaf changes the teeth, not the count.
+  // Two frames: the zip open, then at rest; a finer leaf changes the teeth, not the count.
   const BuiltFrames two = page.Build(ZipperEffectBuild, {{708, 2}, {11, 9}, {23, 20}});
   EXPECT_EQ(two.delays, (std::vector<int32_t>{9, 29}));
   EXPECT_EQ(two.frames.back().values, home.values);
@@ -99,6 +136,7 @@ TEST(Zipper, DefaultPageBuildsSixtyFourFramesAndTheSampleIsTheMiddleOne) {
 }
 
 TEST(Zipper, FailedAllocationsFailTheBuildAndLeakNothing) {
-  ScopedBlock picture(RandomImage(9, 6, 24, 5));
-  EXPECT_TRUE(SweepAllocationFailures([&] { return Build(picture.handle, {3, 2, 1, 1}).ok; }));
+  ScopedBlock picture(RandomImage(9, 6, 24, 5)), background(RandomImage(9, 6, 24, 6));
+  EXPECT_TRUE(SweepAllocationFailures(
+      [&] { return Build({picture.handle, background.handle}, {3, 2, 1, 1}).ok; }));
 }
