@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "imaging/palette.h"
+#include "materials/record_hex.h"
 #include "shell/packed_dib.h"
 
 MovableHandle CreateButtonMaterial(uint32_t creationColour) {
@@ -102,29 +103,13 @@ uint32_t MaterialCaptionColour(uint32_t average) {
 }
 
 std::string MaterialDocumentLine(int32_t controlId, MovableHandle material) {
-  static const char kDigits[] = "0123456789ABCDEF";
   ScopedLock lock(material);
   if (!lock || MovableSize(material) < kMaterialSize) return std::string();
   std::string line = kMaterialLineKey + std::to_string(controlId) + "=";
-  line.reserve(line.size() + kMaterialHexDigits + 1);
-  for (uint32_t i = 0; i < kMaterialSize; ++i) {
-    line += kDigits[lock.bytes[i] >> 4];
-    line += kDigits[lock.bytes[i] & 0x0F];
-  }
+  AppendHexBytes(&line, lock.bytes, kMaterialSize);
   line += '\n';
   return line;
 }
-
-namespace {
-
-int HexValue(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  return -1;
-}
-
-}  // namespace
 
 int ReadMaterialDocumentLine(const char* line, MovableHandle* material) {
   if (!line || !material) return 0;
@@ -138,14 +123,7 @@ int ReadMaterialDocumentLine(const char* line, MovableHandle* material) {
   ScopedBlock block(MovableAlloc(kMaterialSize));
   ScopedLock lock(block.handle);
   if (!lock) return 0;
-  // Digits fill the record nibble by nibble; the line's end, not a length, stops them.
-  for (uint32_t digit = 0; digit < kMaterialHexDigits; ++digit) {
-    const char c = text[digit];
-    if (c == '\0' || c == '\r' || c == '\n') break;
-    const int value = HexValue(c);
-    if (value < 0) return 0;
-    lock.bytes[digit / 2] |= static_cast<uint8_t>(digit % 2 ? value : value << 4);
-  }
+  if (!ReadHexBytes(text, lock.bytes, kMaterialSize)) return 0;
   Material* record = reinterpret_cast<Material*>(lock.bytes);
   record->tileImage = nullptr;
   record->preview = nullptr;

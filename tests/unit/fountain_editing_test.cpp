@@ -140,3 +140,38 @@ TEST_F(FountainLibraryFile, DamagedFilesAndRewriteWithBackup) {
 }
 
 }  // namespace
+
+#include "materials/fountain_button.h"
+
+namespace {
+
+TEST(FountainButtonRecord, DocumentLineAndFileRoundTripWithoutRunTimeState) {
+  FountainGradient g = Empty();
+  InitFountainGradient(&g, 2);
+  g.flags = kFountainOwnFile | kFountainLooped;
+  std::strcpy(g.name, "Dusk");
+  std::memset(g.name + 261, 0x5A, 8);  // run-time fields: never written
+  const std::string line = FountainDocumentLine(336, &g);
+  ASSERT_EQ(line.size(), std::string("FOUNTB336=").size() + 2 * 585 + 1);
+  EXPECT_EQ(line.rfind("FOUNTB336=434F424C464F554E", 0), 0u);  // "COBLFOUN"
+  FountainGradient back = Empty();
+  ASSERT_TRUE(ReadFountainDocumentLine(("FOUNTB336= " + line.substr(10)).c_str(), &back));
+  std::memset(g.name + 261, 0, 8);
+  EXPECT_EQ(std::memcmp(&back, &g, sizeof g), 0);
+  EXPECT_FALSE(ReadFountainDocumentLine("MATLBT336=00", &back));
+  EXPECT_FALSE(ReadFountainDocumentLine("FOUNTB336=0G", &back));
+
+  const std::string path = ::testing::TempDir() + "gm5_fountain_button.mtrl";
+  ASSERT_TRUE(WriteFountainFile(path.c_str(), &g));
+  FountainGradient file = Empty();
+  ASSERT_TRUE(ReadFountainFile(path.c_str(), &file));
+  EXPECT_EQ(std::memcmp(&file, &g, sizeof g), 0);
+  std::FILE* f = std::fopen(path.c_str(), "r+b");  // a marker count past 64 is damage
+  std::fseek(f, 289, SEEK_SET);
+  std::fputc(65, f);
+  std::fclose(f);
+  EXPECT_FALSE(ReadFountainFile(path.c_str(), &file));
+  std::remove(path.c_str());
+}
+
+}  // namespace

@@ -1,0 +1,76 @@
+// Files and document lines of the fountain button.
+#include "materials/fountain_button.h"
+
+#include <cstdio>
+#include <cstring>
+
+#include "materials/data_folder.h"
+#include "materials/record_hex.h"
+
+namespace {
+
+// The name span is the one the button borrows for its run-time fields; a record read from
+// outside keeps only the name's first 261 bytes (260 characters and the terminator).
+constexpr size_t kNameKept = 261;
+
+}  // namespace
+
+void ClearFountainRunTime(FountainGradient* gradient) {
+  std::memset(gradient->name + kNameKept - 1, 0, sizeof(gradient->name) - (kNameKept - 1));
+}
+
+int FountainFilePath(int32_t controlId, char* path, size_t size) {
+  char name[32];
+  std::snprintf(name, sizeof name, "Fountain%05.5d.mtrl", controlId);
+  return DataFilePath(name, path, size);
+}
+
+int ReadFountainFile(const char* path, FountainGradient* gradient) {
+  std::FILE* file = path && path[0] ? std::fopen(path, "rb") : nullptr;
+  if (!file) return 0;
+  FountainGradient read;
+  const size_t got = std::fread(&read, 1, sizeof read, file);
+  std::fclose(file);
+  if (got != sizeof read || std::memcmp(read.magic, "COBLFOUN", 8) != 0 ||
+      read.markerCount > kFountainMarkers)
+    return 0;
+  ClearFountainRunTime(&read);
+  *gradient = read;
+  return 1;
+}
+
+int WriteFountainFile(const char* path, const FountainGradient* gradient) {
+  std::FILE* file = path && path[0] ? std::fopen(path, "wb") : nullptr;
+  if (!file) return 0;
+  FountainGradient out = *gradient;
+  ClearFountainRunTime(&out);
+  const size_t written = std::fwrite(&out, 1, sizeof out, file);
+  const int closed = std::fclose(file) == 0;
+  if (written == sizeof out && closed) return 1;
+  std::remove(path);
+  return 0;
+}
+
+std::string FountainDocumentLine(int32_t controlId, const FountainGradient* gradient) {
+  FountainGradient out = *gradient;
+  ClearFountainRunTime(&out);
+  std::string line = kFountainLineKey + std::to_string(controlId) + "=";
+  AppendHexBytes(&line, reinterpret_cast<const uint8_t*>(&out), sizeof out);
+  line += '\n';
+  return line;
+}
+
+int ReadFountainDocumentLine(const char* line, FountainGradient* gradient) {
+  if (!line || !gradient) return 0;
+  if (std::strncmp(line, kFountainLineKey, sizeof(kFountainLineKey) - 1) != 0) return 0;
+  const char* text = std::strchr(line, '=');
+  if (!text) return 0;
+  while (*text == '=' || *text == ' ' || *text == '\t') ++text;
+  FountainGradient read;
+  std::memset(&read, 0, sizeof read);
+  if (!ReadHexBytes(text, reinterpret_cast<uint8_t*>(&read), sizeof read)) return 0;
+  if (read.markerCount > kFountainMarkers) return 0;
+  ClearFountainRunTime(&read);
+  *gradient = read;
+  return 1;
+}
