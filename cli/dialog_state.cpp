@@ -397,7 +397,7 @@ int PrintControls(FILE* out, const CommandLine& line, const std::string& effect,
     WindowHandle control = DialogItem(dialog, c.id);
     const char* tag = control ? ControlTag(DialogControlKind(control)) : nullptr;
     if (!tag) continue;
-    char text[kDocumentTextLimit + 64] = "";
+    char text[kControlLineSize] = "";
     FormatControlLine(control, text, sizeof text);
     const char* value = strchr(text, '=');
     std::string range = "-";

@@ -4,6 +4,7 @@
 #include "controls/animation_picker.h"
 #include "controls/direction_picker.h"
 #include "controls/value_controls.h"
+#include "materials/fountain_button.h"
 #include "materials/material_button.h"
 
 namespace {
@@ -43,7 +44,9 @@ const ControlKindProcs kRows[] = {
     // The button's lines are its window's on Windows; the headless model writes none.
     {kControlMaterialButton, "MATLBT", CreateMaterialForButton, nullptr, nullptr, nullptr,
      nullptr, nullptr, nullptr, FreeMaterialOfButton, nullptr, nullptr, nullptr},
-    Word(kControlFountainButton, "FOUNTB"),
+    {kControlFountainButton, "FOUNTB", CreateFountainForButton, nullptr, nullptr, nullptr,
+     nullptr, FountainButtonTakeLine, FountainButtonFormatLine, FreeFountainOfButton, nullptr,
+     nullptr, nullptr},
     {kControlAnimationPicker, "ANMCTL", nullptr, nullptr, nullptr, nullptr, nullptr,
      AnimationPickerTakeLine, AnimationPickerFormatLine, AnimationPickerDestroy, nullptr, nullptr,
      nullptr},

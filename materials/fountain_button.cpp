@@ -6,6 +6,7 @@
 
 #include "materials/data_folder.h"
 #include "materials/record_hex.h"
+#include "platform/memory.h"
 
 namespace {
 
@@ -73,4 +74,44 @@ int ReadFountainDocumentLine(const char* line, FountainGradient* gradient) {
   ClearFountainRunTime(&read);
   *gradient = read;
   return 1;
+}
+
+int CreateFountainForButton(WindowHandle button, uint32_t) {
+  if (!button) return 0;
+  if (DialogGetUserData(button)) return 1;
+  ScopedBlock block(MovableAlloc(kFountainSize));
+  {
+    ScopedLock lock(block.handle);
+    if (!lock) return 0;
+    FountainGradient* gradient = reinterpret_cast<FountainGradient*>(lock.bytes);
+    std::memset(gradient, 0, sizeof *gradient);
+    InitFountainGradient(gradient, 2);
+  }
+  DialogSetUserData(button, block.Release());
+  return 1;
+}
+
+int FountainButtonTakeLine(WindowHandle button, const char* line) {
+  MovableHandle handle = button ? static_cast<MovableHandle>(DialogGetUserData(button)) : nullptr;
+  ScopedLock lock(handle);
+  if (!lock) return 0;
+  return ReadFountainDocumentLine(line, reinterpret_cast<FountainGradient*>(lock.bytes));
+}
+
+size_t FountainButtonFormatLine(WindowHandle button, char* line, size_t size) {
+  MovableHandle handle = button ? static_cast<MovableHandle>(DialogGetUserData(button)) : nullptr;
+  ScopedLock lock(handle);
+  if (!lock || !line) return 0;
+  std::string text = FountainDocumentLine(DialogItemId(button),
+                                          reinterpret_cast<const FountainGradient*>(lock.bytes));
+  text.pop_back();  // the caller ends the line
+  if (text.size() + 1 > size) return 0;
+  std::memcpy(line, text.c_str(), text.size() + 1);
+  return text.size();
+}
+
+void FreeFountainOfButton(WindowHandle button) {
+  if (!button) return;
+  MovableFree(static_cast<MovableHandle>(DialogGetUserData(button)));
+  DialogSetUserData(button, nullptr);
 }

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "materials/gradient.h"
+#include "platform/dialog.h"
 
 constexpr const char kFountainLineKey[] = "FOUNTB";
 constexpr uint32_t kFountainOwnFile = 1;  // flags: the button loads and saves its own file
@@ -25,3 +26,10 @@ int ReadFountainDocumentLine(const char* line, FountainGradient* gradient);
 
 // Clears the spans that hold the button's run-time state (strip handle, pointer, drag).
 void ClearFountainRunTime(FountainGradient* gradient);
+
+// The headless button's row procedures: its record (a 585-byte block in the control's user
+// data, the seven-colour set to start), its document line both ways, and freeing the record.
+int CreateFountainForButton(WindowHandle button, uint32_t creationColour);
+int FountainButtonTakeLine(WindowHandle button, const char* line);
+size_t FountainButtonFormatLine(WindowHandle button, char* line, size_t size);
+void FreeFountainOfButton(WindowHandle button);
