@@ -20,9 +20,16 @@ int PositionTaken(const FountainGradient* gradient, int32_t position) {
   return 0;
 }
 
+// The markers sit unaligned inside the packed record, so they are read byte-wise.
+FountainMarker LoadMarker(const void* at) {
+  FountainMarker marker;
+  std::memcpy(&marker, at, sizeof(marker));
+  return marker;
+}
+
 int CompareMarkers(const void* a, const void* b) {
-  const uint32_t first = PositionOf(*static_cast<const FountainMarker*>(a));
-  const uint32_t second = PositionOf(*static_cast<const FountainMarker*>(b));
+  const uint32_t first = PositionOf(LoadMarker(a));
+  const uint32_t second = PositionOf(LoadMarker(b));
   if (first == 0) return second == 0 ? 0 : 1;
   if (second == 0) return -1;
   return first < second ? -1 : (first > second ? 1 : 0);
