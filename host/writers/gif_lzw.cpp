@@ -10,9 +10,11 @@
 namespace {
 
 constexpr int kLargestCode = 4095;
-// How much shorter than the longest a string may be and still be tried: 8 makes the default
-// animation 1.6 % smaller than trying only the longest, for about 0.6 s more of encoding.
-constexpr size_t kShorterTried = 8;
+// How much shorter than the longest a string may be and still be tried. Each try walks the table
+// from the string's end, so the cost grows with this number: 3 makes the default animation
+// 0.5 % smaller than trying only the longest (224,418 against 225,641 bytes) and renders it about
+// a quarter faster than 8, which saves only a further 1 %.
+constexpr size_t kShorterTried = 3;
 
 struct CodeWriter {
   std::vector<uint8_t>* out;
