@@ -52,8 +52,6 @@ int ParseWhole(const std::string& text, long long* value) {
 }
 
 constexpr int32_t kIdDelay = 11;
-// The frame renderer reads the text into a buffer of 264 bytes.
-constexpr size_t kDrawnTextLimit = 263;
 constexpr int32_t kIdPause = 23;
 
 // Calls `visit` for every material button of the main dialog's table and of the pages.
@@ -246,9 +244,6 @@ int ApplyControlText(WindowHandle dialog, int32_t id, const std::string& value,
       // Typed text is UTF-8, held in the code page; blanks at either end are part of it.
       std::string text;
       if (!Utf8ToWindows1252(value, 1, &text, error)) return 0;
-      if (id == kTextFieldId && text.size() > kDrawnTextLimit)
-        fprintf(stderr, "gm5: the text has %zu characters; the effects draw the first %zu\n",
-                text.size(), kDrawnTextLimit);
       SetTextAsItIs(control, text);
       return 1;
     }

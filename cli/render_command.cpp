@@ -15,6 +15,7 @@
 #include "cli/settings_command.h"
 #include "controls/animation_picker.h"
 #include "controls/value_controls.h"
+#include "effects/frame_renderer.h"
 #include "host/writers/animation_output.h"
 #include "host/writers/output_file.h"
 #include "host/writers/webp_writer.h"
@@ -104,12 +105,12 @@ constexpr int32_t kIdAntialias = 51, kIdPad = 59, kIdCharacterSpace = 61;
 // the padding but without what a page's softness, outline or shadow adds. Measuring is quick; the
 // effect's drawing of the frames is the slow part of a build. Returns 0 when it cannot measure.
 int MeasureTextCanvas(WindowHandle dialog, int32_t* width, int32_t* height) {
-  char text[264], face[264];  // as much of the text as the frame renderer reads
-  DialogGetText(DialogItem(dialog, kTextFieldId), text, sizeof text);
-  DialogGetText(DialogItem(dialog, kIdFontName), face, sizeof face);
+  FrameTexts texts;
+  if (!ReadWholeText(DialogItem(dialog, kTextFieldId), &texts.text)) return 0;
+  DialogGetText(DialogItem(dialog, kIdFontName), texts.faceName, sizeof texts.faceName);
   TextLayoutInput input{};
-  input.text = text;
-  input.faceName = face;
+  input.text = texts.text.get();
+  input.faceName = texts.faceName;
   input.fontSize = ReadDlgValue(dialog, kIdFontSize);
   input.bold = DialogGetCheck(DialogItem(dialog, kIdBold));
   input.italic = DialogGetCheck(DialogItem(dialog, kIdItalic));

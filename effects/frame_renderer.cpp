@@ -4,7 +4,9 @@
 // shadow at the shadow's place, so that a shadow's texture moves with the text.
 #include "effects/frame_renderer.h"
 
+#include <algorithm>
 #include <cstring>
+#include <new>
 
 #include "controls/value_controls.h"
 #include "documents/settings.h"
@@ -33,14 +35,23 @@ MovableHandle WarpLayerMask(const TextFrame* frame, MovableHandle mask) {
 
 }  // namespace
 
+int ReadWholeText(WindowHandle control, std::unique_ptr<char[]>* text, int* length) {
+  const int n = std::max(0, DialogGetTextLength(control));
+  text->reset(new (std::nothrow) char[static_cast<size_t>(n) + 16]);
+  if (!*text) return 0;
+  const int read = DialogGetText(control, text->get(), n + 16);
+  if (length) *length = read;
+  return 1;
+}
+
 int ReadFrameSettings(WindowHandle dialog, const FramePageIds* ids, int32_t sample,
-                      FrameSettings* settings, char (*text)[2][264]) {
+                      FrameSettings* settings, FrameTexts* text) {
   std::memset(settings, 0, sizeof(*settings));
-  DialogGetText(DialogItem(dialog, kIdText), (*text)[0], sizeof((*text)[0]));
-  DialogGetText(DialogItem(dialog, kIdFontName), (*text)[1], sizeof((*text)[1]));
+  if (!ReadWholeText(DialogItem(dialog, kIdText), &text->text)) return 0;
+  DialogGetText(DialogItem(dialog, kIdFontName), text->faceName, sizeof text->faceName);
   TextLayoutInput& t = settings->text;
-  t.text = (*text)[0];
-  t.faceName = (*text)[1];
+  t.text = text->text.get();
+  t.faceName = text->faceName;
   t.fontSize = ReadDlgValue(dialog, kIdFontSize);
   t.bold = Checked(dialog, kIdBold);
   t.italic = Checked(dialog, kIdItalic);

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 
 #include "materials/material.h"
 #include "platform/dialog.h"
@@ -40,12 +41,23 @@ struct FramePageIds {
   int32_t shadowEnable, outlineEnable;
 };
 
+// The text and the face name as the parameter step reads them. The text is read whole, however
+// long, with room for the blank the layout appends.
+struct FrameTexts {
+  std::unique_ptr<char[]> text;
+  char faceName[264];
+};
+
+// Reads the whole window text of `control` into `text`, `length` + 16 bytes, and its length into
+// `length` when given. Returns 0 when memory runs out.
+int ReadWholeText(WindowHandle control, std::unique_ptr<char[]>* text, int* length = nullptr);
+
 // The parameter step: reads the main dialog's text, font and alpha boxes and the page's controls
 // into `settings`, the text into `text` (which must stay alive while `settings` is used), and locks
 // the materials (the fill only when the page has one). Returns 1, or 0 when a material button
-// holds no record (nothing then stays locked). ReleaseFrameSettings unlocks the materials.
+// holds no record or the text can't be held (nothing then stays locked). ReleaseFrameSettings unlocks the materials.
 int ReadFrameSettings(WindowHandle dialog, const FramePageIds* ids, int32_t sample,
-                      FrameSettings* settings, char (*text)[2][264]);
+                      FrameSettings* settings, FrameTexts* text);
 void ReleaseFrameSettings(WindowHandle dialog, const FramePageIds* ids);
 
 // One frame in the making. Zero it, or let BeginTextFrame do so.

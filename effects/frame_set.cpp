@@ -90,7 +90,7 @@ MovableHandle FrameSetFillImage(FrameParams* params, const FrameSetEffect* effec
 MovableHandle RenderFrameWithFill(BuildContext* context, const FramePageIds* ids,
                                   int32_t shadowColourId, FrameFillSource fill, void* source) {
   FrameSettings settings;
-  char text[2][264];
+  FrameTexts text;
   if (!ReadFrameSettings(context->dialog, ids, context->sample, &settings, &text)) return nullptr;
   TextFrame frame;
   MovableHandle result = nullptr;

@@ -70,7 +70,7 @@ MovableHandle RenderHeartbeatFrame(BuildContext* context) {
   const HeartbeatParams* params = static_cast<const HeartbeatParams*>(context->params);
   WindowHandle dialog = context->dialog;
   FrameSettings settings;
-  char text[2][264];
+  FrameTexts text;
   if (!ReadFrameSettings(dialog, &kHeartbeatIds, context->sample, &settings, &text)) return nullptr;
   MovableHandle image = RenderPulse(dialog, &settings, params, ReadDlgValue(dialog, kIdWavelength),
                                     ReadDlgValue(dialog, kIdWaveHeight));

@@ -39,7 +39,7 @@ MovableHandle RenderQuarkOutlineFrame(BuildContext* context) {
   if (!params) return nullptr;
   const FramePageIds* ids = &kQuarkOutlineFrameSet.ids;
   FrameSettings settings;
-  char text[2][264];
+  FrameTexts text;
   if (!ReadFrameSettings(context->dialog, ids, context->sample, &settings, &text)) return nullptr;
   // The ring is the effect itself, so it is drawn whatever the main dialog's outline switch says.
   settings.text.outlineEnabled = 1;

@@ -82,7 +82,7 @@ MovableHandle MakeRattleTable(WindowHandle dialog, RattleParams* params) {
 MovableHandle RenderRattleFrame(BuildContext* context) {
   const RattleParams* params = static_cast<const RattleParams*>(context->params);
   FrameSettings settings;
-  char text[2][264];
+  FrameTexts text;
   if (!ReadFrameSettings(context->dialog, &kRattleIds, context->sample, &settings, &text))
     return nullptr;
   MovableHandle image = RenderShaken(context->dialog, &settings, params);

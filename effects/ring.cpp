@@ -176,9 +176,9 @@ int PrepareRing(WindowHandle dialog, RingParams* p) {
   p->fillOpacity = ReadDlgValue(dialog, kIdFillOpacity);
   p->shadowOpacity = ReadDlgValue(dialog, kIdShadowOpacity);
   DialogGetText(DialogItem(dialog, kIdFontName), p->faceName, sizeof p->faceName);
-  char text[264];
-  p->textLength = DialogGetText(DialogItem(dialog, kIdText), text, sizeof text);
-  p->text = CopyToMovableBlock(text, static_cast<size_t>(p->textLength) + 16);
+  std::unique_ptr<char[]> text;
+  if (!ReadWholeText(DialogItem(dialog, kIdText), &text, &p->textLength)) return 0;
+  p->text = CopyToMovableBlock(text.get(), static_cast<size_t>(p->textLength) + 16);
   p->advances = MovableAlloc((static_cast<size_t>(p->textLength) + 16) * sizeof(uint32_t));
   if (!p->text || !p->advances ||
       !CreateLayoutFont(dialog, p->faceName, p->fontSize, p->bold, p->italic, &p->font)) {

@@ -72,7 +72,7 @@ constexpr int32_t kIdDelay = 11, kIdAnimated = 22, kIdPause = 23;
 MovableHandle RenderSimpleFrame(void* context, const SimpleFrameParams* params) {
   BuildContext* c = static_cast<BuildContext*>(context);
   FrameSettings settings;
-  char text[2][264];
+  FrameTexts text;
   if (!ReadFrameSettings(c->dialog, &kSimpleIds, c->sample, &settings, &text)) return nullptr;
   MovableHandle image = RenderStandardFrame(c->dialog, &settings, params->x, params->y);
   ReleaseFrameSettings(c->dialog, &kSimpleIds);

@@ -228,7 +228,7 @@ constexpr int32_t kIdDelay = 11, kIdPause = 23;
 MovableHandle RenderTracksPicture(void* context) {
   BuildContext* c = static_cast<BuildContext*>(context);
   FrameSettings settings;
-  char text[2][264];
+  FrameTexts text;
   if (!ReadFrameSettings(c->dialog, &kTracksIds, c->sample, &settings, &text)) return nullptr;
   MovableHandle image = RenderStandardFrame(c->dialog, &settings, 0, 0);
   ReleaseFrameSettings(c->dialog, &kTracksIds);

@@ -83,7 +83,7 @@ constexpr int32_t kIdDelay = 11;
 MovableHandle RenderTramLinesPicture(void* context) {
   BuildContext* c = static_cast<BuildContext*>(context);
   FrameSettings settings;
-  char text[2][264];
+  FrameTexts text;
   if (!ReadFrameSettings(c->dialog, &kTramLinesIds, c->sample, &settings, &text)) return nullptr;
   MovableHandle image = RenderStandardFrame(c->dialog, &settings, 0, 0);
   ReleaseFrameSettings(c->dialog, &kTramLinesIds);

@@ -53,7 +53,7 @@ MovableHandle RenderUnpluggedTvText(BuildContext* context) {
   const UnpluggedTvState* state = static_cast<const UnpluggedTvState*>(context->params);
   WindowHandle dialog = context->dialog;
   FrameSettings settings;
-  char text[2][264];
+  FrameTexts text;
   if (!state || !ReadFrameSettings(dialog, &kIds, context->sample, &settings, &text))
     return nullptr;
   const bool preview = (context->flags & kBuildFlagPreview) != 0;

@@ -167,7 +167,7 @@ constexpr int32_t kIdDelay = 11, kIdAnimated = 22;
 MovableHandle RenderWatersideFrame(void* context, const WatersideFrameParams*) {
   BuildContext* c = static_cast<BuildContext*>(context);
   FrameSettings settings;
-  char text[2][264];
+  FrameTexts text;
   if (!ReadFrameSettings(c->dialog, &kWatersideIds, c->sample, &settings, &text)) return nullptr;
   MovableHandle image = RenderStandardFrame(c->dialog, &settings, 0, 0);
   ReleaseFrameSettings(c->dialog, &kWatersideIds);

@@ -90,7 +90,7 @@ constexpr int32_t kIdDelay = 11, kIdPause = 23;
 int RenderZipperPictures(void* context, MovableHandle* picture, MovableHandle* background) {
   BuildContext* c = static_cast<BuildContext*>(context);
   FrameSettings settings;
-  char text[2][264];
+  FrameTexts text;
   if (!ReadFrameSettings(c->dialog, &kZipperIds, c->sample, &settings, &text)) return 0;
   *background = nullptr;
   *picture = RenderStandardFrame(c->dialog, &settings, 0, 0);

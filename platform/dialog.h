@@ -128,6 +128,8 @@ int DialogCreateMaterial(WindowHandle button, uint32_t creationColour);
 ControlKind DialogControlKind(WindowHandle control);
 // The window text, cut to fit `size` (which counts the terminator). Returns its length.
 int DialogGetText(WindowHandle control, char* text, int size);
+// The length of the window text, without the terminator; 0 without a control.
+int DialogGetTextLength(WindowHandle control);
 void DialogSetText(WindowHandle control, const char* text);
 // The check state of a check box, 0 or 1, and its setting.
 int DialogGetCheck(WindowHandle control);

@@ -145,6 +145,10 @@ int DialogGetText(WindowHandle control, char* text, int size) {
   return static_cast<int>(n);
 }
 
+int DialogGetTextLength(WindowHandle control) {
+  return control ? static_cast<int>(control->text.size()) : 0;
+}
+
 void DialogSetText(WindowHandle control, const char* text) {
   if (control) control->text = text ? text : "";
 }

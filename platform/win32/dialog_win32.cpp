@@ -223,6 +223,10 @@ int DialogGetText(WindowHandle control, char* text, int size) {
   return control ? GetWindowTextA(AsWindow(control), text, size) : 0;
 }
 
+int DialogGetTextLength(WindowHandle control) {
+  return control ? GetWindowTextLengthA(AsWindow(control)) : 0;
+}
+
 void DialogSetText(WindowHandle control, const char* text) {
   if (control) SetWindowTextA(AsWindow(control), text ? text : "");
 }

@@ -463,6 +463,17 @@ TEST(Gm5Program, InputsAreReadFaithfullyOrRefused) {
   EXPECT_EQ(RunShell(std::string(GM5_PROGRAM_PATH) + " render " + document +
                      " --defaults -q --font 'DejaVu Sans' -o /dev/null"),
             0);
+  // The whole text is drawn, however long: 300 letters make a wider picture than their first 263
+  // (the size the renderer's text buffer once had), and as wide as 300 letters should be.
+  auto width = [&](size_t letters) {
+    const ProgramRun run = RunGm5("render --defaults --font 'DejaVu Sans' --size 10 --control 22=0 "
+                                  "--text " + std::string(letters, 'm') + " -o /dev/null");
+    const size_t at = run.out.find(" frame, ");
+    return at == std::string::npos ? -1 : std::atoi(run.out.c_str() + at + 8);
+  };
+  const int whole = width(300), cut = width(263);
+  EXPECT_GT(cut, 0);
+  EXPECT_NEAR(whole - cut, (cut - width(26)) * 37 / 237, 3);
 }
 
 // A document saved from options renders exactly as the options do, for every kind of control,
