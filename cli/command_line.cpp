@@ -173,16 +173,6 @@ int ParseCommandLine(int argc, const char* const* argv, CommandLine* line, std::
         *error = "bad value for --size: " + value;
         return 0;
       }
-    } else if (name == "--sample-size") {
-      std::string value, height;
-      if (!takeValue(&value)) return 0;
-      const size_t x = value.find_first_of("xX");
-      if (x == std::string::npos || !ParseInteger(value.substr(0, x), &line->sampleWidth) ||
-          !ParseInteger(value.substr(x + 1), &line->sampleHeight) || line->sampleWidth <= 0 ||
-          line->sampleHeight <= 0 || line->sampleWidth > 65535 || line->sampleHeight > 65535) {
-        *error = "bad value for --sample-size: " + value + " (expected WIDTHxHEIGHT)";
-        return 0;
-      }
     } else if (name == "--set") {
       std::string value, key, setting;
       if (!takeValue(&value)) return 0;
@@ -271,7 +261,6 @@ const char* Gm5Usage() {
          "      --supercompress, --alpha (and each with --no- to turn it off)\n"
          "  -h, --help                   this text\n"
          "  -o, --output OUT             where render and preview write\n"
-         "      --sample-size WxH        the sample area preview gives the effect (450x276)\n"
          "  -q, --quiet                  no progress bar and no closing line\n"
          "      --version                the program's version\n"
          "\n"

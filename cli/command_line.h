@@ -35,9 +35,6 @@ struct CommandLine {
   // --frame (from 1, a single PNG): -1 when not given.
   int32_t frames = -1, delay = -1, pause = -1, loop = -1, frame = -1;
   std::string format;  // --format gif|webp|png
-  // --sample-size WxH: the sample area preview hands the effect. The default is the main dialog's
-  // sample button, 300 by 170 dialog units at the dialog font's 6 by 13 base units.
-  int32_t sampleWidth = 450, sampleHeight = 276;
   int32_t bold = -1, italic = -1;  // -1 not given, else 0 or 1
   // --true-color, --custom-palette, --dither, --transparent, --supercompress, --alpha, and their
   // --no- forms: -1 not given, else 0 or 1.

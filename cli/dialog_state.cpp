@@ -168,6 +168,7 @@ int ReadDocument(WindowHandle dialog, const std::string& path, std::string* erro
     return *error = "cannot read " + path + ": " + *error, 0;
   std::string others;
   std::vector<std::pair<WindowHandle, std::string>> texts;
+  std::vector<std::pair<int32_t, long long>> spins;  // each spin edit's id and the number read
   size_t start = 0;
   for (int first = 1; start < text.size(); first = 0) {
     size_t end = text.find('\n', start);
@@ -188,6 +189,16 @@ int ReadDocument(WindowHandle dialog, const std::string& path, std::string* erro
       texts.emplace_back(control, line.substr(value));
       continue;
     }
+    // A spin edit's line, to report afterwards a number its control took as another.
+    for (const ControlKind kind : {kControlSpinEdit, kControlSignedSpinEdit}) {
+      const char* tag = ControlTag(kind);
+      long long number = 0;
+      if (equals != std::string::npos && line.size() > at + 6 &&
+          strncasecmp(line.c_str() + at, tag, 6) == 0 &&
+          ParseWhole(line.substr(std::min(line.size(), line.find_first_not_of('=', equals))),
+                     &number))
+        spins.emplace_back(ParseAtoi(line.c_str() + at + 6), number);
+    }
     others += line;
     others += '\n';
   }
@@ -197,6 +208,14 @@ int ReadDocument(WindowHandle dialog, const std::string& path, std::string* erro
   fclose(stream);
   if (!marked) return *error = "cannot read " + path + ": " + kDocumentDamaged, 0;
   for (const auto& t : texts) SetTextAsItIs(t.first, t.second);
+  for (const auto& [id, number] : spins) {
+    const ControlKind kind = DialogControlKind(DialogItem(dialog, id));
+    if (kind != kControlSpinEdit && kind != kControlSignedSpinEdit) continue;
+    const int32_t held = ReadDlgValue(dialog, id);
+    if (held != number)
+      fprintf(stderr, "gm5: %s: %lld is outside the range of control %d; using %d\n",
+              path.c_str(), number, id, held);
+  }
   DialogPostMessage(dialog, kMessageAfterLoad);
   return 1;
 }

@@ -243,8 +243,10 @@ int RenderPreview(const CommandLine& line, std::string* error) {
   BuildContext context{};
   context.dialog = run.dialog;
   context.sample = 1;
-  context.sampleWidth = line.sampleWidth;
-  context.sampleHeight = line.sampleHeight;
+  // The main dialog's sample button: 300 by 170 dialog units at the dialog font's 6 by 13 base
+  // units. No effect sizes its sample by it; the context carries it as the dialog's would.
+  context.sampleWidth = 450;
+  context.sampleHeight = 276;
   WarnOfSubstituteFont(run.dialog);
   InProcessHost host;
   BeginInProcessHost(&host, 1, nullptr);
