@@ -11,9 +11,10 @@ namespace {
 
 constexpr int kLargestCode = 4095;
 // How much shorter than the longest a string may be and still be tried. Each try walks the table
-// from the string's end, so the cost grows with this number: 3 makes the default animation
-// 0.5 % smaller than trying only the longest (224,418 against 225,641 bytes) and renders it about
-// a quarter faster than 8, which saves only a further 1 %.
+// from the string's end, so the cost grows with this number; 3 was the best of 0 to 8 for size,
+// and a quarter faster than 8. The look-ahead is taken only where pixels may be either value: on
+// fixed pixels the longest string alone gave files as small (Ring's 1 % smaller, Simple's 0.3 %
+// larger) for a tenth less time. The default animation is 225,002 bytes with this.
 constexpr size_t kShorterTried = 3;
 
 struct CodeWriter {
@@ -71,6 +72,7 @@ void CompressGifPixels(const uint8_t* pixels, const uint8_t* either, size_t coun
                        int mark, std::vector<uint8_t>* codes) {
   const int clear = 1 << minCodeSize, end = clear + 1, symbols = 1 << minCodeSize;
   ChildTable child;
+  const bool lookahead = either && mark >= 0;
   codes->clear();
   CodeWriter writer{codes};
   auto reset = [&]() {
@@ -143,7 +145,7 @@ void CompressGifPixels(const uint8_t* pixels, const uint8_t* either, size_t coun
     // Of the strings the table has from here, the one after which the next string reaches
     // furthest; the longest of those.
     int code = 0;
-    size_t stop = longest(i, start, &code, &strings);
+    size_t stop = longest(i, start, &code, lookahead ? &strings : nullptr);
     size_t reach = 0;
     const size_t longestEnd = stop;
     for (const auto& [end, node] : strings) {

@@ -1,8 +1,9 @@
 // GIF's LZW compression of one image, for pixels that may take either of two values: a pixel that
 // shows the same whatever it holds (unchanged, under a transparent index) is written as whichever
-// of its values makes the longer string the table already has. Each step writes, of the strings
-// the table has from there, the one after which the next string reaches furthest (a lookahead of
-// one string), not simply the longest, so that fewer codes are written.
+// of its values makes the longer string the table already has. With such pixels each step writes,
+// of the strings the table has from there, the one after which the next string reaches furthest
+// (a lookahead of one string), not simply the longest, so that fewer codes are written; without
+// them it writes the longest.
 #pragma once
 
 #include <cstddef>
