@@ -56,6 +56,21 @@ measure() {
   printf '%s\n' "${times[@]}" | sort -n | awk '{t[NR]=$1} END {print t[1], t[int((NR+1)/2)]}'
 }
 
+# Prints "best median" in seconds of processor time (user and system, the command's children
+# included) of RUNS runs of a command. Unlike wall time it hardly moves when other work shares the
+# machine, so two programs measured at different moments still compare.
+measure_cpu() {
+  local runs=$1 r times=() TIMEFORMAT='%3U %3S' spent
+  shift
+  spent=$(mktemp)
+  for ((r = 0; r < runs; r++)); do
+    { time "$@" 2>/dev/null; } 2>"$spent"
+    times+=("$(awk '{printf "%.4f", $1 + $2}' "$spent")")
+  done
+  rm -f "$spent"
+  printf '%s\n' "${times[@]}" | sort -n | awk '{t[NR]=$1} END {print t[1], t[int((NR+1)/2)]}'
+}
+
 # Sets magick_args to ImageMagick arguments that draw frames of an animation of FRAMES frames of
 # WIDTH x HEIGHT showing TEXT, as gm5's default animation shows it: the text scrolled in from the
 # right edge, its shadow blurred, the text filled and outlined, flattened onto white. Draws the
