@@ -1,10 +1,11 @@
 // The Windows parts of the rows: the value kinds and pickers are standard controls subclassed with
-// their kind's procedure, the colour button is owner-drawn, and the material button is a window
-// class of its own that makes and frees its record itself.
+// their kind's procedure, the colour button is owner-drawn, and the material button and the
+// animation picker are window classes of their own that make and free their records themselves.
 #include "controls/control_kinds.h"
 
 #include <windows.h>
 
+#include "controls/animation_picker_win32.h"
 #include "materials/material_button_win32.h"
 
 void AddKindWindowParts(ControlKindProcs* row) {
@@ -16,8 +17,14 @@ void AddKindWindowParts(ControlKindProcs* row) {
     row->create = CreateMaterialForWindow;
     row->destroy = nullptr;  // the window frees its record when it is destroyed
   }
+  if (row->kind == kControlAnimationPicker) {
+    row->windowClass = kAnimationPickerClass;
+    row->destroy = nullptr;  // the window frees its block and state when it is destroyed
+  }
 }
 
 int RegisterKindWindowClasses() {
-  return RegisterMaterialButtonClass();
+  const int material = RegisterMaterialButtonClass();
+  const int animation = RegisterAnimationPickerClass();
+  return material && animation;
 }

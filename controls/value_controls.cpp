@@ -299,6 +299,9 @@ void HandleValueCommand(WindowHandle dialog, int32_t id, int32_t notification) {
     case kControlScroll4Picker:
     case kControlScroll2Picker:
     case kControlScrollHVPicker:
+    // The animation picker tells its dialog after a choice, taken or cancelled: the sample is
+    // redrawn from the animation it holds now.
+    case kControlAnimationPicker:
       break;
     default:
       return;

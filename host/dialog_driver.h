@@ -1,6 +1,7 @@
 // Drives the plug-in's dialogs from the lines of a script, for the reference host. Steps run one
 // at a time from a timer on the dialog's own thread, so the dialogs see ordinary messages:
-//   wait-dialog | box ANSWER | click ID | set-text ID TEXT | set-check ID 0|1 | select ID ROW |
+//   wait-dialog | box ANSWER | click ID | click-child ID CHILD | set-text ID TEXT |
+//   set-check ID 0|1 | select ID ROW |
 //   select-text ID TEXT |
 //   read-text ID | read-check ID | read-enabled ID | read-class ID | wait-timer | sleep MS |
 //   watch | timeout MS | count-paints ID | read-paints ID | screenshot 0 PATH | file-dialog PATH

@@ -220,6 +220,12 @@ bool RunStep(const std::string& step, DWORD waited) {
   std::string prefix = word + " id=" + std::to_string(id);
   if (word == "click") {
     PostCommand(dialog, id, BN_CLICKED);
+  } else if (word == "click-child") {
+    // click-child ID CHILD: a button inside control ID, such as the animation picker's Select.
+    int child = 0;
+    in >> child;
+    PostMessageA(control, WM_COMMAND, MAKEWPARAM(child, BN_CLICKED),
+                 reinterpret_cast<LPARAM>(control ? GetDlgItem(control, child) : nullptr));
   } else if (word == "set-text") {
     std::string text;
     std::getline(in >> std::ws, text);

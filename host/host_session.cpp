@@ -6,6 +6,7 @@
 #include <cstring>
 #include <sstream>
 
+#include "host/animation_reader.h"
 #include "host/bmp_file.h"
 #include "shell/packed_dib.h"
 
@@ -181,17 +182,51 @@ MovableHandle MakeAnimationBlock(const std::vector<std::string>& paths) {
   return result;
 }
 
+// The picture file at `path` as an AnimationBlock, or null when it can't be read.
+MovableHandle ReadAnimationBlock(const std::string& path) {
+  ComposedAnimation animation;
+  if (!ReadHostAnimationFile(path.c_str(), &animation)) return nullptr;
+  return MakeAnimationBlockOf(animation);
+}
+
+int64_t AnimationBlockFrames(MovableHandle block) {
+  ScopedLock bytes(block);
+  AnimationBlockHead head{};
+  if (!bytes || MovableSize(block) < sizeof head) return 0;
+  memcpy(&head, bytes.bytes, sizeof head);
+  return head.entryCount;
+}
+
 uint64_t OpenAnimation(HostSession* session, uint64_t b, CallLine* line) {
   AnimationRequest* request = reinterpret_cast<AnimationRequest*>(b);
   if (!request) return line->Refuse("null-record");
   if (request->magic != kAnimationRequestMagic || request->size != sizeof(AnimationRequest) ||
       request->version != kInterfaceVersion || request->mode != 1)
     return line->Refuse("bad-record");
-  line->Text("path", std::string(request->path, strnlen(request->path, sizeof request->path)));
-  if (session->animationFrames.empty()) return line->Refuse("cancelled");
-  MovableHandle block = MakeAnimationBlock(session->animationFrames);
-  if (!block) return line->Refuse("unreadable-frames");
-  const std::string& chosen = session->animationFrames.front();
+  const std::string asked(request->path, strnlen(request->path, sizeof request->path));
+  line->Text("path", asked);
+  // A path in the request is a file the plug-in already holds: it is read as it stands.
+  if (!asked.empty()) {
+    MovableHandle block = ReadAnimationBlock(asked);
+    if (!block) return line->Refuse("unreadable-file");
+    line->Field("frames", AnimationBlockFrames(block));
+    return reinterpret_cast<uint64_t>(block);
+  }
+  // An empty path asks the user: the script's file, or its frames, or a cancel.
+  std::string chosen;
+  MovableHandle block = nullptr;
+  if (!session->animationFiles.empty()) {
+    chosen = session->animationFiles.front();
+    session->animationFiles.pop_front();
+    block = ReadAnimationBlock(chosen);
+    if (!block) return line->Refuse("unreadable-file");
+  } else {
+    if (session->animationFrames.empty()) return line->Refuse("cancelled");
+    block = MakeAnimationBlock(session->animationFrames);
+    if (!block) return line->Refuse("unreadable-frames");
+    chosen = session->animationFrames.front();
+  }
+  line->Field("frames", AnimationBlockFrames(block));
   size_t length = chosen.size() < 260 ? chosen.size() : 260;
   memset(request->path, 0, sizeof request->path);
   memcpy(request->path, chosen.data(), length);
@@ -344,6 +379,10 @@ int ReadHostAnswerLine(HostSession* session, const char* text) {
     std::string path;
     std::getline(in >> std::ws, path);
     session->selectedFiles.push_back(path);
+  } else if (word == "animation-file") {
+    std::string path;
+    std::getline(in >> std::ws, path);
+    session->animationFiles.push_back(path);
   } else if (word == "animation") {
     session->animationFrames.clear();
     std::string path;

@@ -49,7 +49,8 @@ struct HostSession {
   // Answers from the script.
   std::deque<uint32_t> colours;              // HostOpChooseColour; none left: cancelled
   std::deque<std::string> selectedFiles;     // HostOpSelectImageFile; none left: cancelled
-  std::vector<std::string> animationFrames;  // BMP files of the AnimationBlock; empty: cancelled
+  std::deque<std::string> animationFiles;    // HostOpOpenAnimation with no path: files chosen
+  std::vector<std::string> animationFrames;  // else BMP files of the AnimationBlock; none: cancelled
   std::map<std::string, std::unique_ptr<HostSettingValue>> settings;
   std::set<int32_t> refused;  // opcodes answered with 0
   uint64_t registered = 1;
@@ -58,8 +59,10 @@ struct HostSession {
 };
 
 // Reads one line of a host script. Answer lines configure the session and give 1:
-//   colour 0xBBGGRR | select-file PATH | animation BMP... | setting KEY INTEGER | refuse OPCODE |
-//   registered N | dialog-size W H
+//   colour 0xBBGGRR | select-file PATH | animation-file PATH | animation BMP... |
+//   setting KEY INTEGER | refuse OPCODE | registered N | dialog-size W H
+// A request for an animation with a path reads that file; one without asks the user, whose
+// answer is the next animation-file (read as a request's path is), else the animation frames.
 // Blank lines and lines starting with # give 1. Any other line gives 0 and is left to the caller.
 int ReadHostAnswerLine(HostSession* session, const char* line);
 

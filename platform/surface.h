@@ -56,7 +56,8 @@ int SurfaceFillRect(RenderSurface* surface, const SurfaceRect* rect, uint32_t co
 int SurfacePolygon(RenderSurface* surface, const SurfacePoint* points, int32_t count,
                    const SurfacePaint* paint, int32_t fillMode);
 // The ellipse inscribed in the box; with no pen its interior is one pixel smaller on the right and
-// lower sides.
+// lower sides. A box whose corners are swapped (left past right, top below bottom) draws as the
+// ordered box, on every platform, as does a rectangle's.
 int SurfaceEllipse(RenderSurface* surface, const SurfaceRect* box, const SurfacePaint* paint);
 // With no pen the interior covers left..right-2 and top..bottom-2; with a pen of width 1 the outline
 // runs on the box's first and last columns and rows.

@@ -5,6 +5,7 @@
 #include <commctrl.h>
 #include <shlobj.h>
 
+#include "controls/animation_picker_win32.h"
 #include "controls/page_setup.h"
 #include "materials/material_button_win32.h"
 #include "shell/crt_random.h"
@@ -98,6 +99,7 @@ extern "C" __declspec(dllexport) int PLUGIN16DoBuild(HWND parent, HostRecord* ho
   InstallControlKinds();
   RunMainDialog(reinterpret_cast<WindowHandle>(parent), host);
   UnregisterMaterialButtonClass();
+  UnregisterAnimationPickerClass();
   CurrentHost = nullptr;
   RepaintWindow(parent);
 

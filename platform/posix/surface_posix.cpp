@@ -144,12 +144,16 @@ int SurfacePolygon(RenderSurface* surface, const SurfacePoint* points, int32_t c
 int SurfaceEllipse(RenderSurface* surface, const SurfaceRect* box, const SurfacePaint* paint) {
   cairo_t* cr = Context(surface);
   if (!cr) return 0;
+  // A box given with its corners swapped draws as the ordered box, as GDI's Ellipse does: the
+  // glossy ball's innermost rings have their left past their right.
+  const int32_t left = std::min(box->left, box->right), right = std::max(box->left, box->right);
+  const int32_t top = std::min(box->top, box->bottom), bottom = std::max(box->top, box->bottom);
   // Sampled at pixel centres, the ellipse inscribed in the whole box gives GDI's interior.
-  EllipsePath(cr, box->left, box->top, box->right, box->bottom);
+  EllipsePath(cr, left, top, right, bottom);
   FillWithBrush(cr, paint);
   if (paint->pen != kSurfaceNone) {
     cairo_new_path(cr);
-    EllipsePath(cr, box->left + 0.5, box->top + 0.5, box->right - 0.5, box->bottom - 0.5);
+    EllipsePath(cr, left + 0.5, top + 0.5, right - 0.5, bottom - 0.5);
   }
   StrokeWithPen(cr, paint);
   return 1;

@@ -23,13 +23,37 @@ INT Widen(const char* text, WCHAR* buffer) {
   return written - 1;
 }
 
-void Measure(GpGraphics* graphics, const WCHAR* text, INT length, GpFont* font, int32_t* width,
-             int32_t* height) {
+void MeasureAll(GpGraphics* graphics, const WCHAR* text, INT length, GpFont* font, int32_t* width,
+                int32_t* height) {
   const RectF layout(0, 0, 0, 0);
   RectF box(0, 0, 0, 0);
   GdipMeasureString(graphics, text, length, font, &layout, nullptr, &box, nullptr, nullptr);
   *width = static_cast<int32_t>(box.Width);
   *height = static_cast<int32_t>(box.Height);
+}
+
+// The string's measure with its trailing spaces left out, as GDI+ measures with no format: the
+// rest of the string, or, for spaces alone, the string padding. Wine's GDI+ counts trailing
+// spaces; leaving them out here makes a lone space (the one appended to every text among them)
+// measure as the padding there too, so that a text's width does not depend on whose GDI+ ran.
+void Measure(GpGraphics* graphics, const WCHAR* text, INT length, GpFont* font, int32_t* width,
+             int32_t* height) {
+  INT kept = length;
+  while (kept > 0 && text[kept - 1] == L' ') --kept;
+  if (kept == length) {
+    MeasureAll(graphics, text, length, font, width, height);
+  } else if (kept > 0) {
+    MeasureAll(graphics, text, kept, font, width, height);
+  } else {
+    // One and two spaces measure alike where trailing spaces are left out; where they are
+    // counted, the second adds one space's advance, and twice the one less the two is still the
+    // padding.
+    const WCHAR spaces[2] = {L' ', L' '};
+    int32_t one = 0, two = 0;
+    MeasureAll(graphics, spaces, 1, font, &one, height);
+    MeasureAll(graphics, spaces, 2, font, &two, height);
+    *width = 2 * one - two;
+  }
 }
 
 MovableHandle DrawGlyphs(const DrawRequest* r, const WCHAR* text, INT length, GpFont* font) {
@@ -105,15 +129,11 @@ uint64_t DrawingText(DrawRequest* r) {
   switch (r->textMode) {
     case 0:
       if (r->text && static_cast<uint8_t>(r->text[0]) > 32) {
-        // The lone space's measure is the string padding. GDI+ leaves trailing spaces out of a
-        // measure, so one and two spaces measure alike and twice the one less the two is that
-        // measure; Wine's GDI+ counts them, and the same difference still leaves the padding
-        // alone, so that the advance keeps its width there too.
-        WCHAR spaces[3] = {L' ', L' ', 0};
-        int32_t one = 0, two = 0, height = 0;
-        Measure(graphics, spaces, 1, font, &one, &height);
-        Measure(graphics, spaces, 2, font, &two, &height);
-        r->measuredWidth -= 2 * one - two;
+        // A lone space measures as the string padding, so the advance keeps the glyph's width.
+        const WCHAR space[2] = {L' ', 0};
+        int32_t padding = 0, height = 0;
+        Measure(graphics, space, 1, font, &padding, &height);
+        r->measuredWidth -= padding;
       }
       result = 1;
       break;

@@ -83,13 +83,16 @@ TEST(DispatchDraw, MeasuringSubtractsThePaddingFromPrintableFirstBytes) {
   const PictureValues picture = Draw(&drawn);
   EXPECT_GT(space.measuredWidth, 0);
   EXPECT_GT(letter.measuredWidth, space.measuredWidth);
-  // Drawing does not subtract: its picture is the full measured box, the padding included. The
-  // padding is what a lone space measures beyond the space's own share in two spaces (the lone
-  // space's whole measure where trailing spaces are left out of it).
+  // Trailing spaces are left out of a measure: two spaces measure as one, the padding alone, and
+  // a letter followed by spaces as the letter. Drawing does not subtract: its picture is the full
+  // measured box, the padding included.
   DrawRequest spaces = TextRequest(font, "  ", kTextMeasure);
+  DrawRequest trailing = TextRequest(font, "W  ", kTextMeasure);
   EXPECT_EQ(DispatchDraw(&spaces), 1u);
-  EXPECT_EQ(drawn.measuredWidth,
-            letter.measuredWidth + 2 * space.measuredWidth - spaces.measuredWidth);
+  EXPECT_EQ(DispatchDraw(&trailing), 1u);
+  EXPECT_EQ(spaces.measuredWidth, space.measuredWidth);
+  EXPECT_EQ(trailing.measuredWidth, letter.measuredWidth);
+  EXPECT_EQ(drawn.measuredWidth, letter.measuredWidth + space.measuredWidth);
   EXPECT_EQ(picture.width, drawn.measuredWidth);
   EXPECT_EQ(picture.height, drawn.measuredHeight);
   EXPECT_EQ(picture.bits, 24);

@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include "controls/animation_picker.h"
+#include "host/animation_block.h"
 #include "host/bmp_file.h"
 #include "host/host_session.h"
 #include "shell/packed_dib.h"
@@ -225,6 +227,39 @@ TEST(HostSession, AnimationBlockFromBmpFilesPassesTheCheck) {
     MovableFree(made);
     return made != nullptr;
   }));
+  // A request with a path reads that file, here a still picture: one frame of its pixels. A
+  // file that isn't a picture is refused; the user's choice of a file is read the same way and
+  // its path handed back.
+  const std::string still = (folder / "f1.bmp").string();
+  std::snprintf(request.path, sizeof request.path, "%s", still.c_str());
+  ScopedBlock one(
+      reinterpret_cast<MovableHandle>(host.Call(nullptr, HostOpOpenAnimation, 0, Ptr(&request))));
+  ASSERT_TRUE(ValidateAnimationBlock(one.handle));
+  int32_t delay = 0;
+  ScopedBlock picture(AnimationFrame(one.handle, 0, &delay));
+  ScopedBlock original(MakeFrame(1));
+  ScopedLock p(picture.handle), o(original.handle);
+  ASSERT_TRUE(p && o);
+  EXPECT_EQ(AnimationFrameCount(one.handle), 1);
+  EXPECT_EQ(delay, kStillPictureDelay);
+  for (int32_t y = 0; y < 3; ++y)
+    for (int32_t x = 0; x < 5; ++x) {
+      const uint8_t* entry = o.bytes + kDibHeaderBytes + 4 * ReadDibPixel(o.bytes, x, y);
+      const uint32_t colour = entry[2] | entry[1] << 8 | entry[0] << 16;  // blue, green, red, 0
+      ASSERT_EQ(ReadDibPixel(p.bytes, x, y), colour) << x << "," << y;
+    }
+  const std::string text = (folder / "note.txt").string();
+  ASSERT_TRUE(WriteWholeFile(text.c_str(), std::vector<uint8_t>(200, 'x')));
+  std::snprintf(request.path, sizeof request.path, "%s", text.c_str());
+  EXPECT_EQ(host.Call(nullptr, HostOpOpenAnimation, 0, Ptr(&request)), 0u);
+  EXPECT_NE(host.Log().back().find("error=unreadable-file"), std::string::npos)
+      << host.Log().back();
+  ReadHostAnswerLine(&host.session, ("animation-file " + still).c_str());
+  request.path[0] = 0;
+  ScopedBlock chosen(
+      reinterpret_cast<MovableHandle>(host.Call(nullptr, HostOpOpenAnimation, 0, Ptr(&request))));
+  EXPECT_EQ(AnimationFrameCount(chosen.handle), 1);
+  EXPECT_EQ(std::string(request.path), still);
   std::vector<uint8_t> bmp = ReadWholeFile((folder / "f1.bmp").string().c_str());
   EXPECT_TRUE(SweepAllocationFailures([&] {
     MovableHandle made = BmpToPackedDib(bmp.data(), bmp.size());

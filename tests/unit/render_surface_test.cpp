@@ -109,3 +109,27 @@ TEST(RenderSurface, EllipseIsSymmetricInsideItsBox) {
   // Close to the area of a 30 by 20 ellipse, pi * 15 * 10.
   EXPECT_NEAR(filled, 471, 25);
 }
+
+// A box with its corners swapped draws exactly the ordered box, filled and outlined with a wide
+// pen, for ellipses and rectangles alike.
+TEST(RenderSurface, SwappedCornersDrawTheOrderedBox) {
+  const SurfacePaint paint = {static_cast<int32_t>(kWhite), static_cast<int32_t>(kRed), 4};
+  for (auto shape : {SurfaceEllipse, SurfaceRectangle}) {
+    const SurfaceRect ordered = {6, 4, 27, 17};
+    const SurfaceRect swapped[] = {{27, 4, 6, 17}, {6, 17, 27, 4}, {27, 17, 6, 4}};
+    ScopedBlock reference(DrawOn(32, 24, [&](RenderSurface* s) { shape(s, &ordered, &paint); }));
+    ScopedLock r(reference.handle);
+    ASSERT_TRUE(r);
+    EXPECT_EQ(ReadDibPixel(r.bytes, 16, 10), kWhite);
+    EXPECT_EQ(ReadDibPixel(r.bytes, 16, 4), kRed);
+    for (const SurfaceRect& box : swapped) {
+      ScopedBlock image(DrawOn(32, 24, [&](RenderSurface* s) { shape(s, &box, &paint); }));
+      ScopedLock i(image.handle);
+      ASSERT_TRUE(i);
+      for (int32_t y = 0; y < 24; ++y)
+        for (int32_t x = 0; x < 32; ++x)
+          ASSERT_EQ(ReadDibPixel(i.bytes, x, y), ReadDibPixel(r.bytes, x, y))
+              << box.left << "," << box.top << " at " << x << "," << y;
+    }
+  }
+}
