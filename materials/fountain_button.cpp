@@ -115,3 +115,14 @@ void FreeFountainOfButton(WindowHandle button) {
   MovableFree(static_cast<MovableHandle>(DialogGetUserData(button)));
   DialogSetUserData(button, nullptr);
 }
+
+int ButtonFountain(WindowHandle button, FountainGradient* gradient) {
+  if (!button || !gradient || DialogControlKind(button) != kControlFountainButton) return 0;
+  MovableHandle handle = static_cast<MovableHandle>(DialogGetUserData(button));
+  if (!handle || MovableSize(handle) < kFountainSize) return 0;
+  ScopedLock lock(handle);
+  if (!lock) return 0;
+  std::memcpy(gradient, lock.bytes, kFountainSize);
+  ClearFountainRunTime(gradient);
+  return 1;
+}

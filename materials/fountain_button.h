@@ -33,3 +33,7 @@ int CreateFountainForButton(WindowHandle button, uint32_t creationColour);
 int FountainButtonTakeLine(WindowHandle button, const char* line);
 size_t FountainButtonFormatLine(WindowHandle button, char* line, size_t size);
 void FreeFountainOfButton(WindowHandle button);
+
+// The gradient a fountain button holds, copied with its run-time spans cleared. 0 when `button` is
+// not a fountain button or holds no record, and `gradient` is then untouched.
+int ButtonFountain(WindowHandle button, FountainGradient* gradient);

@@ -2,9 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <cstring>
 
 #include "controls/value_controls.h"
+#include "effects/quark_outline.h"
+#include "materials/fountain_button.h"
 #include "shell/crt_random.h"
 #include "tests/support/alloc_sweep.h"
 #include "tests/support/effect_builds.h"
@@ -97,5 +100,48 @@ TEST(QuarkPage, BuildsOneTurnAndTheSampleIsItsFirstFrame) {
     FreeFrameSet(&params);
     return ok;
   }));
+  DialogDestroy(dialog);
+}
+
+// The colours come from the page's Fountain button: the gradient it starts with looks as the
+// built-in rainbow does, an edited one changes Quark and Quark Outline alike, and a control of
+// another kind is never read as a gradient.
+TEST(QuarkPage, TheFountainButtonGivesTheColours) {
+  WindowHandle dialog = SmallEffectDialog({320, 322, 659, 661, 663},
+                                          {0x7F7F7F, 0xFFFFFF, 0x40C040, 0x7F7F7F, 0xFFFFFF});
+  ASSERT_NE(dialog, nullptr);
+  WindowHandle button = DialogItem(dialog, kQuarkFountainId);
+  ASSERT_NE(button, nullptr);
+  const Pixels rainbow = PreviewEffectPixels(QuarkEffectPreview, dialog);
+  const Pixels rainbowRing = PreviewEffectPixels(QuarkOutlineEffectPreview, dialog);
+  ASSERT_EQ(DialogCreateMaterial(button, 0), 1);
+  EXPECT_EQ(PreviewEffectPixels(QuarkEffectPreview, dialog), rainbow);
+  EXPECT_EQ(PreviewEffectPixels(QuarkOutlineEffectPreview, dialog), rainbowRing);
+
+  FountainGradient grey;
+  {
+    ScopedLock lock(static_cast<MovableHandle>(DialogGetUserData(button)));
+    ASSERT_TRUE(lock);
+    FountainGradient* held = reinterpret_cast<FountainGradient*>(lock.bytes);
+    InitFountainGradient(held, 1);
+    held->leftColour = 0x0000FF;
+    grey = *held;
+  }
+  const Pixels edited = PreviewEffectPixels(QuarkEffectPreview, dialog);
+  EXPECT_NE(edited, rainbow);
+  EXPECT_NE(PreviewEffectPixels(QuarkOutlineEffectPreview, dialog), rainbowRing);
+  // The frame set takes the gradient as the button holds it.
+  QuarkState state{};
+  static constexpr QuarkFountainIds kIds = {338, 340, 342, 344, kQuarkFountainId};
+  ASSERT_EQ(ReadQuarkState(&state, dialog, &kIds, 60, 40), 1);
+  ASSERT_EQ(state.hasFountain, 1);
+  EXPECT_EQ(std::memcmp(&state.fountain.markerCount, &grey.markerCount,
+                        kFountainSize - offsetof(FountainGradient, markerCount)),
+            0);
+
+  FountainGradient untouched;
+  std::memset(&untouched, 0x5A, sizeof untouched);
+  EXPECT_EQ(ButtonFountain(DialogItem(dialog, 340), &untouched), 0);
+  EXPECT_EQ(untouched.markerCount, 0x5A5A5A5Au);
   DialogDestroy(dialog);
 }
