@@ -1,10 +1,11 @@
 // The Windows parts of the rows: the value kinds and pickers are standard controls subclassed with
 // their kind's procedure, the colour button is owner-drawn, and the material button is a window
-// class of its own that makes and frees its record itself.
+// class of its own that makes and frees its record itself, and so is the fountain button.
 #include "controls/control_kinds.h"
 
 #include <windows.h>
 
+#include "materials/fountain_button_win32.h"
 #include "materials/material_button_win32.h"
 
 void AddKindWindowParts(ControlKindProcs* row) {
@@ -16,8 +17,19 @@ void AddKindWindowParts(ControlKindProcs* row) {
     row->create = CreateMaterialForWindow;
     row->destroy = nullptr;  // the window frees its record when it is destroyed
   }
+  if (row->kind == kControlFountainButton) {
+    // The window makes its record from its own file, takes and writes its document line and
+    // frees the record (with its strip picture) when it is destroyed.
+    row->windowClass = kFountainButtonClass;
+    row->create = CreateFountainForWindow;
+    row->takeLine = nullptr;
+    row->formatLine = nullptr;
+    row->destroy = nullptr;
+  }
 }
 
 int RegisterKindWindowClasses() {
-  return RegisterMaterialButtonClass();
+  const int material = RegisterMaterialButtonClass();
+  const int fountain = RegisterFountainButtonClass();
+  return material && fountain;
 }

@@ -6,6 +6,7 @@
 #include <shlobj.h>
 
 #include "controls/page_setup.h"
+#include "materials/fountain_button_win32.h"
 #include "materials/material_button_win32.h"
 #include "shell/crt_random.h"
 #include "shell/host_gate.h"
@@ -98,6 +99,7 @@ extern "C" __declspec(dllexport) int PLUGIN16DoBuild(HWND parent, HostRecord* ho
   InstallControlKinds();
   RunMainDialog(reinterpret_cast<WindowHandle>(parent), host);
   UnregisterMaterialButtonClass();
+  UnregisterFountainButtonClass();
   CurrentHost = nullptr;
   RepaintWindow(parent);
 
