@@ -1,0 +1,240 @@
+// The Gradient dialog opened from a material button's Gradient kind on real windows: a marker
+// added by a double click on the fountain button and dragged along it, the preview drawn again
+// after each, OK carrying both into the material; then the fountain button's FOUNTB line through
+// a document, and a screenshot of the dialog for looking at in build/windows/screenshots.
+#include <windows.h>
+
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "controls/page_setup.h"
+#include "controls/value_controls.h"
+#include "documents/effect_document.h"
+#include "documents/settings.h"
+#include "host/bmp_file.h"
+#include "host/png_file.h"
+#include "materials/fountain_button.h"
+#include "materials/fountain_markers.h"
+#include "materials/gradient_dialog.h"
+#include "materials/material_button.h"
+#include "tests/support/value_dialog.h"
+#include "tests/win32/win32_test_support.h"
+
+namespace {
+
+constexpr uint32_t kTeal = 0x808000;
+
+int ChooseTeal(WindowHandle, uint32_t* colour, const uint8_t*) {
+  *colour = kTeal;
+  return 1;
+}
+
+// The pixels of a window as they stand on the screen, in rows of 0x00RRGGBB.
+std::vector<uint32_t> ScreenPixels(HWND window, int* width = nullptr, int* height = nullptr) {
+  RECT r;
+  GetWindowRect(window, &r);
+  const int w = r.right - r.left, h = r.bottom - r.top;
+  if (width) *width = w;
+  if (height) *height = h;
+  std::vector<uint32_t> pixels(static_cast<size_t>(w) * h);
+  HDC source = GetWindowDC(window);
+  HDC memory = CreateCompatibleDC(source);
+  BITMAPINFO info{};
+  info.bmiHeader = {sizeof info.bmiHeader, w, -h, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+  void* bits = nullptr;
+  HBITMAP bitmap = CreateDIBSection(source, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+  if (bitmap && bits) {
+    HGDIOBJ old = SelectObject(memory, bitmap);
+    BitBlt(memory, 0, 0, w, h, source, 0, 0, SRCCOPY);
+    GdiFlush();
+    std::memcpy(pixels.data(), bits, pixels.size() * 4);
+    SelectObject(memory, old);
+    DeleteObject(bitmap);
+  }
+  DeleteDC(memory);
+  ReleaseDC(window, source);
+  for (uint32_t& p : pixels) p &= 0xFFFFFF;
+  return pixels;
+}
+
+void SaveScreenshot(HWND window, const std::string& path) {
+  int w = 0, h = 0;
+  const std::vector<uint32_t> pixels = ScreenPixels(window, &w, &h);
+  std::vector<uint8_t> rgb;
+  for (uint32_t p : pixels) rgb.insert(rgb.end(), {uint8_t(p >> 16), uint8_t(p >> 8), uint8_t(p)});
+  WriteWholeFile(path.c_str(), EncodeRgbPng(rgb.data(), rgb.size(), w, h));
+}
+
+FountainGradient FountainOf(HWND button) {
+  FountainGradient g;
+  std::memset(&g, 0, sizeof g);
+  ButtonFountain(reinterpret_cast<WindowHandle>(button), &g);
+  return g;
+}
+
+int32_t IndexOfColour(const FountainGradient& g, uint32_t colour) {
+  for (uint32_t i = 0; i < g.markerCount; ++i)
+    if ((g.markers[i] & 0xFFFFFF) == colour) return static_cast<int32_t>(i);
+  return -1;
+}
+
+int32_t StripWidth(HWND button) {
+  RECT r;
+  GetClientRect(button, &r);
+  return r.right - 2 * kStripInsetX;
+}
+
+// What the dialog driver saw, step by step, while the modal dialog ran.
+struct Drive {
+  int step = 0;
+  HWND dialog = nullptr;
+  std::vector<uint32_t> previewAtStart, previewAfterAdd, previewAfterDrag;
+  FountainGradient afterAdd{}, afterDrag{};
+  int32_t addedAt = -1, droppedAt = -1, expectedDrop = -1, hitBeforeAdd = 0;
+  std::string screenshot;
+} g_drive;
+
+void CALLBACK DriveDialog(HWND, UINT, UINT_PTR, DWORD) {
+  Drive& d = g_drive;
+  if (!d.dialog) {
+    d.dialog = FindWindowA("#32770", "Gradient");
+    if (!d.dialog) return;
+  }
+  HWND button = GetDlgItem(d.dialog, kIdGradientFountain);
+  HWND preview = GetDlgItem(d.dialog, kIdGradientPreview);
+  switch (d.step++) {
+    case 0:
+      SendMessageA(GetDlgItem(d.dialog, kIdGradientMultiColour), BM_CLICK, 0, 0);
+      break;
+    case 1: {
+      RedrawWindow(d.dialog, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
+      d.previewAtStart = ScreenPixels(preview);
+      // A double click on the bar between the markers at 128 and 160 adds one there.
+      const int x = kStripInsetX + StripWidth(button) * 144 / 255;
+      FountainGradient g = FountainOf(button);
+      RECT r;
+      GetClientRect(button, &r);
+      d.hitBeforeAdd = FountainHitTest(&g, r.right, x, 6);
+      d.addedAt = ClickMarkerPosition(x, kStripInsetX, StripWidth(button));
+      SendMessageA(button, WM_LBUTTONDBLCLK, MK_LBUTTON, MAKELPARAM(x, 6));
+      break;
+    }
+    case 2: {
+      RedrawWindow(d.dialog, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
+      d.previewAfterAdd = ScreenPixels(preview);
+      d.afterAdd = FountainOf(button);
+      const int32_t i = IndexOfColour(d.afterAdd, kTeal);
+      if (i < 0) break;
+      // Press on the new marker, drag it 30 pixels right and let go.
+      const int x = kStripInsetX + MarkerOffset(&d.afterAdd, i, StripWidth(button));
+      d.expectedDrop = DragEndPosition(x, 30, kStripInsetX, StripWidth(button));
+      SendMessageA(button, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(x, 6));
+      SendMessageA(button, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(x + 20, 6));
+      SendMessageA(button, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(x + 30, 6));
+      SendMessageA(button, WM_LBUTTONUP, 0, MAKELPARAM(x + 30, 6));
+      break;
+    }
+    case 3: {
+      RedrawWindow(d.dialog, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
+      d.previewAfterDrag = ScreenPixels(preview);
+      d.afterDrag = FountainOf(button);
+      const int32_t i = IndexOfColour(d.afterDrag, kTeal);
+      d.droppedAt = i < 0 ? -1 : static_cast<int32_t>(d.afterDrag.markers[i] >> 24);
+      if (!d.screenshot.empty()) SaveScreenshot(d.dialog, d.screenshot);
+      PostMessageA(d.dialog, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED), 0);
+      break;
+    }
+    default:
+      break;
+  }
+}
+
+Material MaterialOf(HWND button) {
+  Material copy;
+  std::memset(&copy, 0, sizeof copy);
+  if (Material* m = MaterialForButton(reinterpret_cast<WindowHandle>(button))) {
+    copy = *m;
+    MovableUnlock(ButtonMaterialHandle(reinterpret_cast<WindowHandle>(button)));
+  }
+  return copy;
+}
+
+}  // namespace
+
+TEST(GradientDialog, MarkerAddedAndDraggedFromMaterialButtonThenThroughADocument) {
+  ASSERT_TRUE(DisplayAvailable()) << "run under xvfb-run";
+  const std::string folder = MakeTempFolder("gm5-gradient-dialog");
+  SetSettingsFolder(folder.c_str());
+  const long live = MovableLiveCount();
+  InstallControlKinds();
+  SetColourChooser(ChooseTeal);
+  WindowHandle dialog = DialogCreate();
+  ASSERT_NE(dialog, nullptr);
+  HWND material = reinterpret_cast<HWND>(
+      DialogAddControl(dialog, 140, kControlMaterialButton, "Fill"));
+  SetWindowPos(material, nullptr, 0, 0, 80, 30, SWP_NOZORDER);
+  SendMessageA(material, kMessageMaterialCreate, 0, 0x0000FF);
+  SendMessageA(material, WM_COMMAND, kMaterialKindCommand + kMaterialGradient, 0);
+  const Material before = MaterialOf(material);
+  ASSERT_EQ(before.kind, kMaterialGradient);
+  ASSERT_EQ(before.fountain.markerCount, 7u);
+
+  const std::string bin = BuildPath(GM5_PLUGIN_PATH);
+  const std::string shots =
+      bin.substr(0, bin.find_last_of('\\', bin.find_last_of('\\') - 1)) + "\\screenshots";
+  CreateDirectoryA(shots.c_str(), nullptr);
+  g_drive = Drive();
+  g_drive.screenshot = shots + "\\gradient-dialog.png";
+  const UINT_PTR timer = SetTimer(nullptr, 0, 150, DriveDialog);
+  SendMessageA(material, WM_COMMAND, kMaterialEditCommand, 0);  // runs the dialog to its end
+  KillTimer(nullptr, timer);
+  const Drive& d = g_drive;
+  ASSERT_GE(d.step, 4) << "the dialog was driven to OK";
+
+  EXPECT_EQ(d.hitBeforeAdd, kFountainEmptyBar);
+  EXPECT_EQ(d.afterAdd.markerCount, 8u);
+  const int32_t added = IndexOfColour(d.afterAdd, kTeal);
+  ASSERT_GE(added, 0);
+  EXPECT_EQ(static_cast<int32_t>(d.afterAdd.markers[added] >> 24), d.addedAt);
+  EXPECT_NE(d.previewAfterAdd, d.previewAtStart) << "the preview shows the new marker";
+  EXPECT_EQ(d.afterDrag.markerCount, 8u);
+  EXPECT_GT(d.droppedAt, d.addedAt);
+  EXPECT_EQ(d.droppedAt, d.expectedDrop);
+  EXPECT_NE(d.previewAfterDrag, d.previewAfterAdd) << "the preview follows the drag";
+
+  // OK carried the description and the markers into the material, whose preview changed.
+  const Material after = MaterialOf(material);
+  EXPECT_EQ(after.gradient.twoColour, 0);
+  EXPECT_EQ(std::memcmp(after.fountain.markers, d.afterDrag.markers, sizeof after.fountain.markers),
+            0);
+  EXPECT_NE(after.averageColour, before.averageColour);
+
+  // A fountain button's FOUNTB line goes into a document and back.
+  HWND fountain = reinterpret_cast<HWND>(
+      DialogAddControl(dialog, 336, kControlFountainButton, ""));
+  SetWindowPos(fountain, nullptr, 0, 40, 200, 40, SWP_NOZORDER);
+  SendMessageA(fountain, kMessageFountainCreate, 0, reinterpret_cast<LPARAM>(&after.fountain));
+  const std::string document = folder + "gradient.gm5";
+  ASSERT_EQ(SaveDocument(dialog, document.c_str()), 1);
+  SendMessageA(fountain, kMessageFountainCreate, 0, 0);
+  EXPECT_EQ(FountainOf(fountain).markerCount, 7u);
+  LoadDocument(dialog, document.c_str());
+  const FountainGradient loaded = FountainOf(fountain);
+  EXPECT_EQ(loaded.markerCount, 8u);
+  EXPECT_EQ(std::memcmp(loaded.markers, after.fountain.markers, sizeof loaded.markers), 0);
+  std::FILE* file = std::fopen(document.c_str(), "rb");
+  ASSERT_NE(file, nullptr);
+  std::string text(65536, '\0');
+  text.resize(std::fread(text.data(), 1, text.size(), file));
+  std::fclose(file);
+  EXPECT_NE(text.find("\nFOUNTB336=434F424C464F554E"), std::string::npos);
+
+  DialogDestroy(dialog);
+  SetColourChooser(nullptr);
+  EXPECT_EQ(MovableLiveCount(), live) << "records, strips and previews are all freed";
+  SetSettingsFolder("");
+}
