@@ -6,6 +6,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -15,12 +16,16 @@
 #include "controls/value_controls.h"
 #include "documents/effect_document.h"
 #include "documents/settings.h"
+#include "materials/data_folder.h"
 #include "host/bmp_file.h"
 #include "host/png_file.h"
 #include "materials/fountain_button.h"
+#include "materials/fountain_library.h"
 #include "materials/fountain_markers.h"
 #include "materials/gradient_dialog.h"
+#include "materials/gradient_dialog_win32.h"
 #include "materials/material_button.h"
+#include "resources/resource_ids.h"
 #include "tests/support/value_dialog.h"
 #include "tests/win32/win32_test_support.h"
 
@@ -153,6 +158,33 @@ void CALLBACK DriveDialog(HWND, UINT, UINT_PTR, DWORD) {
   }
 }
 
+// Steps run one per tick while a modal dialog runs; a step answers false to be tried again.
+std::vector<std::function<bool()>> g_steps;
+size_t g_nextStep = 0;
+
+void CALLBACK RunSteps(HWND, UINT, UINT_PTR, DWORD) {
+  if (g_nextStep < g_steps.size() && g_steps[g_nextStep]()) ++g_nextStep;
+}
+
+// Runs `modal` while the steps drive it; answers what `modal` answered.
+template <typename Modal>
+auto DriveModal(std::vector<std::function<bool()>> steps, Modal modal) {
+  g_steps = std::move(steps);
+  g_nextStep = 0;
+  const UINT_PTR timer = SetTimer(nullptr, 0, 100, RunSteps);
+  auto result = modal();
+  KillTimer(nullptr, timer);
+  return result;
+}
+
+std::string ShotsFolder() {
+  const std::string bin = BuildPath(GM5_PLUGIN_PATH);
+  const std::string shots =
+      bin.substr(0, bin.find_last_of('\\', bin.find_last_of('\\') - 1)) + "\\screenshots";
+  CreateDirectoryA(shots.c_str(), nullptr);
+  return shots;
+}
+
 Material MaterialOf(HWND button) {
   Material copy;
   std::memset(&copy, 0, sizeof copy);
@@ -183,12 +215,8 @@ TEST(GradientDialog, MarkerAddedAndDraggedFromMaterialButtonThenThroughADocument
   ASSERT_EQ(before.kind, kMaterialGradient);
   ASSERT_EQ(before.fountain.markerCount, 7u);
 
-  const std::string bin = BuildPath(GM5_PLUGIN_PATH);
-  const std::string shots =
-      bin.substr(0, bin.find_last_of('\\', bin.find_last_of('\\') - 1)) + "\\screenshots";
-  CreateDirectoryA(shots.c_str(), nullptr);
   g_drive = Drive();
-  g_drive.screenshot = shots + "\\gradient-dialog.png";
+  g_drive.screenshot = ShotsFolder() + "\\gradient-dialog.png";
   const UINT_PTR timer = SetTimer(nullptr, 0, 150, DriveDialog);
   SendMessageA(material, WM_COMMAND, kMaterialEditCommand, 0);  // runs the dialog to its end
   KillTimer(nullptr, timer);
@@ -236,5 +264,103 @@ TEST(GradientDialog, MarkerAddedAndDraggedFromMaterialButtonThenThroughADocument
   DialogDestroy(dialog);
   SetColourChooser(nullptr);
   EXPECT_EQ(MovableLiveCount(), live) << "records, strips and previews are all freed";
+  SetSettingsFolder("");
+}
+
+// The Marker Position dialog moves a marker without a test for collision and sorts; the library
+// dialog deletes a row and takes the selected entry on OK, rewriting the file; a library that
+// can't be loaded says so and changes nothing.
+TEST(GradientDialog, MarkerPositionAndLibraryDialogs) {
+  ASSERT_TRUE(DisplayAvailable()) << "run under xvfb-run";
+  SetSettingsFolder(MakeTempFolder("gm5-gradient-library").c_str());
+  const long live = MovableLiveCount();
+  InstallControlKinds();
+  WindowHandle dialog = DialogCreate();
+  HWND button =
+      reinterpret_cast<HWND>(DialogAddControl(dialog, 120, kControlFountainButton, ""));
+  SetWindowPos(button, nullptr, 0, 0, 200, 40, SWP_NOZORDER);
+  SendMessageA(button, kMessageFountainCreate, 0, 0);
+
+  auto inDialog = [](const char* caption, std::function<void(HWND)> act) {
+    return [caption, act]() {
+      HWND found = FindWindowA("#32770", caption);
+      if (!found || !IsWindowVisible(found)) return false;
+      act(found);
+      return true;
+    };
+  };
+  auto press = [](HWND d, int id) {
+    PostMessageA(d, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), 0);
+  };
+  DriveModal({inDialog("Marker Position",
+                       [&](HWND d) {
+                         SetDlgItemTextA(d, kIdMarkerPosition, "250");
+                         press(d, IDOK);
+                       })},
+             [&] { return SendMessageA(button, kMessageFountainAdjustMarker, 0, 0); });
+  FountainGradient g = FountainOf(button);
+  ASSERT_EQ(g.markerCount, 7u);
+  EXPECT_EQ(g.markers[0] >> 24, 64u);
+  EXPECT_EQ(g.markers[6], 0xFAFF0000u) << "the first marker, now at 250, sorted last";
+
+  char path[kDataPathSize];
+  ASSERT_TRUE(LibraryFilePath(path, sizeof path));
+  for (uint32_t colour : {0x0000FFu, 0x00FF00u, 0xFF0000u}) {
+    FountainGradient entry = g;
+    entry.leftColour = colour;
+    entry.markerCount = 1;
+    ASSERT_TRUE(AddToLibraryFile(path, &entry, 1));
+  }
+  const std::string shot = ShotsFolder() + "\\gradient-library.png";
+  FountainGradient chosen = g;
+  std::strcpy(chosen.name, "kept");
+  const int changed = DriveModal(
+      {inDialog("Gradient Library",
+                [&](HWND d) {
+                  SendDlgItemMessageA(d, kIdLibraryList, LB_SETCURSEL, 1, 0);
+                  press(d, kIdLibraryDelete);
+                }),
+       inDialog("Gradient Library",
+                [&](HWND d) {
+                  RedrawWindow(d, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
+                  SaveScreenshot(d, shot);
+                  EXPECT_EQ(SendDlgItemMessageA(d, kIdLibraryList, LB_GETCOUNT, 0, 0), 2);
+                  SendDlgItemMessageA(d, kIdLibraryList, LB_SETCURSEL, 1, 0);
+                  press(d, IDOK);
+                })},
+      [&] { return RunGradientLibraryDialog(dialog, &chosen); });
+  EXPECT_EQ(changed, 1);
+  EXPECT_EQ(chosen.leftColour, 0xFF0000u);
+  EXPECT_EQ(chosen.markerCount, 1u);
+  EXPECT_STREQ(chosen.name, "kept");
+  std::vector<uint32_t> left;
+  ReadLibraryFile(
+      path,
+      [](void* list, const FountainGradient* e) {
+        static_cast<std::vector<uint32_t>*>(list)->push_back(e->leftColour);
+        return 1;
+      },
+      &left);
+  EXPECT_EQ(left, std::vector<uint32_t>({0x0000FFu, 0xFF0000u}));
+
+  std::remove(path);
+  std::string shown;
+  const FountainGradient unchanged = chosen;
+  EXPECT_EQ(DriveModal({[&]() {
+                          HWND box = FindWindowA("#32770", nullptr);
+                          if (!box || !GetDlgItem(box, IDC_MESSAGE_TEXT)) return false;
+                          char text[256] = "";
+                          GetDlgItemTextA(box, IDC_MESSAGE_TEXT, text, sizeof text);
+                          shown = text;
+                          press(box, IDOK);
+                          return true;
+                        }},
+                       [&] { return RunGradientLibraryDialog(dialog, &chosen); }),
+            0);
+  EXPECT_EQ(shown, "There has been an error loading the fountain library.");
+  EXPECT_EQ(std::memcmp(&chosen, &unchanged, sizeof chosen), 0);
+
+  DialogDestroy(dialog);
+  EXPECT_EQ(MovableLiveCount(), live);
   SetSettingsFolder("");
 }
