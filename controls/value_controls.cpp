@@ -299,6 +299,7 @@ void HandleValueCommand(WindowHandle dialog, int32_t id, int32_t notification) {
     case kControlScroll4Picker:
     case kControlScroll2Picker:
     case kControlScrollHVPicker:
+    case kControlFountainButton:  // holds its gradient itself: a change only repaints the sample
       break;
     default:
       return;
