@@ -15,6 +15,7 @@
 #include "materials/fountain_library.h"
 #include "materials/fountain_markers.h"
 #include "materials/gradient_dialog.h"
+#include "tests/support/alloc_sweep.h"
 #include "tests/support/value_dialog.h"
 
 namespace {
@@ -127,6 +128,10 @@ TEST_F(GradientEditing, FountainRecordComesFromFileCopyOrDefaults) {
   EXPECT_EQ(state.strip, nullptr);
   EXPECT_EQ(state.hotMarker, -1);
   EXPECT_EQ(state.dragging, 0);
+  EXPECT_TRUE(SweepAllocationFailures([&given] {
+    ScopedBlock record(MakeFountainRecord(4242, 1, 0, &given, 0));
+    return record.handle ? 1 : 0;
+  }));
 }
 
 // The run-time fields live only in the spans a record from outside has cleared, so they never
