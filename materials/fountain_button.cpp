@@ -25,7 +25,7 @@ namespace {
 
 // The strip handle sits in the last 8 bytes of the name span, the pointer's state in the spare.
 constexpr size_t kStripAt = sizeof(FountainGradient::name) - sizeof(MovableHandle);
-constexpr size_t kPointerFields = 5;
+constexpr size_t kPointerFields = 4;
 static_assert(kStripAt >= kNameKept - 1);
 static_assert(kPointerFields * sizeof(int32_t) <= sizeof(FountainGradient::spare));
 
@@ -39,13 +39,12 @@ void GetFountainRunTime(const FountainGradient* gradient, FountainRunTime* state
   state->dragging = fields[1];
   state->dragStartX = fields[2];
   state->dragLastX = fields[3];
-  state->pressX = fields[4];
 }
 
 void SetFountainRunTime(FountainGradient* gradient, const FountainRunTime* state) {
   std::memcpy(gradient->name + kStripAt, &state->strip, sizeof state->strip);
   const int32_t fields[kPointerFields] = {state->hotMarker, state->dragging, state->dragStartX,
-                                          state->dragLastX, state->pressX};
+                                          state->dragLastX};
   std::memcpy(gradient->spare, fields, sizeof fields);
 }
 
@@ -68,7 +67,7 @@ MovableHandle MakeFountainRecord(int32_t controlId, int useFile, int shiftHeld,
     }
     if (looped) gradient->flags |= kFountainLooped;
     if (useFile) gradient->flags |= kFountainOwnFile;
-    FountainRunTime state = {nullptr, -1, 0, 0, 0, 0};
+    FountainRunTime state = {nullptr, -1, 0, 0, 0};
     SetFountainRunTime(gradient, &state);
   }
   return block.Release();

@@ -43,9 +43,8 @@ struct FountainRunTime {
   MovableHandle strip;
   int32_t hotMarker;   // marker index under the pointer or being dragged, -1 for none
   int32_t dragging;    // 1 while a marker is dragged
-  int32_t dragStartX;  // the dragged marker's x when the drag began
-  int32_t dragLastX;   // the ghost's x now
-  int32_t pressX;      // the pointer's x when the drag began
+  int32_t dragStartX;  // the pointer's x when the drag began
+  int32_t dragLastX;   // the ghost's centre now: the pointer's x held within the strip
 };
 void GetFountainRunTime(const FountainGradient* gradient, FountainRunTime* state);
 void SetFountainRunTime(FountainGradient* gradient, const FountainRunTime* state);

@@ -328,12 +328,10 @@ void StartDrag(HWND window, int x, int y) {
   if (hit < 0) return;
   FountainRunTime state;
   GetFountainRunTime(&gradient, &state);
-  const StripPlace s = PlaceOfStrip(window);
   state.hotMarker = hit;
   state.dragging = 1;
-  state.dragStartX = s.left + MarkerOffset(&gradient, hit, s.width);
-  state.dragLastX = state.dragStartX;
-  state.pressX = x;
+  state.dragStartX = x;
+  state.dragLastX = x;  // held within the strip once the pointer moves
   SetPointerState(window, state);
   SetCapture(window);
   InvalidateRect(window, nullptr, FALSE);
@@ -346,7 +344,7 @@ void MoveDrag(HWND window, int x) {
   GetFountainRunTime(&gradient, &state);
   if (!state.dragging) return;
   const StripPlace s = PlaceOfStrip(window);
-  state.dragLastX = HoldDragX(state.dragStartX + x - state.pressX, s.left, s.width);
+  state.dragLastX = HoldDragX(x, s.left, s.width);
   SetPointerState(window, state);
   InvalidateRect(window, nullptr, FALSE);
 }
@@ -359,6 +357,7 @@ void EndDrag(HWND window) {
   GetFountainRunTime(&gradient, &state);
   if (!state.dragging) return;
   const int32_t index = state.hotMarker;
+  // The marker lands where the ghost stands, the pointer's place held within the strip.
   const int32_t moved = state.dragLastX - state.dragStartX;
   const StripPlace s = PlaceOfStrip(window);
   const int32_t position = DragEndPosition(state.dragStartX, moved, s.left, s.width);

@@ -142,7 +142,7 @@ TEST(FountainRunTimeFields, StayOutOfTheGradientAndItsDocumentLine) {
   g.name[260] = 0;
   const FountainGradient before = g;
   const FountainRunTime state = {reinterpret_cast<MovableHandle>(0x1122334455667788ull), 5, 1,
-                                 -70, 300, 99};
+                                 -70, 300};
   SetFountainRunTime(&g, &state);
   EXPECT_EQ(std::memcmp(&g, &before, offsetof(FountainGradient, name) + 261), 0);
   EXPECT_EQ(std::memcmp(&g.markerCount, &before.markerCount,
@@ -152,7 +152,7 @@ TEST(FountainRunTimeFields, StayOutOfTheGradientAndItsDocumentLine) {
   GetFountainRunTime(&g, &back);
   EXPECT_EQ(back.strip, state.strip);
   EXPECT_EQ(back.dragStartX, -70);
-  EXPECT_EQ(back.pressX, 99);
+  EXPECT_EQ(back.dragLastX, 300);
   EXPECT_EQ(FountainDocumentLine(1, &g), FountainDocumentLine(1, &before));
   ClearFountainRunTime(&g);
   EXPECT_EQ(std::memcmp(&g, &before, sizeof g), 0);
