@@ -364,3 +364,49 @@ TEST(GradientDialog, MarkerPositionAndLibraryDialogs) {
   EXPECT_EQ(MovableLiveCount(), live);
   SetSettingsFolder("");
 }
+
+// The mouse on the strip: a right click on an end or a double click on a marker recolours it, a
+// right click with Shift deletes a marker at once, and a looped button's right end can't be
+// recoloured by a double click.
+TEST(GradientDialog, MouseRecoloursAndDeletesOnTheStrip) {
+  ASSERT_TRUE(DisplayAvailable()) << "run under xvfb-run";
+  const long live = MovableLiveCount();
+  InstallControlKinds();
+  SetColourChooser(ChooseTeal);
+  WindowHandle dialog = DialogCreate();
+  HWND button = reinterpret_cast<HWND>(
+      DialogAddControl(dialog, 120, kControlFountainButton, "FountainButtonLooped"));
+  SetWindowPos(button, nullptr, 0, 0, 276, 40, SWP_NOZORDER);
+  SendMessageA(button, kMessageFountainCreate, 0, 0);
+  ASSERT_EQ(FountainOf(button).flags, kFountainLooped);
+  const int32_t right = 276 - kStripInsetX;
+  auto click = [button](UINT message, int x) {
+    SendMessageA(button, message, message == WM_RBUTTONUP ? 0 : MK_LBUTTON, MAKELPARAM(x, 6));
+  };
+
+  click(WM_RBUTTONUP, kStripInsetX);
+  EXPECT_EQ(FountainOf(button).leftColour, kTeal);
+  click(WM_LBUTTONDBLCLK, right);
+  EXPECT_EQ(FountainOf(button).rightColour, 0xFFFFFFFFu) << "looped: the right end follows";
+  click(WM_RBUTTONUP, right);
+  EXPECT_EQ(FountainOf(button).rightColour, kTeal);
+  const FountainGradient before = FountainOf(button);
+  const int x2 = kStripInsetX + MarkerOffset(&before, 2, right - kStripInsetX);
+  click(WM_LBUTTONDBLCLK, x2);
+  EXPECT_EQ(FountainOf(button).markers[2], (before.markers[2] & 0xFF000000u) | kTeal);
+
+  BYTE keys[256];
+  GetKeyboardState(keys);
+  keys[VK_SHIFT] |= 0x80;
+  SetKeyboardState(keys);
+  click(WM_RBUTTONUP, x2);
+  keys[VK_SHIFT] &= 0x7F;
+  SetKeyboardState(keys);
+  const FountainGradient after = FountainOf(button);
+  EXPECT_EQ(after.markerCount, 6u);
+  EXPECT_EQ(after.markers[2], before.markers[3]) << "the next marker moved up";
+
+  DialogDestroy(dialog);
+  SetColourChooser(nullptr);
+  EXPECT_EQ(MovableLiveCount(), live);
+}
