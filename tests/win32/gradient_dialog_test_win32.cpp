@@ -93,71 +93,6 @@ int32_t StripWidth(HWND button) {
   return r.right - 2 * kStripInsetX;
 }
 
-// What the dialog driver saw, step by step, while the modal dialog ran.
-struct Drive {
-  int step = 0;
-  HWND dialog = nullptr;
-  std::vector<uint32_t> previewAtStart, previewAfterAdd, previewAfterDrag;
-  FountainGradient afterAdd{}, afterDrag{};
-  int32_t addedAt = -1, droppedAt = -1, expectedDrop = -1, hitBeforeAdd = 0;
-  std::string screenshot;
-} g_drive;
-
-void CALLBACK DriveDialog(HWND, UINT, UINT_PTR, DWORD) {
-  Drive& d = g_drive;
-  if (!d.dialog) {
-    d.dialog = FindWindowA("#32770", "Gradient");
-    if (!d.dialog) return;
-  }
-  HWND button = GetDlgItem(d.dialog, kIdGradientFountain);
-  HWND preview = GetDlgItem(d.dialog, kIdGradientPreview);
-  switch (d.step++) {
-    case 0:
-      SendMessageA(GetDlgItem(d.dialog, kIdGradientMultiColour), BM_CLICK, 0, 0);
-      break;
-    case 1: {
-      RedrawWindow(d.dialog, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
-      d.previewAtStart = ScreenPixels(preview);
-      // A double click on the bar between the markers at 128 and 160 adds one there.
-      const int x = kStripInsetX + StripWidth(button) * 144 / 255;
-      FountainGradient g = FountainOf(button);
-      RECT r;
-      GetClientRect(button, &r);
-      d.hitBeforeAdd = FountainHitTest(&g, r.right, x, 6);
-      d.addedAt = ClickMarkerPosition(x, kStripInsetX, StripWidth(button));
-      SendMessageA(button, WM_LBUTTONDBLCLK, MK_LBUTTON, MAKELPARAM(x, 6));
-      break;
-    }
-    case 2: {
-      RedrawWindow(d.dialog, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
-      d.previewAfterAdd = ScreenPixels(preview);
-      d.afterAdd = FountainOf(button);
-      const int32_t i = IndexOfColour(d.afterAdd, kTeal);
-      if (i < 0) break;
-      // Press on the new marker, drag it 30 pixels right and let go.
-      const int x = kStripInsetX + MarkerOffset(&d.afterAdd, i, StripWidth(button));
-      d.expectedDrop = DragEndPosition(x, 30, kStripInsetX, StripWidth(button));
-      SendMessageA(button, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(x, 6));
-      SendMessageA(button, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(x + 20, 6));
-      SendMessageA(button, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(x + 30, 6));
-      SendMessageA(button, WM_LBUTTONUP, 0, MAKELPARAM(x + 30, 6));
-      break;
-    }
-    case 3: {
-      RedrawWindow(d.dialog, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
-      d.previewAfterDrag = ScreenPixels(preview);
-      d.afterDrag = FountainOf(button);
-      const int32_t i = IndexOfColour(d.afterDrag, kTeal);
-      d.droppedAt = i < 0 ? -1 : static_cast<int32_t>(d.afterDrag.markers[i] >> 24);
-      if (!d.screenshot.empty()) SaveScreenshot(d.dialog, d.screenshot);
-      PostMessageA(d.dialog, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED), 0);
-      break;
-    }
-    default:
-      break;
-  }
-}
-
 // Steps run one per tick while a modal dialog runs; a step answers false to be tried again.
 std::vector<std::function<bool()>> g_steps;
 size_t g_nextStep = 0;
@@ -175,6 +110,21 @@ auto DriveModal(std::vector<std::function<bool()>> steps, Modal modal) {
   auto result = modal();
   KillTimer(nullptr, timer);
   return result;
+}
+
+// A step that acts on the visible dialog of that caption once it is there.
+std::function<bool()> InDialog(const char* caption, std::function<void(HWND)> act) {
+  return [caption, act]() {
+    HWND found = FindWindowA("#32770", caption);
+    if (!found || !IsWindowVisible(found)) return false;
+    RedrawWindow(found, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
+    act(found);
+    return true;
+  };
+}
+
+void Press(HWND dialog, int id) {
+  PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), 0);
 }
 
 std::string ShotsFolder() {
@@ -205,40 +155,73 @@ TEST(GradientDialog, MarkerAddedAndDraggedFromMaterialButtonThenThroughADocument
   InstallControlKinds();
   SetColourChooser(ChooseTeal);
   WindowHandle dialog = DialogCreate();
-  ASSERT_NE(dialog, nullptr);
   HWND material = reinterpret_cast<HWND>(
       DialogAddControl(dialog, 140, kControlMaterialButton, "Fill"));
   SetWindowPos(material, nullptr, 0, 0, 80, 30, SWP_NOZORDER);
   SendMessageA(material, kMessageMaterialCreate, 0, 0x0000FF);
   SendMessageA(material, WM_COMMAND, kMaterialKindCommand + kMaterialGradient, 0);
   const Material before = MaterialOf(material);
-  ASSERT_EQ(before.kind, kMaterialGradient);
   ASSERT_EQ(before.fountain.markerCount, 7u);
 
-  g_drive = Drive();
-  g_drive.screenshot = ShotsFolder() + "\\gradient-dialog.png";
-  const UINT_PTR timer = SetTimer(nullptr, 0, 150, DriveDialog);
-  SendMessageA(material, WM_COMMAND, kMaterialEditCommand, 0);  // runs the dialog to its end
-  KillTimer(nullptr, timer);
-  const Drive& d = g_drive;
-  ASSERT_GE(d.step, 4) << "the dialog was driven to OK";
+  // Multi-colour; a double click on the bar between the markers at 128 and 160 adds one there;
+  // the new marker is pressed, dragged 30 pixels right and let go; then OK. The preview is read
+  // before and after each.
+  std::vector<uint32_t> previews[3];
+  FountainGradient added{}, dragged{};
+  int32_t addedAt = -1, expectedDrop = -1;
+  auto strip = [](HWND d) { return GetDlgItem(d, kIdGradientFountain); };
+  auto preview = [](HWND d) { return ScreenPixels(GetDlgItem(d, kIdGradientPreview)); };
+  DriveModal(
+      {InDialog("Gradient",
+                [&](HWND d) {
+                  SendMessageA(GetDlgItem(d, kIdGradientMultiColour), BM_CLICK, 0, 0);
+                }),
+       InDialog("Gradient",
+                [&](HWND d) {
+                  previews[0] = preview(d);
+                  const int x = kStripInsetX + StripWidth(strip(d)) * 144 / 255;
+                  addedAt = ClickMarkerPosition(x, kStripInsetX, StripWidth(strip(d)));
+                  SendMessageA(strip(d), WM_LBUTTONDBLCLK, MK_LBUTTON, MAKELPARAM(x, 6));
+                }),
+       InDialog("Gradient",
+                [&](HWND d) {
+                  previews[1] = preview(d);
+                  added = FountainOf(strip(d));
+                  const int32_t i = IndexOfColour(added, kTeal);
+                  const int x = kStripInsetX + MarkerOffset(&added, i < 0 ? 0 : i,
+                                                            StripWidth(strip(d)));
+                  expectedDrop = DragEndPosition(x, 30, kStripInsetX, StripWidth(strip(d)));
+                  SendMessageA(strip(d), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(x, 6));
+                  SendMessageA(strip(d), WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(x + 20, 6));
+                  SendMessageA(strip(d), WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(x + 30, 6));
+                  SendMessageA(strip(d), WM_LBUTTONUP, 0, MAKELPARAM(x + 30, 6));
+                }),
+       InDialog("Gradient",
+                [&](HWND d) {
+                  previews[2] = preview(d);
+                  dragged = FountainOf(strip(d));
+                  SaveScreenshot(d, ShotsFolder() + "\\gradient-dialog.png");
+                  Press(d, IDOK);
+                })},
+      [&] { return SendMessageA(material, WM_COMMAND, kMaterialEditCommand, 0); });
+  ASSERT_EQ(g_nextStep, 4u) << "the dialog was driven to OK";
 
-  EXPECT_EQ(d.hitBeforeAdd, kFountainEmptyBar);
-  EXPECT_EQ(d.afterAdd.markerCount, 8u);
-  const int32_t added = IndexOfColour(d.afterAdd, kTeal);
-  ASSERT_GE(added, 0);
-  EXPECT_EQ(static_cast<int32_t>(d.afterAdd.markers[added] >> 24), d.addedAt);
-  EXPECT_NE(d.previewAfterAdd, d.previewAtStart) << "the preview shows the new marker";
-  EXPECT_EQ(d.afterDrag.markerCount, 8u);
-  EXPECT_GT(d.droppedAt, d.addedAt);
-  EXPECT_EQ(d.droppedAt, d.expectedDrop);
-  EXPECT_NE(d.previewAfterDrag, d.previewAfterAdd) << "the preview follows the drag";
+  EXPECT_EQ(added.markerCount, 8u);
+  ASSERT_GE(IndexOfColour(added, kTeal), 0);
+  EXPECT_EQ(static_cast<int32_t>(added.markers[IndexOfColour(added, kTeal)] >> 24), addedAt);
+  EXPECT_NE(previews[1], previews[0]) << "the preview shows the new marker";
+  EXPECT_EQ(dragged.markerCount, 8u);
+  ASSERT_GE(IndexOfColour(dragged, kTeal), 0);
+  const int32_t droppedAt =
+      static_cast<int32_t>(dragged.markers[IndexOfColour(dragged, kTeal)] >> 24);
+  EXPECT_GT(droppedAt, addedAt);
+  EXPECT_EQ(droppedAt, expectedDrop);
+  EXPECT_NE(previews[2], previews[1]) << "the preview follows the drag";
 
   // OK carried the description and the markers into the material, whose preview changed.
   const Material after = MaterialOf(material);
   EXPECT_EQ(after.gradient.twoColour, 0);
-  EXPECT_EQ(std::memcmp(after.fountain.markers, d.afterDrag.markers, sizeof after.fountain.markers),
-            0);
+  EXPECT_EQ(std::memcmp(after.fountain.markers, dragged.markers, sizeof dragged.markers), 0);
   EXPECT_NE(after.averageColour, before.averageColour);
 
   // A fountain button's FOUNTB line goes into a document and back.
@@ -281,21 +264,10 @@ TEST(GradientDialog, MarkerPositionAndLibraryDialogs) {
   SetWindowPos(button, nullptr, 0, 0, 200, 40, SWP_NOZORDER);
   SendMessageA(button, kMessageFountainCreate, 0, 0);
 
-  auto inDialog = [](const char* caption, std::function<void(HWND)> act) {
-    return [caption, act]() {
-      HWND found = FindWindowA("#32770", caption);
-      if (!found || !IsWindowVisible(found)) return false;
-      act(found);
-      return true;
-    };
-  };
-  auto press = [](HWND d, int id) {
-    PostMessageA(d, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), 0);
-  };
-  DriveModal({inDialog("Marker Position",
+  DriveModal({InDialog("Marker Position",
                        [&](HWND d) {
                          SetDlgItemTextA(d, kIdMarkerPosition, "250");
-                         press(d, IDOK);
+                         Press(d, IDOK);
                        })},
              [&] { return SendMessageA(button, kMessageFountainAdjustMarker, 0, 0); });
   FountainGradient g = FountainOf(button);
@@ -315,18 +287,17 @@ TEST(GradientDialog, MarkerPositionAndLibraryDialogs) {
   FountainGradient chosen = g;
   std::strcpy(chosen.name, "kept");
   const int changed = DriveModal(
-      {inDialog("Gradient Library",
+      {InDialog("Gradient Library",
                 [&](HWND d) {
                   SendDlgItemMessageA(d, kIdLibraryList, LB_SETCURSEL, 1, 0);
-                  press(d, kIdLibraryDelete);
+                  Press(d, kIdLibraryDelete);
                 }),
-       inDialog("Gradient Library",
+       InDialog("Gradient Library",
                 [&](HWND d) {
-                  RedrawWindow(d, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
                   SaveScreenshot(d, shot);
                   EXPECT_EQ(SendDlgItemMessageA(d, kIdLibraryList, LB_GETCOUNT, 0, 0), 2);
                   SendDlgItemMessageA(d, kIdLibraryList, LB_SETCURSEL, 1, 0);
-                  press(d, IDOK);
+                  Press(d, IDOK);
                 })},
       [&] { return RunGradientLibraryDialog(dialog, &chosen); });
   EXPECT_EQ(changed, 1);
@@ -352,7 +323,7 @@ TEST(GradientDialog, MarkerPositionAndLibraryDialogs) {
                           char text[256] = "";
                           GetDlgItemTextA(box, IDC_MESSAGE_TEXT, text, sizeof text);
                           shown = text;
-                          press(box, IDOK);
+                          Press(box, IDOK);
                           return true;
                         }},
                        [&] { return RunGradientLibraryDialog(dialog, &chosen); }),
