@@ -349,7 +349,8 @@ void MoveDrag(HWND window, int x) {
   InvalidateRect(window, nullptr, FALSE);
 }
 
-void EndDrag(HWND window) {
+// Ends a drag; with `drop` the marker moves to where the ghost stands.
+void EndDrag(HWND window, int drop) {
   if (GetCapture() == window) ReleaseCapture();
   FountainGradient gradient;
   if (!CopyRecord(window, &gradient)) return;
@@ -365,7 +366,7 @@ void EndDrag(HWND window) {
   state.hotMarker = -1;
   SetPointerState(window, state);
   InvalidateRect(window, nullptr, FALSE);
-  if (moved == 0) return;
+  if (!drop || moved == 0) return;
   // A marker with no free place left to land on is lost, and that is a change too.
   ChangeRecord(window, [index, position](FountainGradient* g) {
     DropFountainMarker(g, index, position);
@@ -459,8 +460,10 @@ LRESULT CALLBACK FountainButtonProc(HWND window, UINT message, WPARAM wParam, LP
       MoveDrag(window, x);
       return 0;
     case WM_LBUTTONUP:
+      EndDrag(window, 1);
+      return 0;
     case WM_CANCELMODE:
-      EndDrag(window);
+      EndDrag(window, 0);  // a drag cut short leaves the marker where it was
       return 0;
     case WM_SIZE:
       ChangeRecord(window, [](FountainGradient*) { return 1; }, 0);
