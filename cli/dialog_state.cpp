@@ -66,7 +66,7 @@ void ForEachMaterialButton(Visit visit) {
 }
 
 // Each material button gets a block made from its colour setting, or its table colour when it has
-// none. A button shared by several pages gets one block.
+// none. A button shared by several pages gets one block. Each fountain button gets its gradient.
 int GiveButtonMaterials(WindowHandle dialog) {
   int ok = 1;
   ForEachMaterialButton([&](const PageControl& c) {
@@ -80,6 +80,12 @@ int GiveButtonMaterials(WindowHandle dialog) {
     else
       ok = 0;
   });
+  // Fountain buttons hold the seven-colour gradient until a document line replaces it; the
+  // dialog frees their records when it goes.
+  for (const PageTable& page : kPageTables)
+    for (int32_t i = 0; i < page.count && ok; ++i)
+      if (page.controls[i].kind == kControlFountainButton)
+        ok = DialogCreateMaterial(DialogItem(dialog, page.controls[i].id), 0);
   return ok;
 }
 

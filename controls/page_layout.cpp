@@ -43,6 +43,8 @@ constexpr int32_t kPickerWidth = 50;
 constexpr int32_t kPickerHeight = 46;
 constexpr int32_t kPickerLabelWidth = 46;  // a longer picker label wraps onto a second line
 constexpr int32_t kAnimationHeight = 60;
+// A fountain button: its markers above a strip tall enough to see.
+constexpr int32_t kFountainHeight = 24;
 constexpr int32_t kCheckBoxWidth = 14;     // the box and its gap before the caption
 constexpr int32_t kNarrowControlMax = 64;  // spin edits and buttons grow no wider than this
 constexpr int32_t kMaxColumns = 3;
@@ -149,6 +151,10 @@ int32_t MakeRows(const PageTable& page, Row* rows, int32_t capacity, int checksB
       if (c.kind == kControlAnimationPicker) {
         row.shape = kRowTall;
         row.height = kAnimationHeight;
+      }
+      if (c.kind == kControlFountainButton) {
+        row.shape = kRowTall;
+        row.height = kFountainHeight;
       }
       row.labelWidth = HasLabel(c) ? TextWidth(c.caption) : 0;
       // A colour's enable check stands at its right.

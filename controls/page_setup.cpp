@@ -158,7 +158,8 @@ int SetUpPageTwins(WindowHandle dialog, const PageTable& table) {
     const PageControl& c = table.controls[i];
     WindowHandle control = DialogItem(dialog, c.id);
     if (!control) continue;
-    if (c.kind == kControlMaterialButton && !DialogCreateMaterial(control, c.colour)) return 0;
+    const int holdsRecord = c.kind == kControlMaterialButton || c.kind == kControlFountainButton;
+    if (holdsRecord && !DialogCreateMaterial(control, c.colour)) return 0;
     // A picker whose block could not be made has no value.
     int32_t value = 0;
     if (FindPickerShape(c.kind) && !DialogPickerValue(control, &value)) return 0;

@@ -302,6 +302,7 @@ void HandleValueCommand(WindowHandle dialog, int32_t id, int32_t notification) {
     // The animation picker tells its dialog after a choice, taken or cancelled: the sample is
     // redrawn from the animation it holds now.
     case kControlAnimationPicker:
+    case kControlFountainButton:  // holds its gradient itself: a change only repaints the sample
       break;
     default:
       return;

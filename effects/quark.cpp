@@ -6,6 +6,7 @@
 #include "controls/value_controls.h"
 #include "effects/key_colour.h"
 #include "effects/rotation_frames.h"
+#include "materials/fountain_button.h"
 
 namespace {
 
@@ -48,7 +49,7 @@ int ReadQuarkState(QuarkState* state, WindowHandle dialog, const QuarkFountainId
   state->centreX = ReadDlgValue(dialog, ids->xOffset) * 2 - 100;
   state->centreY = ReadDlgValue(dialog, ids->yOffset) * 2 - 100;
   state->initialRotation = ReadDlgValue(dialog, ids->initialRotation);
-  state->hasFountain = 0;  // the Fountain button holds no gradient of its own yet
+  state->hasFountain = ButtonFountain(DialogItem(dialog, ids->fountain), &state->fountain);
   return 1;
 }
 
@@ -61,7 +62,8 @@ void ReleaseQuarkState(void*) {}
 namespace {
 
 int PrepareQuark(void* state, WindowHandle dialog, int32_t width, int32_t height) {
-  static constexpr QuarkFountainIds kIds = {kIdRotation, kIdXOffset, kIdYOffset, kIdInitRotation};
+  static constexpr QuarkFountainIds kIds = {kIdRotation, kIdXOffset, kIdYOffset, kIdInitRotation,
+                                            kQuarkFountainId};
   return ReadQuarkState(static_cast<QuarkState*>(state), dialog, &kIds, width, height);
 }
 

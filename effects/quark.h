@@ -25,12 +25,16 @@ void BuiltInRainbow(FountainGradient* gradient);
 MovableHandle RenderQuarkFrame(const QuarkState* state, int32_t frameNumber);
 
 // The page controls that place and turn the fountain: the Rotation combo, the two offset spins and
-// the initial rotation spin. Quark and Quark Outline each name their own.
+// the initial rotation spin, and the fountain button whose gradient it shows. Quark and Quark
+// Outline each name their own.
 struct QuarkFountainIds {
-  int32_t rotation, xOffset, yOffset, initialRotation;
+  int32_t rotation, xOffset, yOffset, initialRotation, fountain;
 };
+// Quark's Fountain button. Quark Outline has none of its own and shows the gradient of this one.
+constexpr int32_t kQuarkFountainId = 336;
 // Fills `state` from those controls for a width by height canvas; the offsets' range 1 to 99
-// becomes a centre of -98 to 98. 1, or 0 for an empty canvas.
+// becomes a centre of -98 to 98, and the colours are the fountain button's gradient when it holds
+// one. 1, or 0 for an empty canvas.
 int ReadQuarkState(QuarkState* state, WindowHandle dialog, const QuarkFountainIds* ids,
                    int32_t width, int32_t height);
 // A frame set's frame and release procedures on a QuarkState.

@@ -14,7 +14,8 @@ constexpr int32_t kIdFill = 659, kIdShadow = 661, kIdBackground = 663, kIdFillOp
                   kIdXOffset = 678, kIdYOffset = 680, kIdInitRotation = 682;
 
 int PrepareFountain(void* state, WindowHandle dialog, int32_t width, int32_t height) {
-  static constexpr QuarkFountainIds kIds = {kIdRotation, kIdXOffset, kIdYOffset, kIdInitRotation};
+  static constexpr QuarkFountainIds kIds = {kIdRotation, kIdXOffset, kIdYOffset, kIdInitRotation,
+                                            kQuarkFountainId};
   return ReadQuarkState(static_cast<QuarkState*>(state), dialog, &kIds, width, height);
 }
 

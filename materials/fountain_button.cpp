@@ -18,6 +18,59 @@ constexpr size_t kNameKept = 261;
 
 void ClearFountainRunTime(FountainGradient* gradient) {
   std::memset(gradient->name + kNameKept - 1, 0, sizeof(gradient->name) - (kNameKept - 1));
+  std::memset(gradient->spare, 0, sizeof(gradient->spare));
+}
+
+namespace {
+
+// The strip handle sits in the last 8 bytes of the name span, the pointer's state in the spare.
+constexpr size_t kStripAt = sizeof(FountainGradient::name) - sizeof(MovableHandle);
+constexpr size_t kPointerFields = 4;
+static_assert(kStripAt >= kNameKept - 1);
+static_assert(kPointerFields * sizeof(int32_t) <= sizeof(FountainGradient::spare));
+
+}  // namespace
+
+void GetFountainRunTime(const FountainGradient* gradient, FountainRunTime* state) {
+  std::memcpy(&state->strip, gradient->name + kStripAt, sizeof state->strip);
+  int32_t fields[kPointerFields];
+  std::memcpy(fields, gradient->spare, sizeof fields);
+  state->hotMarker = fields[0];
+  state->dragging = fields[1];
+  state->dragStartX = fields[2];
+  state->dragLastX = fields[3];
+}
+
+void SetFountainRunTime(FountainGradient* gradient, const FountainRunTime* state) {
+  std::memcpy(gradient->name + kStripAt, &state->strip, sizeof state->strip);
+  const int32_t fields[kPointerFields] = {state->hotMarker, state->dragging, state->dragStartX,
+                                          state->dragLastX};
+  std::memcpy(gradient->spare, fields, sizeof fields);
+}
+
+MovableHandle MakeFountainRecord(int32_t controlId, int useFile, int shiftHeld,
+                                 const FountainGradient* copy, int looped) {
+  ScopedBlock block(MovableAlloc(kFountainSize));
+  {
+    ScopedLock lock(block.handle);
+    if (!lock) return nullptr;
+    FountainGradient* gradient = reinterpret_cast<FountainGradient*>(lock.bytes);
+    char path[1024];
+    const int read = useFile && !shiftHeld && FountainFilePath(controlId, path, sizeof path) &&
+                     ReadFountainFile(path, gradient);
+    if (!read && copy) {
+      std::memcpy(gradient, copy, kFountainSize);
+      ClearFountainRunTime(gradient);
+    } else if (!read) {
+      std::memset(gradient, 0, kFountainSize);
+      InitFountainGradient(gradient, 2);
+    }
+    if (looped) gradient->flags |= kFountainLooped;
+    if (useFile) gradient->flags |= kFountainOwnFile;
+    FountainRunTime state = {nullptr, -1, 0, 0, 0};
+    SetFountainRunTime(gradient, &state);
+  }
+  return block.Release();
 }
 
 int FountainFilePath(int32_t controlId, char* path, size_t size) {
@@ -114,4 +167,15 @@ void FreeFountainOfButton(WindowHandle button) {
   if (!button) return;
   MovableFree(static_cast<MovableHandle>(DialogGetUserData(button)));
   DialogSetUserData(button, nullptr);
+}
+
+int ButtonFountain(WindowHandle button, FountainGradient* gradient) {
+  if (!button || !gradient || DialogControlKind(button) != kControlFountainButton) return 0;
+  MovableHandle handle = static_cast<MovableHandle>(DialogGetUserData(button));
+  if (!handle || MovableSize(handle) < kFountainSize) return 0;
+  ScopedLock lock(handle);
+  if (!lock) return 0;
+  std::memcpy(gradient, lock.bytes, kFountainSize);
+  ClearFountainRunTime(gradient);
+  return 1;
 }

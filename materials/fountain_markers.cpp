@@ -141,3 +141,26 @@ int32_t ClickMarkerPosition(int32_t x, int32_t stripLeft, int32_t stripWidth) {
   return static_cast<int32_t>(
       std::trunc(static_cast<double>(x - stripLeft) / stripWidth * 255.0));
 }
+
+int32_t MarkerOffset(const FountainGradient* gradient, int32_t index, int32_t stripWidth) {
+  const uint32_t position = PositionOf(LoadMarker(&gradient->markers[index]));
+  return static_cast<int32_t>(std::trunc(position / 255.0 * stripWidth));
+}
+
+int32_t FountainHitTest(const FountainGradient* gradient, int32_t clientWidth, int32_t x,
+                        int32_t y) {
+  const int32_t stripLeft = kStripInsetX;
+  const int32_t stripRight = clientWidth - kStripInsetX;
+  const int markerRow = y >= 4 && y < 10;
+  if (markerRow && x >= stripLeft - 5 && x < stripLeft + 5) return kFountainLeftEnd;
+  if (markerRow && x >= stripRight - 5 && x < stripRight + 5) return kFountainRightEnd;
+  const int32_t count = gradient->markerCount < static_cast<uint32_t>(kFountainMarkers)
+                            ? static_cast<int32_t>(gradient->markerCount)
+                            : kFountainMarkers;
+  for (int32_t i = count - 1; markerRow && i >= 0; --i) {
+    const int32_t left = MarkerOffset(gradient, i, stripRight - stripLeft) + 3;
+    if (x >= left && x < left + 10) return i;
+  }
+  if (y >= 3 && y < 11 && x >= stripLeft && x < stripRight) return kFountainEmptyBar;
+  return kFountainNowhere;
+}

@@ -35,3 +35,21 @@ int32_t HoldDragX(int32_t x, int32_t stripLeft, int32_t stripWidth);
 
 // The marker position a double click at `x` on the empty bar adds.
 int32_t ClickMarkerPosition(int32_t x, int32_t stripLeft, int32_t stripWidth);
+
+// The strip inside a button's client area: 8 pixels off the left and right, 16 off the top (where
+// the markers stand) and 4 off the bottom.
+constexpr int32_t kStripInsetX = 8;
+constexpr int32_t kStripInsetTop = 16;
+constexpr int32_t kStripInsetBottom = 4;
+
+// Where marker `index` stands, in pixels from the strip's left edge.
+int32_t MarkerOffset(const FountainGradient* gradient, int32_t index, int32_t stripWidth);
+
+// What a point of a button `clientWidth` wide is on: a marker index, the left or right end, the
+// empty bar, or nothing. Ends come first, then markers from the last, then the bar.
+constexpr int32_t kFountainLeftEnd = -1;
+constexpr int32_t kFountainRightEnd = -2;
+constexpr int32_t kFountainEmptyBar = -3;
+constexpr int32_t kFountainNowhere = -4;
+int32_t FountainHitTest(const FountainGradient* gradient, int32_t clientWidth, int32_t x,
+                        int32_t y);

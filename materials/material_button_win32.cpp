@@ -10,6 +10,7 @@
 
 #include "controls/value_controls.h"
 #include "documents/settings.h"
+#include "materials/gradient_dialog_win32.h"
 #include "materials/material_button.h"
 #include "materials/material_file.h"
 #include "shell/paint_dib_win32.h"
@@ -157,13 +158,33 @@ void ShowKindMenu(HWND window) {
   DestroyMenu(menu);
 }
 
+// The Gradient kind's editor: the Gradient dialog on copies of the description and its marker
+// list; OK copies both back.
+void EditGradient(HWND window) {
+  Material* material = MaterialForButton(AsHandle(window));
+  if (!material) return;
+  GradientSpec spec = material->gradient;
+  FountainGradient fountain = material->fountain;
+  MovableUnlock(HeldMaterial(window));
+  if (RunGradientDialog(AsHandle(GetParent(window)), &spec, &fountain))
+    ChangeMaterial(window, 1, 0, [&spec, &fountain](Material* m) {
+      m->gradient = spec;
+      m->fountain = fountain;
+    });
+  NotifyParent(window, kMaterialGradient);
+}
+
 void OpenEditor(HWND window) {
   Material* material = MaterialForButton(AsHandle(window));
   if (!material) return;
   const int32_t kind = material->kind;
   uint32_t colour = material->solidColour;
   MovableUnlock(HeldMaterial(window));
-  // The gradient, texture and tile editors are not part of this build.
+  if (kind == kMaterialGradient) {
+    EditGradient(window);
+    return;
+  }
+  // The texture and tile editors are not part of this build.
   if (kind != kMaterialSimple) return;
   if (ChooseColour(AsHandle(GetParent(window)), &colour))
     ChangeMaterial(window, 1, 0, [colour](Material* m) { m->solidColour = colour; });

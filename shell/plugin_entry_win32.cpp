@@ -7,6 +7,7 @@
 
 #include "controls/animation_picker_win32.h"
 #include "controls/page_setup.h"
+#include "materials/fountain_button_win32.h"
 #include "materials/material_button_win32.h"
 #include "shell/crt_random.h"
 #include "shell/host_gate.h"
@@ -100,6 +101,7 @@ extern "C" __declspec(dllexport) int PLUGIN16DoBuild(HWND parent, HostRecord* ho
   RunMainDialog(reinterpret_cast<WindowHandle>(parent), host);
   UnregisterMaterialButtonClass();
   UnregisterAnimationPickerClass();
+  UnregisterFountainButtonClass();
   CurrentHost = nullptr;
   RepaintWindow(parent);
 

@@ -22,6 +22,7 @@
 #include "cli/settings_command.h"
 #include "cli/text_encoding.h"
 #include "documents/settings.h"
+#include "materials/fountain_button.h"
 #include "shell/effect_table.h"
 #include "tests/support/scratch_folder.h"
 #include "text/text_mask.h"
@@ -518,6 +519,37 @@ TEST(Gm5Program, SavedDocumentRendersAsItsOptions) {
     EXPECT_EQ(FileBytes(viaDocument), FileBytes(direct)) << options;
     EXPECT_NE(FileBytes(plain), FileBytes(direct)) << options;
   }
+}
+
+// Quark's colours come from its Fountain button's FOUNTB line: a document's gradient changes the
+// picture, and the button's starting gradient draws as the built-in rainbow does without a line.
+TEST(Gm5Program, QuarkTakesItsGradientFromTheDocument) {
+  ScratchFolder scratch;
+  const std::string document = scratch.Path("quark.gm5");
+  ASSERT_EQ(RunGm5("save-document " + document + kSmall + "--effect quark").status, 0);
+  std::string text = Text(document);
+  const size_t line = text.find("\nFOUNTB336=");
+  ASSERT_NE(line, std::string::npos);
+  const size_t end = text.find('\n', line + 1);
+  auto preview = [&](const std::string& body, const char* name) {
+    const std::string path = scratch.Path(std::string(name) + ".gm5");
+    FILE* file = fopen(path.c_str(), "wb");
+    if (!file) return std::vector<uint8_t>();
+    fwrite(body.data(), 1, body.size(), file);
+    fclose(file);
+    const std::string out = scratch.Path(std::string(name) + ".png");
+    if (RunGm5("preview " + path + " -q -o " + out).status != 0) return std::vector<uint8_t>();
+    return FileBytes(out);
+  };
+  const std::vector<uint8_t> saved = preview(text, "saved");
+  ASSERT_FALSE(saved.empty());
+  EXPECT_EQ(preview(text.substr(0, line) + text.substr(end), "without"), saved);
+  FountainGradient grey;
+  std::memset(&grey, 0, sizeof grey);
+  InitFountainGradient(&grey, 1);
+  std::string edited = FountainDocumentLine(336, &grey);
+  edited.pop_back();
+  EXPECT_NE(preview(text.substr(0, line + 1) + edited + text.substr(end), "grey"), saved);
 }
 
 // Colour texts against hand-worked 0x00BBGGRR values; the short and long hexadecimal forms and

@@ -2,12 +2,17 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <cstring>
 
 #include "controls/value_controls.h"
+#include "documents/settings.h"
+#include "effects/quark_outline.h"
+#include "materials/fountain_button.h"
 #include "shell/crt_random.h"
 #include "tests/support/alloc_sweep.h"
 #include "tests/support/effect_builds.h"
+#include "tests/support/value_dialog.h"
 
 // Rows of the Rotation list: -60 is row 0, -1 row 16, 6 row 22, 12 row 26.
 
@@ -98,4 +103,43 @@ TEST(QuarkPage, BuildsOneTurnAndTheSampleIsItsFirstFrame) {
     return ok;
   }));
   DialogDestroy(dialog);
+}
+
+// The colours come from the page's Fountain button: the gradient it starts with looks as the
+// built-in rainbow does, a gradient from a document line changes Quark and Quark Outline alike,
+// and a control of another kind is never read as a gradient.
+TEST(QuarkPage, TheFountainButtonGivesTheColours) {
+  // The button's own file (kept where the settings are) must not carry one run into the next.
+  SetSettingsFolder(MakeTempFolder("gm5-quark-fountain").c_str());
+  WindowHandle dialog = SmallEffectDialog({320, 322, 659, 661, 663},
+                                          {0x7F7F7F, 0xFFFFFF, 0x40C040, 0x7F7F7F, 0xFFFFFF});
+  ASSERT_NE(dialog, nullptr);
+  WindowHandle button = DialogItem(dialog, kQuarkFountainId);
+  ASSERT_NE(button, nullptr);
+  const Pixels rainbow = PreviewEffectPixels(QuarkEffectPreview, dialog);
+  const Pixels rainbowRing = PreviewEffectPixels(QuarkOutlineEffectPreview, dialog);
+  ASSERT_EQ(DialogCreateMaterial(button, 0), 1);
+  EXPECT_EQ(PreviewEffectPixels(QuarkEffectPreview, dialog), rainbow);
+  EXPECT_EQ(PreviewEffectPixels(QuarkOutlineEffectPreview, dialog), rainbowRing);
+
+  FountainGradient grey;
+  std::memset(&grey, 0, sizeof grey);
+  InitFountainGradient(&grey, 1);
+  grey.leftColour = 0x0000FF;
+  ASSERT_EQ(DialogReadLine(button, FountainDocumentLine(kQuarkFountainId, &grey).c_str()), 1);
+  EXPECT_NE(PreviewEffectPixels(QuarkEffectPreview, dialog), rainbow);
+  EXPECT_NE(PreviewEffectPixels(QuarkOutlineEffectPreview, dialog), rainbowRing);
+  // The frame set takes the gradient as the button holds it.
+  QuarkState state{};
+  static constexpr QuarkFountainIds kIds = {338, 340, 342, 344, kQuarkFountainId};
+  ASSERT_EQ(ReadQuarkState(&state, dialog, &kIds, 60, 40), 1);
+  ASSERT_EQ(state.hasFountain, 1);
+  EXPECT_EQ(std::memcmp(&state.fountain, &grey, kFountainSize), 0);
+
+  FountainGradient untouched;
+  std::memset(&untouched, 0x5A, sizeof untouched);
+  EXPECT_EQ(ButtonFountain(DialogItem(dialog, 340), &untouched), 0);
+  EXPECT_EQ(untouched.markerCount, 0x5A5A5A5Au);
+  DialogDestroy(dialog);
+  SetSettingsFolder("");
 }

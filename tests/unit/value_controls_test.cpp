@@ -113,6 +113,10 @@ TEST_F(ValueControls, ControlsStartFromTheirSettingsAndStoreChanges) {
   *SettingInteger("UpdateDelay") = 90;
   DialogNotify(dialog_, 122, 0);
   EXPECT_EQ(Timer(), 90u);
+  // A fountain button's note of an edited gradient repaints the sample too.
+  DialogKillTimer(dialog_, kUpdateTimerId);
+  DialogNotify(dialog_, 336, 0);
+  EXPECT_EQ(Timer(), 90u);
 }
 
 TEST_F(ValueControls, AnEmptyTextDisablesBuildAndAComboChoiceKeepsItDisabled) {

@@ -23,10 +23,10 @@
 
 namespace {
 
-// Stand-ins for the window classes of the fountain and animation controls, which the program
-// does not have yet: plain windows that hold no value.
+// A stand-in for the window class of the animation control, which the program does not have yet:
+// a plain window that holds no value.
 void RegisterStandIns() {
-  for (const char* name : {"FOUNTB", "ANMCTL"}) {
+  for (const char* name : {"ANMCTL"}) {
     WNDCLASSA c = {};
     if (GetClassInfoA(GetModuleHandleA(nullptr), name, &c)) continue;
     c.lpfnWndProc = DefWindowProcA;
