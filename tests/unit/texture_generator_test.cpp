@@ -49,7 +49,7 @@ TEST(InverseFourier, MatchesTheDirectSum) {
         for (int k = 0; k < n; ++k)
           for (int l = 0; l < n; ++l)
             sum += std::complex<double>(input[2 * (k * n + l)], input[2 * (k * n + l) + 1]) *
-                   std::polar(1.0, -2 * M_PI * ((r * k + c * l) % n) / n);
+                   std::polar(1.0, -2 * 3.141592653589793 * ((r * k + c * l) % n) / n);
         const std::complex<double> got(data[2 * (r * n + c)], data[2 * (r * n + c) + 1]);
         signal += std::norm(sum);
         noise += std::norm(sum - got);
