@@ -301,7 +301,7 @@ TextureItem RandomTextureItem(std::mt19937& rng, int32_t type, int32_t width, in
   }
   item.BackColour = static_cast<uint32_t>(rng()) & 0xFFFFFF;
   item.CreaterCount = whole(0, 400);
-  item.CreaterDepth = real(0.2, 3.0);
+  item.CreaterDepth = real(0.2, 5.0);  // deep enough for levels to wrap
   float* curves[3] = {item.ColorRed, item.ColorGreen, item.ColorBlue};
   for (float* curve : curves)
     for (int i = 0; i < 4; ++i) curve[i] = real(-0.3, 1.3);
