@@ -45,10 +45,11 @@ MovableHandle FillForFrame(void*, BuildContext* context, int32_t width, int32_t 
   return MakeFuseFill(&leaves);
 }
 
-MovableHandle RenderFuseFrame(BuildContext* context, float progress) {
+// `fills` is the build's texture fills, or null.
+MovableHandle RenderFuseFrame(BuildContext* context, float progress, FillCache* fills = nullptr) {
   FuseParams params{0, progress};
   context->params = &params;
-  MovableHandle image = RenderFrameWithFill(context, &kIds, 0, FillForFrame, nullptr);
+  MovableHandle image = RenderFrameWithFill(context, &kIds, 0, FillForFrame, nullptr, fills);
   context->params = nullptr;
   return image;
 }
@@ -142,16 +143,17 @@ int DiagonalFuseEffectBuild(BuildContext* context) {
   const int32_t n = frames / 2;
   context->flags |= kBuildFlagBuild;
   // A trial frame first: a page that can't render stops before any frame is appended.
-  MovableHandle trial = RenderFuseFrame(context, 0.5f);
+  ScopedFillCache fills;
+  MovableHandle trial = RenderFuseFrame(context, 0.5f, &fills.cache);
   int ok = trial != nullptr;
   MovableFree(trial);
   for (int32_t i = 0; ok && i < n; ++i) {
-    MovableHandle image = RenderFuseFrame(context, FuseProgress(i, n));
+    MovableHandle image = RenderFuseFrame(context, FuseProgress(i, n), &fills.cache);
     ok = image && AppendEffectFrame(context, image, delay);
     if (ok) ReportFrameProgress(context, i, frames);
   }
   if (ok) {
-    MovableHandle image = RenderFuseFrame(context, 1.0f);
+    MovableHandle image = RenderFuseFrame(context, 1.0f, &fills.cache);
     ok = image && AppendEffectFrame(context, image, delay + pause);
   }
   if (ok) return 1;

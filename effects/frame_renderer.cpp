@@ -115,7 +115,7 @@ int BackgroundStep(TextFrame* frame) {
   if (s->alphaTransparency && s->alphaBackground)
     frame->canvas = FilledImage(0, 0, frame->width, frame->height, s->alphaGreyBack);
   else if (s->background)
-    frame->canvas = MaterialFill(s->background, frame->width, frame->height);
+    frame->canvas = CachedMaterialFill(s->fills, s->background, frame->width, frame->height);
   else
     frame->canvas = FilledImage(0, 0, frame->width, frame->height, s->backgroundColour);
   return frame->canvas != nullptr;
@@ -124,7 +124,7 @@ int BackgroundStep(TextFrame* frame) {
 int MaterialStep(TextFrame* frame) {
   const FrameSettings* s = frame->settings;
   if (!s->fill) return 0;
-  frame->fillImage = MaterialFill(s->fill, frame->width, frame->height);
+  frame->fillImage = CachedMaterialFill(s->fills, s->fill, frame->width, frame->height);
   if (!frame->fillImage) return 0;
   return ShadowMaterialStep(frame);
 }
@@ -133,7 +133,7 @@ int ShadowMaterialStep(TextFrame* frame) {
   const FrameSettings* s = frame->settings;
   if (s->text.shadowEnabled) {
     if (!s->shadow) return 0;
-    frame->shadowImage = MaterialFill(s->shadow, frame->width, frame->height);
+    frame->shadowImage = CachedMaterialFill(s->fills, s->shadow, frame->width, frame->height);
     if (!frame->shadowImage) return 0;
   }
   return 1;

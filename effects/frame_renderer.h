@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "materials/fill_cache.h"
 #include "materials/material.h"
 #include "platform/dialog.h"
 #include "platform/memory.h"
@@ -26,6 +27,7 @@ struct FrameSettings {
   Material* background;       // null when the page's Background is a colour button
   uint32_t backgroundColour;  // that button's colour
   int32_t sample;             // 1 for the dialog's sample: never an alpha plane
+  FillCache* fills;           // the build's texture fills, or null to make each anew
 };
 
 // The ids a page reads for the common steps (the main dialog's ids are the same for every page).
@@ -110,4 +112,3 @@ void EndTextFrame(TextFrame* frame);
 // effect that changes none of them. A new picture, or null.
 MovableHandle RenderStandardFrame(WindowHandle window, const FrameSettings* settings, int32_t x,
                                   int32_t y);
-

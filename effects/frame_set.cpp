@@ -88,10 +88,12 @@ MovableHandle FrameSetFillImage(FrameParams* params, const FrameSetEffect* effec
 }
 
 MovableHandle RenderFrameWithFill(BuildContext* context, const FramePageIds* ids,
-                                  int32_t shadowColourId, FrameFillSource fill, void* source) {
+                                  int32_t shadowColourId, FrameFillSource fill, void* source,
+                                  FillCache* fills) {
   FrameSettings settings;
   FrameTexts text;
   if (!ReadFrameSettings(context->dialog, ids, context->sample, &settings, &text)) return nullptr;
+  settings.fills = fills;
   TextFrame frame;
   MovableHandle result = nullptr;
   // The text and its shadow stand at their place of rest in every frame; only the fill moves.
@@ -120,12 +122,15 @@ MovableHandle FillFromSet(void* effect, BuildContext* context, int32_t width, in
 MovableHandle RenderFrameSetFrame(BuildContext* context, const FrameSetEffect* effect) {
   if (!context->params) return nullptr;
   return RenderFrameWithFill(context, &effect->ids, effect->shadowColourId, FillFromSet,
-                             const_cast<FrameSetEffect*>(effect));
+                             const_cast<FrameSetEffect*>(effect),
+                             static_cast<FrameParams*>(context->params)->fills);
 }
 
 int RunFrameSetFrames(BuildContext* context, const FrameSetLoop* loop, FrameSetRenderer render,
                       void* renderer) {
+  ScopedFillCache fills;
   FrameParams params{};
+  params.fills = &fills.cache;
   context->params = &params;
   context->flags |= kBuildFlagBuild;
   const int32_t count = loop->animated ? loop->frames : 1;

@@ -16,7 +16,8 @@
 //   release(state): frees what the state holds (not the state itself). Safe on a zeroed state.
 // Its table row then has three one-line procedures, for example
 //   int SnowEffectBuild(BuildContext* c) { return FrameSetEffectBuild(c, &kSnowFrameSet); }
-// and likewise FrameSetEffectPreview; its key colour is PageBackgroundKeyColour with its Background id.
+// and likewise FrameSetEffectPreview; its key colour is PageBackgroundKeyColour with its Background
+// id.
 //
 // Frame loop: with the animate check on, Frames frames are built, each with the Delay, and
 // progress is reported after each; with it off one frame, the first of the loop. The preview is
@@ -27,6 +28,7 @@
 #include <cstdint>
 
 #include "effects/frame_renderer.h"
+#include "materials/fill_cache.h"
 #include "platform/dialog.h"
 #include "platform/memory.h"
 #include "shell/effect_table.h"
@@ -38,6 +40,7 @@ struct FrameParams {
   int32_t frameCount;    // slots: the number of frames to pre-render
   int32_t frameIndex;    // the frame the renderer is to produce now
   int32_t framesBuilt;   // slots filled
+  FillCache* fills;      // the build's texture fills, owned by the frame loop; null in a sample
 };
 
 typedef int (*FrameSetPrepare)(void* state, WindowHandle dialog, int32_t width, int32_t height);
@@ -75,9 +78,10 @@ typedef MovableHandle (*FrameFillSource)(void* source, BuildContext* context, in
 // material, alpha plane, then shadow, fill (at the page's Fill opacity, 255 without one) and
 // outline with no position. A nonzero `shadowColourId` names the colour button that paints the
 // shadow instead of a Shadow material. Effects whose fill picture is made for each frame use it
-// directly.
+// directly. Background and shadow materials are filled through `fills` (null: made anew).
 MovableHandle RenderFrameWithFill(BuildContext* context, const FramePageIds* ids,
-                                  int32_t shadowColourId, FrameFillSource fill, void* source);
+                                  int32_t shadowColourId, FrameFillSource fill, void* source,
+                                  FillCache* fills = nullptr);
 // The renderer of a frame-set effect: the common steps, with no position, the fill taken from the
 // set at level 255. Reads context->params as a FrameParams. A new picture, or null.
 MovableHandle RenderFrameSetFrame(BuildContext* context, const FrameSetEffect* effect);
@@ -90,9 +94,9 @@ struct FrameSetLoop {
 };
 typedef MovableHandle (*FrameSetRenderer)(void* renderer, BuildContext* context);
 
-// Sets the build flag and context->params to a cleared FrameParams of its own, renders and
-// appends the frames with progress, and frees the set. Returns 1, or 0 when a render or an
-// append fails.
+// Sets the build flag and context->params to a cleared FrameParams of its own, with a fill cache
+// for the length of the loop, renders and appends the frames with progress, and frees the set.
+// Returns 1, or 0 when a render or an append fails.
 int RunFrameSetFrames(BuildContext* context, const FrameSetLoop* loop, FrameSetRenderer render,
                       void* renderer);
 

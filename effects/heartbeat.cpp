@@ -17,7 +17,7 @@ constexpr FramePageIds kHeartbeatIds = {561, 563, 565, 567, 569, 571, 575, 577, 
 constexpr int32_t kIdFrames = 573, kIdWavelength = 583, kIdWaveHeight = 585;
 constexpr int32_t kIdDelay = 11, kIdPause = 23;  // the main dialog's
 // The sample shows the pulse half way across.
-constexpr HeartbeatParams kSamplePulse = {255, 128, nullptr};
+constexpr HeartbeatParams kSamplePulse = {255, 128, nullptr, nullptr};
 
 struct Pulse {
   const float* wave;
@@ -72,6 +72,7 @@ MovableHandle RenderHeartbeatFrame(BuildContext* context) {
   FrameSettings settings;
   FrameTexts text;
   if (!ReadFrameSettings(dialog, &kHeartbeatIds, context->sample, &settings, &text)) return nullptr;
+  settings.fills = params->fills;
   MovableHandle image = RenderPulse(dialog, &settings, params, ReadDlgValue(dialog, kIdWavelength),
                                     ReadDlgValue(dialog, kIdWaveHeight));
   ReleaseFrameSettings(dialog, &kHeartbeatIds);
@@ -92,7 +93,8 @@ int BuildHeartbeat(BuildContext* context) {
   const int32_t pause = ReadDlgValue(dialog, kIdPause);
   // The page's Frames counts two per pulse step. Every frame warps the same layers.
   WarpCache cache = {};
-  HeartbeatParams params = {ReadDlgValue(dialog, kIdFrames) / 2, 0, &cache};
+  ScopedFillCache fills;
+  HeartbeatParams params = {ReadDlgValue(dialog, kIdFrames) / 2, 0, &cache, &fills.cache};
   context->params = &params;
   context->flags |= kBuildFlagBuild;
   int ok = 1;

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 
+#include "materials/fill_cache.h"
 #include "platform/dialog.h"
 #include "platform/memory.h"
 #include "shell/effect_table.h"
@@ -19,6 +20,7 @@ struct HeartbeatParams {
   int32_t pulseSteps;
   int32_t pulseIndex;
   WarpCache* warpCache;
+  FillCache* fills;  // the build's texture fills; null in a sample
 };
 
 // One frame for context->params, a HeartbeatParams: a new picture, or null.

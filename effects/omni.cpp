@@ -15,8 +15,7 @@ namespace {
 constexpr FramePageIds kIds = {0, 596, 598, 600, 0, 602, 604, 606, 608, 610, 611};
 constexpr int32_t kIdAnimation = 612;
 
-MovableHandle TiledSourceFrame(void* source, BuildContext* context, int32_t width,
-                               int32_t height) {
+MovableHandle TiledSourceFrame(void* source, BuildContext* context, int32_t width, int32_t height) {
   OmniParams* params = static_cast<OmniParams*>(source);
   params->width = width;
   params->height = height;
@@ -34,7 +33,8 @@ MovableHandle TiledSourceFrame(void* source, BuildContext* context, int32_t widt
 MovableHandle RenderOmniFrame(BuildContext* context, OmniParams* params) {
   void* saved = context->params;
   context->params = params;
-  MovableHandle image = RenderFrameWithFill(context, &kIds, 0, TiledSourceFrame, params);
+  MovableHandle image =
+      RenderFrameWithFill(context, &kIds, 0, TiledSourceFrame, params, params->fills);
   context->params = saved;
   return image;
 }
@@ -48,7 +48,9 @@ int OmniEffectPreview(BuildContext* context) {
 
 int OmniEffectBuild(BuildContext* context) {
   context->flags |= kBuildFlagBuild;
+  ScopedFillCache fills;
   OmniParams params{};
+  params.fills = &fills.cache;
   // The animate check, Delay and the pause do not apply: the whole source is always built.
   AnimationPickerFrame(DialogItem(context->dialog, kIdAnimation), kAnimationFrameCount,
                        &params.frameCount);

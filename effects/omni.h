@@ -6,6 +6,7 @@
 
 #include <cstdint>
 
+#include "materials/fill_cache.h"
 #include "platform/dialog.h"
 #include "shell/effect_table.h"
 
@@ -14,7 +15,8 @@ struct OmniParams {
   int32_t width, height;  // the canvas, written by the renderer
   int32_t frameCount;     // the source's frame count
   int32_t frameIndex;
-  int32_t delay;  // the delay of the frame just rendered, written by the renderer
+  int32_t delay;     // the delay of the frame just rendered, written by the renderer
+  FillCache* fills;  // the build's texture fills; null in a sample
 };
 
 // One frame: the frame-set renderer's steps with the picker's frame `params->frameIndex`, tiled,

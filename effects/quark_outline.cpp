@@ -42,6 +42,7 @@ MovableHandle RenderQuarkOutlineFrame(BuildContext* context) {
   FrameSettings settings;
   FrameTexts text;
   if (!ReadFrameSettings(context->dialog, ids, context->sample, &settings, &text)) return nullptr;
+  settings.fills = params->fills;
   // The ring is the effect itself, so it is drawn whatever the main dialog's outline switch says.
   settings.text.outlineEnabled = 1;
   TextFrame frame;

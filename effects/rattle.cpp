@@ -85,6 +85,7 @@ MovableHandle RenderRattleFrame(BuildContext* context) {
   FrameTexts text;
   if (!ReadFrameSettings(context->dialog, &kRattleIds, context->sample, &settings, &text))
     return nullptr;
+  settings.fills = params->fills;
   MovableHandle image = RenderShaken(context->dialog, &settings, params);
   ReleaseFrameSettings(context->dialog, &kRattleIds);
   return image;
@@ -103,7 +104,9 @@ int BuildRattle(BuildContext* context) {
   // Animated is not read: Rattle always builds every frame of its table.
   const int32_t delay = ReadDlgValue(dialog, kIdDelay);
   const int32_t n = ReadDlgValue(dialog, kIdFrames);
+  ScopedFillCache fills;
   RattleParams params{};
+  params.fills = &fills.cache;
   context->params = &params;
   ScopedBlock table(MakeRattleTable(dialog, &params));
   ScopedLock entries(table.handle);

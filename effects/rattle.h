@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "effects/displacement_table.h"
+#include "materials/fill_cache.h"
 #include "platform/memory.h"
 #include "shell/effect_table.h"
 
@@ -16,6 +17,7 @@ struct RattleParams {
   int32_t offsetX, offsetY;
   const DisplacementEntry* table;  // one entry per frame
   int32_t hDisplace, vDisplace;
+  FillCache* fills;  // the build's texture fills; null in a sample
 };
 
 // Reads Frames, Seed, Mode and the two displacements from the page (and the calm mode's ratio

@@ -13,7 +13,8 @@
 
 int RunSimpleFrames(BuildContext* context, const SimpleLoopSettings* settings,
                     SimpleFrameRenderer render, void* renderer) {
-  SimpleFrameParams params{0, 0};
+  ScopedFillCache fills;
+  SimpleFrameParams params{0, 0, &fills.cache};
   context->params = &params;
   context->flags |= kBuildFlagBuild;
   if (!settings->animated) {
@@ -74,6 +75,7 @@ MovableHandle RenderSimpleFrame(void* context, const SimpleFrameParams* params) 
   FrameSettings settings;
   FrameTexts text;
   if (!ReadFrameSettings(c->dialog, &kSimpleIds, c->sample, &settings, &text)) return nullptr;
+  settings.fills = params->fills;
   MovableHandle image = RenderStandardFrame(c->dialog, &settings, params->x, params->y);
   ReleaseFrameSettings(c->dialog, &kSimpleIds);
   return image;
@@ -83,7 +85,7 @@ MovableHandle RenderSimpleFrame(void* context, const SimpleFrameParams* params) 
 
 int SimpleEffectPreview(BuildContext* context) {
   context->flags |= kBuildFlagPreview;
-  SimpleFrameParams params{0, 0};
+  SimpleFrameParams params{0, 0, nullptr};
   context->params = &params;
   context->image = RenderSimpleFrame(context, &params);
   return 1;

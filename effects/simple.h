@@ -5,6 +5,7 @@
 
 #include <cstdint>
 
+#include "materials/fill_cache.h"
 #include "platform/memory.h"
 #include "shell/effect_table.h"
 
@@ -12,6 +13,7 @@
 struct SimpleFrameParams {
   int32_t x;
   int32_t y;
+  FillCache* fills;  // the loop's texture fills, for the renderer's FrameSettings
 };
 
 // Scroll picker values; any other value scrolls leftward.
@@ -32,8 +34,9 @@ struct SimpleLoopSettings {
 typedef MovableHandle (*SimpleFrameRenderer)(void* renderer, const SimpleFrameParams* params);
 
 // The frame loop: a first render at rest for the canvas size when animated, then the frames in
-// order, appended to context->frames, with progress after each. Returns 1, or 0 when a render or
-// an append fails (frames appended so far stay in the list).
+// order, appended to context->frames, with progress after each. The loop owns a fill cache for
+// its length, handed to the renderer in `params`, so a texture is generated once per build. Returns
+// 1, or 0 when a render or an append fails (frames appended so far stay in the list).
 int RunSimpleFrames(BuildContext* context, const SimpleLoopSettings* settings,
                     SimpleFrameRenderer render, void* renderer);
 

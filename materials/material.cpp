@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "materials/texture_generator.h"
 #include "shell/packed_dib.h"
 #include "text/image_copy.h"
 
@@ -67,8 +68,17 @@ MovableHandle MaterialFill(Material* material, int32_t width, int32_t height) {
       const int32_t side = std::max(width, height);
       const int32_t rect[4] = {0, 0, side, side};
       std::memcpy(material->texture.rect, rect, sizeof(rect));
-      // No texture generator is part of the program yet: every type fails, known or not.
-      return nullptr;
+      source = GenerateTexture(&material->texture);
+      if (source && width != height) {
+        // Should the crop fail, the square picture serves as it stands: the copy below takes
+        // its top-left part.
+        MovableHandle cropped = CentredCrop(source, width, height);
+        if (cropped) {
+          MovableFree(source);
+          source = cropped;
+        }
+      }
+      break;
     }
     case kMaterialTile:
       material->tileRect[0] = 0;

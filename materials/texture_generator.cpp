@@ -1,17 +1,10 @@
-// The texture generator table. The generators themselves are still to be written: until then
-// every row fails, so a Texture fill fails rather than drawing a wrong picture.
+// The texture generator table.
 #include "materials/texture_generator.h"
 
-namespace {
-
-MovableHandle NotYetGenerated(const TextureItem*) { return nullptr; }
-
-}  // namespace
-
 const TextureGeneratorRow TextureGeneratorTable[kTextureTypeCount] = {
-    {"2-color fractal", NotYetGenerated}, {"3-color fractal", NotYetGenerated},
-    {"4-color fractal", NotYetGenerated}, {"5-color fractal", NotYetGenerated},
-    {"Craters", NotYetGenerated},         {"Perturbation", NotYetGenerated},
+    {"2-color fractal", GenerateFractal2}, {"3-color fractal", GenerateFractal3},
+    {"4-color fractal", GenerateFractal4}, {"5-color fractal", GenerateFractal5},
+    {"Craters", GenerateCraters},          {"Perturbation", GeneratePerturbation},
 };
 
 MovableHandle GenerateTexture(const TextureItem* item) {

@@ -17,4 +17,9 @@ void srand(uint32_t seed);
 // Advances the state (state * 214013 + 2531011 mod 2^32) and returns its bits 16 to 30.
 int rand();
 
+// The state as it stands, and how many times srand has been called in this process: what a cache
+// of generated pictures needs to leave the generator as making the picture again would.
+uint32_t state();
+uint32_t seedings();
+
 }  // namespace crt

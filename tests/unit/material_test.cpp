@@ -113,14 +113,32 @@ TEST(CentredCrop, KeepsTheMiddleRowsOrColumnsAndTheTable) {
       ASSERT_EQ(ReadDibPixel(t.bytes, y, x), ReadDibPixel(s.bytes, y + 30, x));
     }
   EXPECT_EQ(std::memcmp(DibTable(w.bytes), DibTable(s.bytes), 1024), 0);
+}
+
+// A texture is generated square at the larger side: fills of other aspects are its centre.
+TEST(MaterialFill, TextureFillsAreTheCentreOfTheSquare) {
   Material m;
   InitMaterial(&m);
   m.kind = kMaterialTexture;
-  EXPECT_EQ(MaterialFill(&m, 100, 40), nullptr);
+  m.texture.TextureType = kTextureCraters;
+  m.texture.CreaterCount = 300;
+  ScopedBlock square(MaterialFill(&m, 100, 100));
+  ScopedBlock wide(MaterialFill(&m, 100, 40));
   int32_t rect[4];
   std::memcpy(rect, m.texture.rect, sizeof(rect));
-  EXPECT_EQ(rect[2], 100);
-  EXPECT_EQ(rect[3], 100);
+  EXPECT_TRUE(rect[0] == 0 && rect[1] == 0 && rect[2] == 100 && rect[3] == 100);
+  ScopedBlock tall(MaterialFill(&m, 40, 100));
+  ScopedLock s(square.handle), w(wide.handle), t(tall.handle);
+  ASSERT_TRUE(s && w && t);
+  for (int y = 0; y < 40; ++y)
+    for (int x = 0; x < 100; ++x) {
+      ASSERT_EQ(ReadDibPixel(w.bytes, x, y), ReadDibPixel(s.bytes, x, y + 30)) << x << "," << y;
+      ASSERT_EQ(ReadDibPixel(t.bytes, y, x), ReadDibPixel(s.bytes, y + 30, x)) << x << "," << y;
+    }
+  for (int32_t type : {-1, 6}) {
+    m.texture.TextureType = type;
+    EXPECT_EQ(MaterialFill(&m, 10, 10), nullptr) << type;
+  }
 }
 
 TEST(MaterialButton, PreviewAverageCaptionAndDuplicate) {

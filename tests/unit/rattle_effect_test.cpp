@@ -43,7 +43,7 @@ struct RattlePage {
   }
   // A build's frame at rest, drawn with the margin.
   PictureValues Rest() {
-    RattleParams p{0, 0, nullptr, ReadDlgValue(dialog, 908), ReadDlgValue(dialog, 910)};
+    RattleParams p{0, 0, nullptr, ReadDlgValue(dialog, 908), ReadDlgValue(dialog, 910), nullptr};
     BuildContext context{};
     context.dialog = dialog;
     context.params = &p;

@@ -1,5 +1,6 @@
-// Renders the shape, mask, Simple, Snow and frame-set fill scenes and the motion builds through GDI
-// and GDI+ and writes them to the folder "parity" for the native comparison in tests/parity.
+// Renders the six textures, the shape, mask, Simple, Snow and frame-set fill scenes and the motion
+// builds through GDI and GDI+ and writes them to the folder "parity" for the native comparison in
+// tests/parity.
 #include <windows.h>
 
 #include <fstream>
@@ -14,6 +15,19 @@
 #include "tests/support/shape_scenes.h"
 #include "tests/support/simple_scenes.h"
 #include "tests/support/snow_scenes.h"
+#include "tests/support/texture_scenes.h"
+
+// First in this program, so that the default Perturbation fixes the noise tables here as it does
+// in the native comparison.
+TEST(Parity, WritesTheTextureGenerators) {
+  CreateDirectoryA("parity", nullptr);
+  for (int32_t type = 0; type < kTextureTypeCount; ++type) {
+    ScopedBlock image(RenderTextureScene(type));
+    EXPECT_TRUE(WriteParityFile("parity/texture-" + std::to_string(type) + ".dib", image.handle))
+        << type;
+  }
+  EXPECT_TRUE(TextureSceneNoiseIsDefault());
+}
 
 TEST(Parity, WritesEveryShapeMaskAndSimpleFrame) {
   StartDrawingForTests();
