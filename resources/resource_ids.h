@@ -45,3 +45,6 @@
 #define IDC_ALPHA_BACKGROUND 63
 #define IDC_FIT_SAMPLE 64
 #define IDC_UPDOWN_OFFSET 10000
+
+// The default matrix tile, a 24-bit bitmap of 90 by 90 pixels.
+#define IDB_DEFAULT_TILE 9908
