@@ -135,4 +135,23 @@ TEST(PictureFiles, EveryFormatReadsTheSamePictureThroughTheHost) {
   EndInProcessHost(&host);
 }
 
+// The sample files that the reference host's test reads through GDI+ read the same here.
+TEST(PictureFiles, SampleFilesGiveTheirColours) {
+  const std::string folder = std::string(GM5_SOURCE_ROOT) + "tests/fuzz/corpus/picture_files/";
+  const std::pair<const char*, uint32_t> samples[] = {
+      {"flat-green.png", 0x3CC81E}, {"two-frames.gif", 0xC81E1E}, {"flat-red.jpg", 0x1E1EC8}};
+  for (const auto& [name, colour] : samples) {
+    const PictureValues picture = TakePicture(ReadPictureFile((folder + name).c_str()));
+    ASSERT_EQ(picture.width, 16) << name;
+    for (uint32_t value : picture.values)
+      for (int shift = 0; shift < 24; shift += 8)
+        ASSERT_NEAR(int(value >> shift & 0xFF), int(colour >> shift & 0xFF), 3) << name;
+  }
+  // A CMYK JPEG comes out in colour too.
+  const PictureValues cmyk = TakePicture(ReadPictureFile((folder + "seed-cmyk.jpg").c_str()));
+  ASSERT_EQ(cmyk.bits, 24);
+  EXPECT_GT(cmyk.At(0, 0) & 0xFF, 0xB0u) << "the top-left red stays red";
+  EXPECT_LT(cmyk.At(0, 0) >> 8 & 0xFF, 0x60u);
+}
+
 }  // namespace
