@@ -12,6 +12,7 @@
 #include "documents/settings.h"
 #include "materials/material_button.h"
 #include "materials/material_file.h"
+#include "materials/matrix_dialog_win32.h"
 #include "shell/paint_dib_win32.h"
 #include "platform/win32/code_module_win32.h"
 
@@ -157,16 +158,36 @@ void ShowKindMenu(HWND window) {
   DestroyMenu(menu);
 }
 
+// The Tile editor: the Matrix dialog on the tile part; on OK the dialog has freed the old image,
+// and the record takes the picked tile at once.
+void EditTile(HWND window) {
+  TileRef tile;
+  {
+    ScopedButtonMaterial held(AsHandle(window));
+    if (!held.material) return;
+    GetMaterialTile(held.material, &tile);
+  }
+  if (RunMatrixDialog(AsHandle(GetParent(window)), &tile))
+    ChangeMaterial(window, 1, 0, [&tile](Material* m) { SetMaterialTile(m, &tile); });
+}
+
 void OpenEditor(HWND window) {
   Material* material = MaterialForButton(AsHandle(window));
   if (!material) return;
   const int32_t kind = material->kind;
   uint32_t colour = material->solidColour;
   MovableUnlock(HeldMaterial(window));
-  // The gradient, texture and tile editors are not part of this build.
-  if (kind != kMaterialSimple) return;
-  if (ChooseColour(AsHandle(GetParent(window)), &colour))
-    ChangeMaterial(window, 1, 0, [colour](Material* m) { m->solidColour = colour; });
+  switch (kind) {
+    case kMaterialSimple:
+      if (ChooseColour(AsHandle(GetParent(window)), &colour))
+        ChangeMaterial(window, 1, 0, [colour](Material* m) { m->solidColour = colour; });
+      break;
+    case kMaterialTile:
+      EditTile(window);
+      break;
+    default:
+      return;  // the gradient and texture editors are not part of this build
+  }
   NotifyParent(window, kind);
 }
 

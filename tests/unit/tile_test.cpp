@@ -9,6 +9,7 @@
 
 #include "documents/settings.h"
 #include "materials/data_folder.h"
+#include "materials/material_button.h"
 #include "materials/tile_file.h"
 #include "shell/packed_dib.h"
 #include "tests/support/alloc_sweep.h"
@@ -246,6 +247,21 @@ TEST_F(Tiles, MaterialFollowsTheCurrentGroupAndFillsThroughIt) {
   ReloadMaterialTile(&material);
   EXPECT_STREQ(material.tilePath, current);
   EXPECT_TRUE(SameBlocks(material.tileImage, list_.tiles[1]));
+
+  // A record read from a document line loads its tile afresh; the line's handle is never used.
+  {
+    ScopedBlock block(CopyToMovableBlock(&material, sizeof material));
+    const std::string line = MaterialDocumentLine(100, block.handle);
+    MovableHandle read = nullptr;
+    ASSERT_EQ(ReadMaterialDocumentLine(line.c_str(), &read), 1);
+    {
+      ScopedLock lock(read);
+      const Material* back = reinterpret_cast<const Material*>(lock.bytes);
+      EXPECT_NE(back->tileImage, material.tileImage);
+      EXPECT_TRUE(SameBlocks(back->tileImage, list_.tiles[1]));
+    }
+    FreeButtonMaterial(read);
+  }
 
   ScopedBlock fill(MaterialFill(&material, 9, 20));
   EXPECT_EQ(material.tileRect[2], 9);
