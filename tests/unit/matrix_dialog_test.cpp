@@ -10,6 +10,7 @@
 #include "documents/settings.h"
 #include "materials/data_folder.h"
 #include "shell/packed_dib.h"
+#include "tests/support/alloc_sweep.h"
 #include "tests/support/test_images.h"
 #include "tests/support/value_dialog.h"
 
@@ -121,6 +122,22 @@ TEST_F(MatrixDialog, GroupsAreSavedListedOpenedAndLeft) {
   EXPECT_EQ(CurrentMatrixGroup(), "rfdplgm5");
   EXPECT_TRUE(state.list.tiles.empty());
   EndMatrixDialog(&state, 0, &target_);
+}
+
+TEST_F(MatrixDialog, FailedAllocationsLeaveNothingBehind) {
+  EXPECT_TRUE(SweepAllocationFailures([&] {
+    MovableHandle picture = RandomImage(5, 5, 8, 3);  // converted to 24 bits when added
+    MatrixDialogState state;
+    int read = 0;
+    if (!BeginMatrixDialog(&state, &target_, &read)) {
+      MovableFree(picture);
+      return 0;
+    }
+    const int added = AddMatrixTile(&state, picture) == kTileAdded;  // takes the picture
+    const int ok = read && added && PickMatrixTile(&state, 1);
+    EndMatrixDialog(&state, 0, &target_);
+    return ok;
+  }));
 }
 
 }  // namespace
