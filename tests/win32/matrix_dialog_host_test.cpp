@@ -5,6 +5,7 @@
 #include <windows.h>
 #include <shlobj.h>
 
+#include <algorithm>
 #include <cstring>
 #include <string>
 
@@ -89,4 +90,32 @@ TEST(MatrixDialogHost, TileAddedFromABmpIsPickedKeptAndPainted) {
   EXPECT_NE(std::string(reinterpret_cast<const char*>(record.data() + 917)).find("rfdplgm5.mtx"),
             std::string::npos);
   for (const std::string& gone : {group, group + ".bak", buttonFile, bmp}) DeleteFileA(gone.c_str());
+}
+
+// With Shift held, "+" saves the group under a name asked in the Name dialog and "-" deletes the
+// current group after asking, which brings the primary group back.
+TEST(MatrixDialogHost, ShiftSavesAGroupUnderANewNameAndDeletesIt) {
+  if (!DisplayAvailable()) GTEST_SKIP() << "no display";
+  ForgetConfiguration();
+  const std::string saved = DataFolder() + "Bricks.MTX";
+  DeleteFileA(saved.c_str());
+  const std::string script =
+      "wait-dialog\nselect 58 12\nsleep 500\npost-command 100 103\npost-command 100 99\n"
+      "wait-caption Matrix\nclick 103\nwait-caption Name\nread-text 4020\nset-text 4020 Bricks\n"
+      "click 1\nwait-caption Matrix\nread-text 108\nclick 104\nbox 6\nread-text 108\nclick 2\n"
+      "click 2\n";
+  const HostRun run = RunHost("--shift", script);
+  ASSERT_EQ(run.exitCode, 0u);
+  EXPECT_EQ(run.Count("step error"), 0) << run.Line("step error");
+  EXPECT_EQ(run.Value("read-text id=4020", "text"), "Untitled");
+  ASSERT_EQ(run.Count("read-text id=108"), 2);
+  auto count = [&run](const std::string& prefix) {
+    return std::count_if(run.lines.begin(), run.lines.end(),
+                         [&prefix](const std::string& l) { return l.rfind(prefix, 0) == 0; });
+  };
+  EXPECT_EQ(count("read-text id=108 text=Bricks"), 1) << "the new group is current";
+  EXPECT_EQ(run.Value("box", "text").rfind("Do%20you%20want%20to%20delete%20the%20Bricks%20matrix", 0), 0u)
+      << run.Line("box");
+  EXPECT_EQ(GetFileAttributesA(saved.c_str()), INVALID_FILE_ATTRIBUTES) << "the group went";
+  EXPECT_EQ(count("read-text id=108 text=rfdplgm5"), 1) << "the primary group is current again";
 }
