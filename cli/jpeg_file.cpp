@@ -64,7 +64,8 @@ int ReadJpegBytes(const uint8_t* bytes, size_t size, int32_t* width, int32_t* he
   // them fail rather than take the machine's memory.
   info.mem->max_memory_to_use = 512L * 1024 * 1024;
   jpeg_mem_src(&info, bytes, static_cast<unsigned long>(size));
-  if (jpeg_read_header(&info, TRUE) != JPEG_HEADER_OK) ExitByJump(reinterpret_cast<j_common_ptr>(&info));
+  if (jpeg_read_header(&info, TRUE) != JPEG_HEADER_OK)
+    ExitByJump(reinterpret_cast<j_common_ptr>(&info));
   const uint64_t pixels = uint64_t{info.image_width} * info.image_height;
   if (info.image_width > static_cast<uint32_t>(kAnimationLargestSide) ||
       info.image_height > static_cast<uint32_t>(kAnimationLargestSide) || pixels == 0 ||

@@ -35,17 +35,17 @@ MovableHandle DecodeWithGdiplus(const char* path) {
     const Rect area(0, 0, static_cast<INT>(width), static_cast<INT>(height));
     BitmapData data = {};
     if (GdipBitmapLockBits(bitmap, &area, ImageLockModeRead, PixelFormat24bppRGB, &data) == Ok) {
-      ScopedBlock image(CreatePackedDib(static_cast<int32_t>(width), static_cast<int32_t>(height),
-                                        nullptr, 24));
+      ScopedBlock image(
+          CreatePackedDib(static_cast<int32_t>(width), static_cast<int32_t>(height), nullptr, 24));
       ScopedLock pixels(image.handle);
       if (pixels) {
         const size_t stride = DibStride(static_cast<int32_t>(width), 24);
         // GDI+ rows run top first and hold blue, green, red, as the DIB's bottom-up rows do.
         for (UINT y = 0; y < height; ++y)
-          std::memcpy(DibBits(pixels.bytes) + (height - 1 - y) * stride,
-                      static_cast<const uint8_t*>(data.Scan0) +
-                          static_cast<ptrdiff_t>(y) * data.Stride,
-                      static_cast<size_t>(width) * 3);
+          std::memcpy(
+              DibBits(pixels.bytes) + (height - 1 - y) * stride,
+              static_cast<const uint8_t*>(data.Scan0) + static_cast<ptrdiff_t>(y) * data.Stride,
+              static_cast<size_t>(width) * 3);
         result = image.Release();
       }
       GdipBitmapUnlockBits(bitmap, &data);

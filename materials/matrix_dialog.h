@@ -36,9 +36,9 @@ struct MatrixDialogState {
 // What adding a picture came to; anything but kTileAdded has a message to show.
 enum MatrixAddResult : int32_t {
   kTileAdded = 0,
-  kTileTooLarge = 1,    // kMatrixTooLarge
-  kTileMemoryError = 2, // string 6, "Memory error"
-  kTileNotAdded = 3,    // kMatrixAddFailed
+  kTileTooLarge = 1,     // kMatrixTooLarge
+  kTileMemoryError = 2,  // string 6, "Memory error"
+  kTileNotAdded = 3,     // kMatrixAddFailed
 };
 
 // Starts a run on a copy of `tile` and reads the current group. Returns 0 when the copy fails

@@ -229,8 +229,8 @@ void ShowCellMenu(HWND dialog, MatrixRun* run, HWND list, LPARAM at) {
   HMENU menu = CreatePopupMenu();
   if (!menu) return;
   AppendMenuA(menu, MF_STRING, kDeleteCommand, "&Delete");
-  const UINT chosen = TrackPopupMenu(menu, TPM_RETURNCMD | TPM_LEFTALIGN | TPM_RIGHTBUTTON,
-                                     point.x, point.y, 0, dialog, nullptr);
+  const UINT chosen = TrackPopupMenu(menu, TPM_RETURNCMD | TPM_LEFTALIGN | TPM_RIGHTBUTTON, point.x,
+                                     point.y, 0, dialog, nullptr);
   DestroyMenu(menu);
   if (chosen == kDeleteCommand && NeedsWriteable(dialog, run)) DeleteSelectedTile(dialog, run);
 }
@@ -378,9 +378,9 @@ int RunMatrixDialog(WindowHandle owner, TileRef* tile) {
     ShowMessage(owner, LoadMessage(kMessageMemoryError));
     return 0;
   }
-  const INT_PTR result = DialogBoxParamA(CodeModule(), MAKEINTRESOURCEA(IDD_MATRIX),
-                                         reinterpret_cast<HWND>(owner), MatrixProc,
-                                         reinterpret_cast<LPARAM>(&run));
+  const INT_PTR result =
+      DialogBoxParamA(CodeModule(), MAKEINTRESOURCEA(IDD_MATRIX), reinterpret_cast<HWND>(owner),
+                      MatrixProc, reinterpret_cast<LPARAM>(&run));
   if (result == -1) EndMatrixDialog(&run.state, 0, tile);  // the dialog never opened
   return result == IDOK;
 }

@@ -113,5 +113,6 @@ void ReloadMaterialTile(Material* material) {
     std::memset(material->tilePath, 0, sizeof material->tilePath);
     std::memcpy(material->tilePath, path, strnlen(path, sizeof material->tilePath - 1));
   }
-  if (material->tilePath[0]) material->tileImage = LoadTile(material->tilePath, material->tileIndex);
+  if (material->tilePath[0])
+    material->tileImage = LoadTile(material->tilePath, material->tileIndex);
 }

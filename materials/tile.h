@@ -23,18 +23,21 @@ struct TileRef {
 };
 #pragma pack(pop)
 static_assert(sizeof(TileRef) == offsetof(Material, reserved1) - offsetof(Material, tilePath));
-static_assert(offsetof(TileRef, index) == offsetof(Material, tileIndex) - offsetof(Material, tilePath));
-static_assert(offsetof(TileRef, image) == offsetof(Material, tileImage) - offsetof(Material, tilePath));
-static_assert(offsetof(TileRef, rect) == offsetof(Material, tileRect) - offsetof(Material, tilePath));
+static_assert(offsetof(TileRef, index) ==
+              offsetof(Material, tileIndex) - offsetof(Material, tilePath));
+static_assert(offsetof(TileRef, image) ==
+              offsetof(Material, tileImage) - offsetof(Material, tilePath));
+static_assert(offsetof(TileRef, rect) ==
+              offsetof(Material, tileRect) - offsetof(Material, tilePath));
 
 // The tile part of `material`, copied out and back in. The handle moves with the bytes: whoever
 // holds the record afterwards owns it.
 void GetMaterialTile(const Material* material, TileRef* tile);
 void SetMaterialTile(Material* material, const TileRef* tile);
 
-// A new 24-bit Packed DIB of the size of `tile->rect`, tiled from its top-left corner with copies of
-// `tile->image`, or of the default tile when the image is missing or is not a picture that can be
-// read. Null only when memory fails or the default tile can't be had.
+// A new 24-bit Packed DIB of the size of `tile->rect`, tiled from its top-left corner with copies
+// of `tile->image`, or of the default tile when the image is missing or is not a picture that can
+// be read. Null only when memory fails or the default tile can't be had.
 MovableHandle TileFill(const TileRef* tile);
 
 // Copies every field of `source` to `dest`, with a duplicate of the image. Returns 0, with `dest`
@@ -54,5 +57,6 @@ const uint8_t* DefaultTileBytes(size_t* size);
 
 // Loads the tile of `material` again after its record was made or replaced: the tile follows the
 // current matrix group (the setting MatrixLibrary in the data folder), so `tilePath` is set to that
-// group's full path and `tileImage` becomes its tile at `tileIndex`, or null. The old image is freed.
+// group's full path and `tileImage` becomes its tile at `tileIndex`, or null. The old image is
+// freed.
 void ReloadMaterialTile(Material* material);

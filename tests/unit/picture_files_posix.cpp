@@ -24,7 +24,8 @@ constexpr int32_t kWidth = 6, kHeight = 4;
 
 // Flat quarters of four colours that every format holds exactly, JPEG nearly.
 std::vector<uint8_t> Quarters() {
-  static const uint8_t colours[4][3] = {{200, 30, 30}, {30, 200, 30}, {30, 30, 200}, {220, 220, 40}};
+  static const uint8_t colours[4][3] = {
+      {200, 30, 30}, {30, 200, 30}, {30, 30, 200}, {220, 220, 40}};
   std::vector<uint8_t> rgb;
   for (int32_t y = 0; y < kHeight; ++y)
     for (int32_t x = 0; x < kWidth; ++x) {
@@ -94,7 +95,8 @@ void WriteGif(const std::string& path, const std::vector<uint8_t>& rgb) {
 std::vector<uint8_t> Triples(MovableHandle picture) {
   const PictureValues values = TakePicture(picture);
   std::vector<uint8_t> rgb;
-  for (uint32_t v : values.values) rgb.insert(rgb.end(), {uint8_t(v), uint8_t(v >> 8), uint8_t(v >> 16)});
+  for (uint32_t v : values.values)
+    rgb.insert(rgb.end(), {uint8_t(v), uint8_t(v >> 8), uint8_t(v >> 16)});
   if (values.bits != 24 || values.width != kWidth || values.height != kHeight) rgb.clear();
   return rgb;
 }
@@ -109,8 +111,10 @@ TEST(PictureFiles, EveryFormatReadsTheSamePictureThroughTheHost) {
     dibBytes.assign(lock.bytes, lock.bytes + MovableSize(dib.handle));
   }
   ASSERT_EQ(Triples(CopyMovableBlock(dib.handle)), rgb);
-  ASSERT_TRUE(WriteWholeFile(scratch.Path("p.bmp").c_str(), PackedDibToBmp(dibBytes.data(), dibBytes.size())));
-  ASSERT_TRUE(WriteWholeFile(scratch.Path("p.png").c_str(), EncodeRgbPng(rgb.data(), rgb.size(), kWidth, kHeight)));
+  ASSERT_TRUE(WriteWholeFile(scratch.Path("p.bmp").c_str(),
+                             PackedDibToBmp(dibBytes.data(), dibBytes.size())));
+  ASSERT_TRUE(WriteWholeFile(scratch.Path("p.png").c_str(),
+                             EncodeRgbPng(rgb.data(), rgb.size(), kWidth, kHeight)));
   ASSERT_TRUE(WriteWholeFile(scratch.Path("p.jpg").c_str(), EncodeJpeg(rgb)));
   WriteGif(scratch.Path("p.gif"), rgb);
   ASSERT_TRUE(WriteWholeFile(scratch.Path("p.txt").c_str(), {'B', 'M', 'x', 'y'}));
@@ -119,8 +123,8 @@ TEST(PictureFiles, EveryFormatReadsTheSamePictureThroughTheHost) {
   BeginInProcessHost(&host, 0, nullptr);
   auto load = [&](const char* name) {
     const std::string path = scratch.Path(name);
-    return reinterpret_cast<MovableHandle>(
-        host.record.service(nullptr, HostOpLoadImageFile, 0, reinterpret_cast<uint64_t>(path.c_str())));
+    return reinterpret_cast<MovableHandle>(host.record.service(
+        nullptr, HostOpLoadImageFile, 0, reinterpret_cast<uint64_t>(path.c_str())));
   };
   for (const char* name : {"p.bmp", "p.png", "p.gif"}) EXPECT_EQ(Triples(load(name)), rgb) << name;
   const std::vector<uint8_t> jpeg = Triples(load("p.jpg"));

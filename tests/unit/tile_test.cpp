@@ -212,7 +212,8 @@ TEST_F(Tiles, FillFallsBackOnTheDefaultTile) {
   EXPECT_EQ(h->biHeight, 90);
   EXPECT_EQ(h->biBitCount, 24);
   // The program's bitmap is the file in the source tree, less the file header.
-  const std::vector<uint8_t> file = ReadBytes(std::string(GM5_SOURCE_ROOT) + "resources/default_tile.bmp");
+  const std::vector<uint8_t> file =
+      ReadBytes(std::string(GM5_SOURCE_ROOT) + "resources/default_tile.bmp");
   ASSERT_EQ(file.size(), size + 14);
   EXPECT_EQ(std::memcmp(file.data() + 14, resource, size), 0);
 

@@ -35,8 +35,8 @@ TEST(HostPictureFile, ReadsEachFormatAsTheFileShowsIt) {
     ASSERT_EQ(picture.height, 8);
     for (uint32_t value : picture.values)
       for (int shift = 0; shift < 24; shift += 8)
-        ASSERT_NEAR(static_cast<int>(value >> shift & 0xFF), static_cast<int>(c.colour >> shift & 0xFF),
-                    c.tolerance);
+        ASSERT_NEAR(static_cast<int>(value >> shift & 0xFF),
+                    static_cast<int>(c.colour >> shift & 0xFF), c.tolerance);
   }
   const PictureValues bmp = TakePicture(ReadHostPictureFile(Sample("seed.bmp").c_str()));
   EXPECT_EQ(bmp.width, 3);

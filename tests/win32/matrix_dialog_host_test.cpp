@@ -62,8 +62,10 @@ TEST(MatrixDialogHost, TileAddedFromABmpIsPickedKeptAndPainted) {
                              "\nwait-dialog\nselect 58 12\nsleep 700\npost-command 100 103\n"
                              "sleep 700\ncount-paints 25\npost-command 100 99\nwait-caption "
                              "Matrix\nclick 103\nselect-list 102 0\nsleep 400\nscreenshot 0 " +
-                             shots + "\\matrix-dialog.png\nclick 1\nsleep 900\nread-paints 25\n"
-                             "screenshot 0 " + shots + "\\matrix-sample.png\nclick 2\n";
+                             shots +
+                             "\\matrix-dialog.png\nclick 1\nsleep 900\nread-paints 25\n"
+                             "screenshot 0 " +
+                             shots + "\\matrix-sample.png\nclick 2\n";
   const HostRun run = RunHost("", script);
   ASSERT_EQ(run.exitCode, 0u);
   EXPECT_EQ(run.Count("box"), 0) << "no message was shown";
@@ -89,7 +91,8 @@ TEST(MatrixDialogHost, TileAddedFromABmpIsPickedKeptAndPainted) {
   EXPECT_EQ(index, 0u);
   EXPECT_NE(std::string(reinterpret_cast<const char*>(record.data() + 917)).find("rfdplgm5.mtx"),
             std::string::npos);
-  for (const std::string& gone : {group, group + ".bak", buttonFile, bmp}) DeleteFileA(gone.c_str());
+  for (const std::string& gone : {group, group + ".bak", buttonFile, bmp})
+    DeleteFileA(gone.c_str());
 }
 
 // With Shift held, "+" saves the group under a name asked in the Name dialog and "-" deletes the
@@ -114,7 +117,9 @@ TEST(MatrixDialogHost, ShiftSavesAGroupUnderANewNameAndDeletesIt) {
                          [&prefix](const std::string& l) { return l.rfind(prefix, 0) == 0; });
   };
   EXPECT_EQ(count("read-text id=108 text=Bricks"), 1) << "the new group is current";
-  EXPECT_EQ(run.Value("box", "text").rfind("Do%20you%20want%20to%20delete%20the%20Bricks%20matrix", 0), 0u)
+  EXPECT_EQ(
+      run.Value("box", "text").rfind("Do%20you%20want%20to%20delete%20the%20Bricks%20matrix", 0),
+      0u)
       << run.Line("box");
   EXPECT_EQ(GetFileAttributesA(saved.c_str()), INVALID_FILE_ATTRIBUTES) << "the group went";
   EXPECT_EQ(count("read-text id=108 text=rfdplgm5"), 1) << "the primary group is current again";
