@@ -45,7 +45,7 @@ void ReadRows(jpeg_decompress_struct* info, int cmyk, std::vector<uint8_t>* rgb,
 }  // namespace
 
 int ReadJpegBytes(const uint8_t* bytes, size_t size, int32_t* width, int32_t* height,
-                  std::vector<uint8_t>* rgb) {
+                  std::vector<uint8_t>* rgb, uint64_t largestPixels) {
   if (!bytes || size < 4 || bytes[0] != 0xFF || bytes[1] != 0xD8) return 0;
   std::vector<uint8_t> row;
   jpeg_decompress_struct info;
@@ -69,7 +69,7 @@ int ReadJpegBytes(const uint8_t* bytes, size_t size, int32_t* width, int32_t* he
   const uint64_t pixels = uint64_t{info.image_width} * info.image_height;
   if (info.image_width > static_cast<uint32_t>(kAnimationLargestSide) ||
       info.image_height > static_cast<uint32_t>(kAnimationLargestSide) || pixels == 0 ||
-      pixels > kJpegLargestPixels)
+      pixels > largestPixels)
     ExitByJump(reinterpret_cast<j_common_ptr>(&info));
   const int cmyk = info.jpeg_color_space == JCS_CMYK || info.jpeg_color_space == JCS_YCCK;
   info.out_color_space = cmyk ? JCS_CMYK : JCS_RGB;

@@ -7,10 +7,8 @@
 #include <cstdint>
 #include <vector>
 
-// The largest picture read: sides up to 16384 pixels and this many pixels in all.
-constexpr uint64_t kJpegLargestPixels = uint64_t{1} << 26;
-
 // Decodes `size` bytes into width * height triples, top row first. Returns 1, or 0 when the bytes
-// are not a JPEG that can be read whole or the picture is too large.
+// are not a JPEG that can be read whole, or the picture has sides over 16384 or more than
+// `largestPixels` pixels.
 int ReadJpegBytes(const uint8_t* bytes, size_t size, int32_t* width, int32_t* height,
-                  std::vector<uint8_t>* rgb);
+                  std::vector<uint8_t>* rgb, uint64_t largestPixels);

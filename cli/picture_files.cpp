@@ -39,13 +39,34 @@ MovableHandle RgbToPackedDib(const uint8_t* rgb, int32_t width, int32_t height) 
   return block.Release();
 }
 
+namespace {
+
+// The canvas that a GIF or PNG header claims, checked before anything is decoded.
+int ClaimsTooManyPixels(const uint8_t* bytes, size_t size) {
+  uint64_t width = 0, height = 0;
+  if (size >= 10 && std::memcmp(bytes, "GIF8", 4) == 0) {
+    width = bytes[6] | bytes[7] << 8;
+    height = bytes[8] | bytes[9] << 8;
+  } else if (size >= 24 && std::memcmp(bytes, "\x89PNG", 4) == 0) {
+    auto big32 = [bytes](size_t at) {
+      return uint64_t{bytes[at]} << 24 | uint64_t{bytes[at + 1]} << 16 | bytes[at + 2] << 8 |
+             bytes[at + 3];
+    };
+    width = big32(16);
+    height = big32(20);
+  }
+  return width * height > kPictureLargestPixels;
+}
+
+}  // namespace
+
 MovableHandle ReadPictureBytes(const uint8_t* bytes, size_t size) {
-  if (!bytes || size < 2) return nullptr;
+  if (!bytes || size < 2 || ClaimsTooManyPixels(bytes, size)) return nullptr;
   if (bytes[0] == 'B' && bytes[1] == 'M') return BmpToPackedDib(bytes, size);
   if (bytes[0] == 0xFF && bytes[1] == 0xD8) {
     int32_t width = 0, height = 0;
     std::vector<uint8_t> rgb;
-    if (!ReadJpegBytes(bytes, size, &width, &height, &rgb)) return nullptr;
+    if (!ReadJpegBytes(bytes, size, &width, &height, &rgb, kPictureLargestPixels)) return nullptr;
     return RgbToPackedDib(rgb.data(), width, height);
   }
   ComposedAnimation animation;

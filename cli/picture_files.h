@@ -8,8 +8,12 @@
 
 #include "platform/memory.h"
 
+// The most pixels a picture may have: a tile never needs more, and a file of a few bytes can claim
+// a canvas of hundreds of megabytes.
+constexpr uint64_t kPictureLargestPixels = uint64_t{1} << 26;
+
 // A new Packed DIB of the picture in `size` bytes, told by its content, or null when the bytes
-// are no picture that is read.
+// are no picture that is read or claim more than kPictureLargestPixels.
 MovableHandle ReadPictureBytes(const uint8_t* bytes, size_t size);
 MovableHandle ReadPictureFile(const char* path);
 
