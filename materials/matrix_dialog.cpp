@@ -147,8 +147,13 @@ int OpenMatrixGroup(MatrixDialogState* state, const char* name) {
 int SaveMatrixGroupAs(MatrixDialogState* state, const char* name) {
   char file[kSettingTextSize];
   std::snprintf(file, sizeof file, "%s.%s", name, kMatrixExtension);
+  const char* setting = SettingString("MatrixLibrary");
+  const std::string previous = setting ? setting : "";
   SetMatrixLibrary(file);
-  if (!WriteMatrixFile(&state->list)) return 0;
+  if (!WriteMatrixFile(&state->list)) {
+    SetMatrixLibrary(previous.c_str());  // the group that could not be made never becomes current
+    return 0;
+  }
   state->list.writeable = 1;
   return 1;
 }

@@ -68,7 +68,8 @@ std::string CurrentMatrixGroup();
 // Makes the group `name` current (MatrixLibrary becomes "name.MTX") and reads it; ReadMatrixFile's
 // result. The list is kept as it was when the group can't be opened.
 int OpenMatrixGroup(MatrixDialogState* state, const char* name);
-// Writes the list to a new group `name`, which becomes current and writeable. Returns 1 or 0.
+// Writes the list to a new group `name`, which becomes current and writeable. Returns 1, or 0
+// with the current group unchanged when the file can't be written.
 int SaveMatrixGroupAs(MatrixDialogState* state, const char* name);
 // After the current group's file went: the primary group becomes current again and is read.
 int ReturnToPrimaryGroup(MatrixDialogState* state);

@@ -104,6 +104,8 @@ TEST_F(MatrixDialog, GroupsAreSavedListedOpenedAndLeft) {
   int read = 0;
   ASSERT_EQ(BeginMatrixDialog(&state, &target_, &read), 1);
   state.list.writeable = 0;
+  EXPECT_EQ(SaveMatrixGroupAs(&state, "no/such/folder"), 0);
+  EXPECT_STREQ(SettingString("MatrixLibrary"), kMatrixDefaultFile);
   ASSERT_EQ(SaveMatrixGroupAs(&state, "Bricks"), 1);
   EXPECT_STREQ(SettingString("MatrixLibrary"), "Bricks.MTX");
   EXPECT_EQ(CurrentMatrixGroup(), "Bricks");
