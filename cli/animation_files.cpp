@@ -7,6 +7,7 @@
 
 #include <cstring>
 
+#include "cli/picture_files.h"
 #include "host/bmp_file.h"
 #include "shell/host_interface.h"
 #include "shell/packed_dib.h"

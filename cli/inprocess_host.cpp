@@ -2,6 +2,7 @@
 #include "cli/inprocess_host.h"
 
 #include "cli/animation_files.h"
+#include "cli/picture_files.h"
 
 #include <unistd.h>
 
@@ -66,6 +67,7 @@ void BeginInProcessHost(InProcessHost* host, int32_t trueColour, ProgressBar* pr
   host->record.capabilities = trueColour ? kHostTrueColourOffered : kHostIndexed;
   host->progress = progress;
   host->trueColour = trueColour;
+  host->session.readPicture = ReadPictureFile;
   activeHost = host;
 }
 

@@ -216,6 +216,13 @@ bool RunStep(const std::string& step, DWORD waited) {
   HWND dialog = ActiveDialog(false);
   if (!dialog) return false;
   if (word == "wait-dialog") return true;
+  if (word == "wait-caption") {
+    const size_t space = step.find(' ');
+    const std::string wanted = space == std::string::npos ? "" : step.substr(space + 1);
+    char caption[256] = "";
+    GetWindowTextA(dialog, caption, sizeof caption);
+    return wanted == caption;
+  }
   HWND control = GetDlgItem(dialog, id);
   std::string prefix = word + " id=" + std::to_string(id);
   if (word == "click") {
@@ -240,6 +247,16 @@ bool RunStep(const std::string& step, DWORD waited) {
     in >> row;
     SendMessageA(control, CB_SETCURSEL, row, 0);
     PostCommand(dialog, id, CBN_SELCHANGE);
+  } else if (word == "select-list") {
+    int row = 0;
+    in >> row;
+    SendMessageA(control, LB_SETCURSEL, row, 0);
+    PostCommand(dialog, id, LBN_SELCHANGE);
+  } else if (word == "post-command") {
+    int command = 0;
+    in >> command;
+    if (control) PostMessageA(control, WM_COMMAND, static_cast<WPARAM>(command), 0);
+    Log(prefix + " command=" + std::to_string(command) + " found=" + (control ? "1" : "0"));
   } else if (word == "select-text") {
     std::string text;
     std::getline(in >> std::ws, text);

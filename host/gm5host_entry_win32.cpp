@@ -17,6 +17,7 @@
 
 #include "host/dialog_driver.h"
 #include "host/host_session.h"
+#include "host/picture_file_win32.h"
 #include "host/import_watch.h"
 #include "shell/host_interface.h"
 
@@ -89,6 +90,7 @@ int main(int argc, char** argv) {
   FILE* log = options.log.empty() ? stdout : fopen(options.log.c_str(), "w");
   if (!log) return 3;
   session.log = log;
+  session.readPicture = ReadHostPictureFile;
   session.dumpFolder = options.dump;
 
   std::vector<std::string> steps;

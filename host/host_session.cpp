@@ -284,8 +284,13 @@ uint64_t Serve(HostSession* session, void* object, int32_t opcode, uint64_t a, u
     case HostOpLoadImageFile: {
       std::string path = BoundedText(b, 1024);
       line->Text("path", path);
-      std::vector<uint8_t> bytes = ReadWholeFile(path.c_str());
-      MovableHandle dib = BmpToPackedDib(bytes.data(), bytes.size());
+      MovableHandle dib = nullptr;
+      if (session->readPicture) {
+        dib = session->readPicture(path.c_str());
+      } else {
+        std::vector<uint8_t> bytes = ReadWholeFile(path.c_str());
+        dib = BmpToPackedDib(bytes.data(), bytes.size());
+      }
       if (!dib) return line->Refuse("unreadable");
       return reinterpret_cast<uint64_t>(dib);
     }

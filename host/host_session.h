@@ -53,6 +53,9 @@ struct HostSession {
   std::vector<std::string> animationFrames;  // else BMP files of the AnimationBlock; none: cancelled
   std::map<std::string, std::unique_ptr<HostSettingValue>> settings;
   std::set<int32_t> refused;  // opcodes answered with 0
+  // Reads the picture file for HostOpLoadImageFile as a new Packed DIB, or null; without one only
+  // BMP files are read.
+  MovableHandle (*readPicture)(const char* path) = nullptr;
   uint64_t registered = 1;
   int32_t dialogWidth = 0, dialogHeight = 0;
   long calls = 0;

@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "materials/texture_generator.h"
+#include "materials/tile.h"
 #include "shell/packed_dib.h"
 #include "text/image_copy.h"
 
@@ -80,12 +81,16 @@ MovableHandle MaterialFill(Material* material, int32_t width, int32_t height) {
       }
       break;
     }
-    case kMaterialTile:
+    case kMaterialTile: {
       material->tileRect[0] = 0;
       material->tileRect[1] = 0;
       material->tileRect[2] = width;
       material->tileRect[3] = height;
-      return nullptr;
+      TileRef tile;
+      GetMaterialTile(material, &tile);
+      source = TileFill(&tile);
+      break;
+    }
     default:
       return image.Release();  // an unknown kind fills black rather than failing
   }

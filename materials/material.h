@@ -77,5 +77,5 @@ MovableHandle CentredCrop(MovableHandle square, int32_t width, int32_t height);
 // A new width by height 24-bit Packed DIB of the material's fill, owned by the caller, or null.
 // Writes the fill size into the record first, so `material` must be writable. Kinds other than
 // the four known ones give a black image; a texture type outside the generator table fails.
-// Tile fills are not available yet and fail.
+// A Tile fill without a loadable tile uses the default tile rather than failing.
 MovableHandle MaterialFill(Material* material, int32_t width, int32_t height);

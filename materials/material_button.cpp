@@ -7,6 +7,7 @@
 
 #include "imaging/palette.h"
 #include "materials/record_hex.h"
+#include "materials/tile.h"
 #include "shell/packed_dib.h"
 
 MovableHandle CreateButtonMaterial(uint32_t creationColour) {
@@ -127,6 +128,7 @@ int ReadMaterialDocumentLine(const char* line, MovableHandle* material) {
   Material* record = reinterpret_cast<Material*>(lock.bytes);
   record->tileImage = nullptr;
   record->preview = nullptr;
+  ReloadMaterialTile(record);
 
   FreeButtonMaterial(*material);
   *material = block.Release();

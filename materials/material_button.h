@@ -74,6 +74,7 @@ std::string MaterialDocumentLine(int32_t controlId, MovableHandle material);
 // Reads a document line into a new block. A line that does not begin with "MATLBT" (any case), or
 // whose text after "=" and blanks holds a character other than a hex digit, fails and leaves
 // `*material` as it was. Short text decodes as far as it goes, the rest of the record zero. The
-// run-time handles in the text belong to the run that wrote it and are cleared. On success the old
+// run-time handles in the text belong to the run that wrote it and are cleared, and the tile is
+// loaded again from the current matrix group (ReloadMaterialTile). On success the old
 // block and its images are freed and `*material` is the new block. Returns 1 or 0.
 int ReadMaterialDocumentLine(const char* line, MovableHandle* material);

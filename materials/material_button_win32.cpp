@@ -13,6 +13,7 @@
 #include "materials/gradient_dialog_win32.h"
 #include "materials/material_button.h"
 #include "materials/material_file.h"
+#include "materials/matrix_dialog_win32.h"
 #include "shell/paint_dib_win32.h"
 #include "platform/win32/code_module_win32.h"
 
@@ -174,20 +175,39 @@ void EditGradient(HWND window) {
   NotifyParent(window, kMaterialGradient);
 }
 
+// The Tile editor: the Matrix dialog on the tile part; on OK the dialog has freed the old image,
+// and the record takes the picked tile at once.
+void EditTile(HWND window) {
+  TileRef tile;
+  {
+    ScopedButtonMaterial held(AsHandle(window));
+    if (!held.material) return;
+    GetMaterialTile(held.material, &tile);
+  }
+  if (RunMatrixDialog(AsHandle(GetParent(window)), &tile))
+    ChangeMaterial(window, 1, 0, [&tile](Material* m) { SetMaterialTile(m, &tile); });
+}
+
 void OpenEditor(HWND window) {
   Material* material = MaterialForButton(AsHandle(window));
   if (!material) return;
   const int32_t kind = material->kind;
   uint32_t colour = material->solidColour;
   MovableUnlock(HeldMaterial(window));
-  if (kind == kMaterialGradient) {
-    EditGradient(window);
-    return;
+  switch (kind) {
+    case kMaterialSimple:
+      if (ChooseColour(AsHandle(GetParent(window)), &colour))
+        ChangeMaterial(window, 1, 0, [colour](Material* m) { m->solidColour = colour; });
+      break;
+    case kMaterialGradient:
+      EditGradient(window);
+      return;  // the Gradient editor tells the parent itself
+    case kMaterialTile:
+      EditTile(window);
+      break;
+    default:
+      return;  // the texture editor is not part of this build
   }
-  // The texture and tile editors are not part of this build.
-  if (kind != kMaterialSimple) return;
-  if (ChooseColour(AsHandle(GetParent(window)), &colour))
-    ChangeMaterial(window, 1, 0, [colour](Material* m) { m->solidColour = colour; });
   NotifyParent(window, kind);
 }
 

@@ -8,6 +8,7 @@
 
 #include "materials/data_folder.h"
 #include "materials/material_button.h"
+#include "materials/tile.h"
 
 namespace {
 
@@ -106,6 +107,7 @@ MovableHandle LoadButtonMaterial(int32_t controlId, uint32_t creationColour, int
     ReadMaterialFile(path, material);
   material->tileImage = nullptr;
   material->preview = nullptr;
+  ReloadMaterialTile(material);
   return block.Release();
 }
 

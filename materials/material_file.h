@@ -29,7 +29,8 @@ int ReadMaterialFile(const char* path, Material* material);
 int WriteMaterialFile(const char* path, const Material* material);
 
 // A new button record: the defaults with `creationColour` as its Simple colour, replaced by the
-// button's file unless `ignoreFile` (Shift held). Handles cleared. Null when memory fails.
+// button's file unless `ignoreFile` (Shift held). Handles cleared, then the tile loaded from the
+// current matrix group (ReloadMaterialTile). Null when memory fails.
 MovableHandle LoadButtonMaterial(int32_t controlId, uint32_t creationColour, int ignoreFile);
 // Frees the record's images, writes it to the button's file and frees the block. Returns 1 when
 // the file was written. A null handle writes nothing.

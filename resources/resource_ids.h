@@ -45,3 +45,17 @@
 #define IDC_ALPHA_BACKGROUND 63
 #define IDC_FIT_SAMPLE 64
 #define IDC_UPDOWN_OFFSET 10000
+
+// The default matrix tile, a 24-bit bitmap of 90 by 90 pixels.
+#define IDB_DEFAULT_TILE 9908
+
+// The Matrix dialog and the dialog that names a new matrix group.
+#define IDD_MATRIX 9981
+#define IDC_MATRIX_PREVIEW 101
+#define IDC_MATRIX_TILES 102
+#define IDC_MATRIX_ADD 103
+#define IDC_MATRIX_DELETE 104
+#define IDC_MATRIX_SIZE 106
+#define IDC_MATRIX_GROUP 108
+#define IDD_MATRIX_NAME 9967
+#define IDC_MATRIX_NAME_TEXT 4020

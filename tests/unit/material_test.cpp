@@ -40,12 +40,13 @@ TEST(MaterialFill, KindsGiveTwentyFourBitImagesOfTheAskedSize) {
     ASSERT_TRUE(lock);
     EXPECT_EQ(ReadDibPixel(lock.bytes, 2, 2), 0u);
   }
-  const long live = MovableLiveCount();
-  m.kind = kMaterialTile;
-  EXPECT_EQ(MaterialFill(&m, 7, 9), nullptr);
-  EXPECT_EQ(m.tileRect[2], 7);
-  EXPECT_EQ(m.tileRect[3], 9);
-  EXPECT_EQ(MovableLiveCount(), live);
+  m.kind = kMaterialTile;  // no tile loaded: the default tile, not a failure
+  {
+    ScopedBlock tile(MaterialFill(&m, 7, 9));
+    EXPECT_NE(tile.handle, nullptr);
+    EXPECT_EQ(m.tileRect[2], 7);
+    EXPECT_EQ(m.tileRect[3], 9);
+  }
   m.kind = kMaterialGradient;
   m.gradient.type = kGradientElliptical;
   m.gradient.twoColour = 0;
@@ -153,7 +154,9 @@ TEST(MaterialButton, PreviewAverageCaptionAndDuplicate) {
     // A failed fill keeps the old preview and its average.
     const MovableHandle before = m->preview;
     m->kind = kMaterialTile;
+    MovableFailAllocation(1);
     EXPECT_EQ(RefreshMaterialPreview(m, 6, 4), 0);
+    MovableFailAllocation(0);
     EXPECT_EQ(m->preview, before);
     EXPECT_EQ(m->averageColour, 0x204060u);
   }
