@@ -2,8 +2,6 @@
 //   gm5_manual --html DIR/RFDPLGM5.HTML --pictures FOLDER   pictures taken from DIR/FOLDER
 //   gm5_manual --man DIR/gm5.1
 // The build runs it; each file is written whole to a temporary name and renamed into place.
-#include <sys/stat.h>
-
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -31,11 +29,25 @@ int WriteWhole(const std::string& path, const std::string& text) {
   return 1;
 }
 
-// A picture is shown when its file is there and not empty.
-int PictureInFolder(const std::string& file, void* context) {
-  struct stat info;
+// A picture is shown when its file is there and not empty. Its size comes from its header: a
+// PNG's IHDR (big-endian, bytes 16 to 23) or a GIF's logical screen (little-endian, bytes 6 to 9).
+int PictureInFolder(const std::string& file, void* context, int32_t* width, int32_t* height) {
   const std::string path = *static_cast<const std::string*>(context) + "/" + file;
-  return stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode) && info.st_size > 0;
+  std::FILE* picture = std::fopen(path.c_str(), "rb");
+  if (!picture) return 0;
+  unsigned char head[24] = {};
+  const size_t got = std::fread(head, 1, sizeof head, picture);
+  std::fclose(picture);
+  if (got == 0) return 0;
+  *width = *height = 0;
+  if (got == sizeof head && std::memcmp(head, "\x89PNG", 4) == 0) {
+    *width = (head[16] << 24) | (head[17] << 16) | (head[18] << 8) | head[19];
+    *height = (head[20] << 24) | (head[21] << 16) | (head[22] << 8) | head[23];
+  } else if (got >= 10 && std::memcmp(head, "GIF", 3) == 0) {
+    *width = head[6] | (head[7] << 8);
+    *height = head[8] | (head[9] << 8);
+  }
+  return 1;
 }
 
 }  // namespace

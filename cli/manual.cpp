@@ -359,7 +359,7 @@ const char kStyle[] =
     "table{border-collapse:collapse;margin:.6em 0;font-size:.92em}"
     "th,td{border:1px solid #c8cdd6;padding:.25em .6em;text-align:left;vertical-align:top}"
     "th{background:#e6ecf5}"
-    "figure{margin:1em 0}figure img{max-width:100%;border:1px solid #c8cdd6}"
+    "figure{margin:1em 0}figure img{max-width:100%;height:auto;border:1px solid #c8cdd6}"
     "figcaption{font-size:.9em;color:#555}"
     "nav ol{columns:2}.lead{font-size:1.1em;color:#444}";
 
@@ -378,9 +378,13 @@ void HtmlControls(const std::vector<ControlRow>& rows, std::string* out) {
 void HtmlPicture(const std::string& file, const std::string& caption, const std::string& folder,
                  PictureExists exists, void* context, std::string* out) {
   *out += "<figure>";
-  if (exists(file, context))
-    *out += "<img src=\"" + EscapeHtml(folder + "/" + file) + "\" alt=\"" + EscapeHtml(caption) +
-            "\">";
+  int32_t width = 0, height = 0;
+  if (exists(file, context, &width, &height)) {
+    *out += "<img src=\"" + EscapeHtml(folder + "/" + file) + "\" alt=\"" + EscapeHtml(caption) + "\"";
+    if (width > 0 && height > 0)
+      *out += " width=\"" + std::to_string(width) + "\" height=\"" + std::to_string(height) + "\"";
+    *out += ">";
+  }
   *out += "<figcaption>" + EscapeHtml(caption) + "</figcaption></figure>\n";
 }
 

@@ -74,8 +74,11 @@ struct ControlRow {
 // are those of the settings when the control has one, else those of the table.
 std::vector<ControlRow> ControlRows(const PageTable& table);
 
-// Lets the caller see which pictures exist: returns nonzero when `file` is in the picture folder.
-typedef int (*PictureExists)(const std::string& file, void* context);
+// Lets the caller see which pictures exist: returns nonzero when `file` is in the picture folder,
+// with its size in pixels (0 by 0 when it is not known), which the document states so that its
+// layout stands before the pictures arrive.
+typedef int (*PictureExists)(const std::string& file, void* context, int32_t* width,
+                             int32_t* height);
 
 // The writers take the effects' page tables by style (21 of them): the program's own by default.
 

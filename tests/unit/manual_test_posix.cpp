@@ -41,7 +41,7 @@ std::vector<ManualSection> Sections() {
   return sections;
 }
 
-int NoPictures(const std::string&, void*) {
+int NoPictures(const std::string&, void*, int32_t*, int32_t*) {
   return 0;
 }
 
