@@ -176,6 +176,18 @@ std::string LastKeyWord(const char* key) {
   return last;
 }
 
+// Controls without a caption of their own, named as a reader sees them. The direction boxes of
+// Arrows sit in a cross, and each box means the way its position shows, whatever its key says.
+const struct {
+  const char* key;
+  const char* name;
+} kUncaptionedControls[] = {
+    {"Style007DirNorth", "Fly up (upper box)"},
+    {"Style007DirEast", "Fly left (left box)"},
+    {"Style007DirSouth", "Fly down (lower box)"},
+    {"Style007DirWest", "Fly right (right box)"},
+};
+
 const char* const kShadowCells[] = {"up and left",   "up",   "up and right", "right",
                                     "left",          "down and left", "down", "down and right"};
 const char* const kScroll4Cells[] = {"up", "right", "left", "down"};
@@ -536,6 +548,9 @@ std::vector<ControlRow> ControlRows(const PageTable& table) {
     row.key = c.key ? c.key : "";
     if (!DescribeControl(c, &row)) continue;
     row.name = CleanCaption(c.caption);
+    for (const auto& uncaptioned : kUncaptionedControls)
+      if (row.name.empty() && c.key && std::strcmp(c.key, uncaptioned.key) == 0)
+        row.name = uncaptioned.name;
     if (row.name.empty()) row.name = label + " " + LastKeyWord(c.key);
     // An "Enable" check enables the colour its key numbers (FillEnable3: "Color 3"), else the
     // control before it; a second "Opacity" is told apart by its key.
