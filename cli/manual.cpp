@@ -310,6 +310,11 @@ std::string EscapeMan(const std::string& text) {
   return out;
 }
 
+// A roff text line: one that would start with a control character is guarded by "\&".
+std::string TextLine(const std::string& line) {
+  return !line.empty() && (line[0] == '.' || line[0] == '\'') ? "\\&" + line : line;
+}
+
 std::string Escape(const std::string& text, InlineTarget target) {
   return target == InlineHtml ? EscapeHtml(text) : target == InlineMan ? EscapeMan(text) : text;
 }
@@ -619,10 +624,10 @@ std::string FormatManualPage(const std::vector<ManualSection>& sections, const c
           }
           break;
         case ManualParagraph:
-          out += ".PP\n" + Inline(b.text, InlineMan) + "\n";
+          out += ".PP\n" + TextLine(Inline(b.text, InlineMan)) + "\n";
           break;
         case ManualItem:
-          out += ".IP \\(bu 2\n" + Inline(b.text, InlineMan) + "\n";
+          out += ".IP \\(bu 2\n" + TextLine(Inline(b.text, InlineMan)) + "\n";
           break;
         case ManualCode:
           if (!inCode) out += ".PP\n.RS 4\n.EX\n";
@@ -635,7 +640,7 @@ std::string FormatManualPage(const std::vector<ManualSection>& sections, const c
           for (const ControlRow& r : ControlRows(TableOf(s, b, pages))) {
             out += ".TP\n\\fB" + EscapeMan(r.name) + "\\fR (id " + std::to_string(r.id) +
                    (r.key.empty() ? "" : ", \\fB" + EscapeMan(r.key) + "\\fR") + ")\n";
-            out += EscapeMan(r.takes) + "; default " + EscapeMan(r.value) + ".\n";
+            out += TextLine(EscapeMan(r.takes) + "; default " + EscapeMan(r.value)) + ".\n";
           }
           break;
         case ManualPicture:

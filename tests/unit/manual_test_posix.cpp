@@ -166,6 +166,20 @@ TEST(Manual, ManPageRendersWithoutWarningsAndHoldsEveryEffect) {
   for (int32_t row = 0; row < kEffectCount; ++row)
     EXPECT_NE(page.find(std::string("\n.SS ") + EffectTable[row].name + "\n"), std::string::npos)
         << EffectTable[row].name;
+  // Text that would read as a roff request is guarded, in paragraphs, items and preformatted lines.
+  std::vector<ManualSource> sources;
+  for (int32_t i = 0; i < kManualSourceCount; ++i)
+    if (std::string(kManualSources[i].name) != "gm5") sources.push_back(kManualSources[i]);
+  sources.push_back({"gm5", "= gm5 {GM5}\n\n== Files\n\n.gm5 documents\n\n- 'quoted' item\n\n    .x\n"});
+  std::vector<ManualSection> sections;
+  std::string error;
+  ResetSettings();
+  ASSERT_TRUE(ReadManual(sources.data(), static_cast<int32_t>(sources.size()), &sections, &error));
+  const std::string guarded = FormatManualPage(sections, "1");
+  EXPECT_NE(guarded.find("\n.SH FILES\n.PP\n\\&.gm5 documents\n"), std::string::npos);
+  EXPECT_NE(guarded.find("\n\\&'quoted' item\n"), std::string::npos);
+  EXPECT_NE(guarded.find("\n\\&.x\n"), std::string::npos);
+
   if (std::system("command -v groff >/dev/null 2>&1") != 0) GTEST_SKIP() << "no groff";
   FILE* pipe = popen(("groff -ww -man -z " GM5_MANUAL_PAGE " 2>&1"), "r");
   ASSERT_NE(pipe, nullptr);
