@@ -55,10 +55,14 @@ int PictureInFolder(const std::string& file, void* context, int32_t* width, int3
 int main(int argc, char** argv) {
   std::string html, man, pictures = "RFDPLGM5_files";
   for (int i = 1; i + 1 < argc; i += 2) {
-    if (std::strcmp(argv[i], "--html") == 0) html = argv[i + 1];
-    else if (std::strcmp(argv[i], "--man") == 0) man = argv[i + 1];
-    else if (std::strcmp(argv[i], "--pictures") == 0) pictures = argv[i + 1];
-    else return Fail(std::string("unknown option: ") + argv[i]);
+    if (std::strcmp(argv[i], "--html") == 0)
+      html = argv[i + 1];
+    else if (std::strcmp(argv[i], "--man") == 0)
+      man = argv[i + 1];
+    else if (std::strcmp(argv[i], "--pictures") == 0)
+      pictures = argv[i + 1];
+    else
+      return Fail(std::string("unknown option: ") + argv[i]);
   }
   if ((argc - 1) % 2 != 0 || (html.empty() && man.empty()))
     return Fail("usage: gm5_manual [--html OUT.HTML [--pictures FOLDER]] [--man OUT.1]");
@@ -69,8 +73,8 @@ int main(int argc, char** argv) {
   if (!ReadManual(kManualSources, kManualSourceCount, &sections, &error)) return Fail(error);
   if (!html.empty()) {
     const size_t slash = html.find_last_of('/');
-    std::string folder = (slash == std::string::npos ? std::string(".") : html.substr(0, slash)) +
-                         "/" + pictures;
+    std::string folder =
+        (slash == std::string::npos ? std::string(".") : html.substr(0, slash)) + "/" + pictures;
     if (!WriteWhole(html, FormatManualHtml(sections, pictures, PictureInFolder, &folder)))
       return Fail("cannot write " + html);
   }

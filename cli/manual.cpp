@@ -60,8 +60,8 @@ int ParseSource(const ManualSource& source, ManualSection* section, std::string*
   section->title = Trim(lines[0].substr(2, brace - 2));
   section->anchor = lines[0].substr(brace + 2, lines[0].size() - brace - 3);
   for (char c : section->anchor) {
-    if (!std::isupper(static_cast<unsigned char>(c)) && !std::isdigit(static_cast<unsigned char>(c)) &&
-        c != '_') {
+    if (!std::isupper(static_cast<unsigned char>(c)) &&
+        !std::isdigit(static_cast<unsigned char>(c)) && c != '_') {
       *error = Where(source.name, 1) + "an anchor is capitals, digits and \"_\"";
       return 0;
     }
@@ -117,7 +117,8 @@ int ParseSource(const ManualSource& source, ManualSection* section, std::string*
   return 1;
 }
 
-const ManualSource* FindSource(const ManualSource* sources, int32_t count, const std::string& name) {
+const ManualSource* FindSource(const ManualSource* sources, int32_t count,
+                               const std::string& name) {
   for (int32_t i = 0; i < count; ++i)
     if (name == sources[i].name) return &sources[i];
   return nullptr;
@@ -188,8 +189,8 @@ const struct {
     {"Style007DirWest", "Fly right (right box)"},
 };
 
-const char* const kShadowCells[] = {"up and left",   "up",   "up and right", "right",
-                                    "left",          "down and left", "down", "down and right"};
+const char* const kShadowCells[] = {"up and left",   "up",   "up and right",  "right", "left",
+                                    "down and left", "down", "down and right"};
 const char* const kScroll4Cells[] = {"up", "right", "left", "down"};
 const char* const kScroll2Cells[] = {"left", "right"};
 const char* const kScrollHVCells[] = {"horizontal", "vertical"};
@@ -242,7 +243,7 @@ int DescribeControl(const PageControl& c, ControlRow* row) {
         for (int32_t r = 0; r < kEffectCount; ++r) rows.push_back(EffectTable[r].name);
       row->takes = "one of " + JoinRows(rows);
       row->value = value >= 0 && value < static_cast<int32_t>(rows.size()) ? rows[value]
-                                                                             : std::to_string(value);
+                                                                           : std::to_string(value);
       return 1;
     }
     case kControlShadowPicker:
@@ -289,11 +290,20 @@ std::string EscapeHtml(const std::string& text) {
   std::string out;
   for (char c : text) {
     switch (c) {
-      case '&': out += "&amp;"; break;
-      case '<': out += "&lt;"; break;
-      case '>': out += "&gt;"; break;
-      case '"': out += "&quot;"; break;
-      default: out += c;
+      case '&':
+        out += "&amp;";
+        break;
+      case '<':
+        out += "&lt;";
+        break;
+      case '>':
+        out += "&gt;";
+        break;
+      case '"':
+        out += "&quot;";
+        break;
+      default:
+        out += c;
     }
   }
   return out;
@@ -303,9 +313,12 @@ std::string EscapeHtml(const std::string& text) {
 std::string EscapeMan(const std::string& text) {
   std::string out;
   for (char c : text) {
-    if (c == '\\') out += "\\e";
-    else if (c == '-') out += "\\-";
-    else out += c;
+    if (c == '\\')
+      out += "\\e";
+    else if (c == '-')
+      out += "\\-";
+    else
+      out += c;
   }
   return out;
 }
@@ -327,9 +340,12 @@ std::string Inline(const std::string& text, InlineTarget target) {
       size_t end = text.find('`', i + 1);
       if (end != std::string::npos) {
         std::string code = text.substr(i + 1, end - i - 1);
-        if (target == InlineHtml) out += "<code>" + EscapeHtml(code) + "</code>";
-        else if (target == InlineMan) out += "\\fB" + EscapeMan(code) + "\\fR";
-        else out += code;
+        if (target == InlineHtml)
+          out += "<code>" + EscapeHtml(code) + "</code>";
+        else if (target == InlineMan)
+          out += "\\fB" + EscapeMan(code) + "\\fR";
+        else
+          out += code;
         i = end + 1;
         continue;
       }
@@ -337,9 +353,12 @@ std::string Inline(const std::string& text, InlineTarget target) {
       size_t end = text.find("**", i + 2);
       if (end != std::string::npos) {
         std::string bold = Inline(text.substr(i + 2, end - i - 2), target);
-        if (target == InlineHtml) out += "<b>" + bold + "</b>";
-        else if (target == InlineMan) out += "\\fB" + bold + "\\fR";
-        else out += bold;
+        if (target == InlineHtml)
+          out += "<b>" + bold + "</b>";
+        else if (target == InlineMan)
+          out += "\\fB" + bold + "\\fR";
+        else
+          out += bold;
         i = end + 2;
         continue;
       }
@@ -381,8 +400,9 @@ const char kStyle[] =
     "nav ol{columns:2}.lead{font-size:1.1em;color:#444}";
 
 void HtmlControls(const std::vector<ControlRow>& rows, std::string* out) {
-  *out += "<table class=\"controls\">\n<tr><th>Control</th><th>Takes</th><th>Default</th>"
-          "<th>Id</th><th>Setting</th></tr>\n";
+  *out +=
+      "<table class=\"controls\">\n<tr><th>Control</th><th>Takes</th><th>Default</th>"
+      "<th>Id</th><th>Setting</th></tr>\n";
   for (const ControlRow& r : rows) {
     *out += "<tr><td>" + EscapeHtml(r.name) + "</td><td>" + EscapeHtml(r.takes) + "</td><td>" +
             EscapeHtml(r.value) + "</td><td>" + std::to_string(r.id) + "</td><td>" +
@@ -397,7 +417,8 @@ void HtmlPicture(const std::string& file, const std::string& caption, const std:
   *out += "<figure>";
   int32_t width = 0, height = 0;
   if (exists(file, context, &width, &height)) {
-    *out += "<img src=\"" + EscapeHtml(folder + "/" + file) + "\" alt=\"" + EscapeHtml(caption) + "\"";
+    *out +=
+        "<img src=\"" + EscapeHtml(folder + "/" + file) + "\" alt=\"" + EscapeHtml(caption) + "\"";
     if (width > 0 && height > 0)
       *out += " width=\"" + std::to_string(width) + "\" height=\"" + std::to_string(height) + "\"";
     *out += ">";
@@ -406,7 +427,7 @@ void HtmlPicture(const std::string& file, const std::string& caption, const std:
 }
 
 const PageTable& TableOf(const ManualSection& section, const ManualBlock& block,
-                        const PageTable* pages) {
+                         const PageTable* pages) {
   return block.file == "main" ? kMainDialogTable : pages[EffectStyle[section.effectRow]];
 }
 
@@ -462,8 +483,8 @@ void HtmlSection(const ManualSection& section, const std::string& folder, Pictur
 
 // ---- text ----
 
-void Wrap(const std::string& text, const std::string& first, const std::string& rest,
-          int32_t width, std::string* out) {
+void Wrap(const std::string& text, const std::string& first, const std::string& rest, int32_t width,
+          std::string* out) {
   std::string line = first;
   size_t lineStart = 0;  // words already on the line beyond the indent
   size_t i = 0;
@@ -560,11 +581,13 @@ std::vector<ControlRow> ControlRows(const PageTable& table) {
     // An "Enable" check enables the colour its key numbers (FillEnable3: "Color 3"), else the
     // control before it; a second "Opacity" is told apart by its key.
     const size_t keyLength = c.key ? std::strlen(c.key) : 0;
-    if (row.name == "Enable" && keyLength && std::isdigit(static_cast<unsigned char>(c.key[keyLength - 1])))
+    if (row.name == "Enable" && keyLength &&
+        std::isdigit(static_cast<unsigned char>(c.key[keyLength - 1])))
       row.name = std::string("Color ") + c.key[keyLength - 1] + " enable";
     else if (row.name == "Enable" && !previous.empty())
       row.name = previous + " enable";
-    if (row.name == "Opacity" && c.key && std::strstr(c.key, "FillOpacity")) row.name = "Fill opacity";
+    if (row.name == "Opacity" && c.key && std::strstr(c.key, "FillOpacity"))
+      row.name = "Fill opacity";
     if (row.name == "Opacity" && c.key && std::strstr(c.key, "ShadowOpacity"))
       row.name = "Shadow opacity";
     if (c.kind != kControlCheckBox) previous = row.name;
@@ -580,9 +603,10 @@ std::string FormatManualHtml(const std::vector<ManualSection>& sections, const s
       "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
       "<title>Glyph Motion #5: user's manual</title>\n<style>";
   out += kStyle;
-  out += "</style></head>\n<body>\n<h1>Glyph Motion #5</h1>\n"
-         "<p class=\"lead\">The user's manual of the text-animation plug-in and of gm5, its "
-         "command-line renderer.</p>\n";
+  out +=
+      "</style></head>\n<body>\n<h1>Glyph Motion #5</h1>\n"
+      "<p class=\"lead\">The user's manual of the text-animation plug-in and of gm5, its "
+      "command-line renderer.</p>\n";
   for (size_t i = 0; i < sections.size(); ++i) {
     HtmlSection(sections[i], folder, exists, context, pages, &out);
     if (i == 0) {
@@ -617,7 +641,8 @@ std::string FormatManualPage(const std::vector<ManualSection>& sections, const c
         case ManualSubheading:
           if (subheadingIsSection) {
             std::string upper;
-            for (char c : b.text) upper += static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+            for (char c : b.text)
+              upper += static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
             out += ".SH " + Inline(upper, InlineMan) + "\n";
           } else {
             out += ".SS " + Inline(b.text, InlineMan) + "\n";
@@ -652,20 +677,21 @@ std::string FormatManualPage(const std::vector<ManualSection>& sections, const c
   };
   for (const ManualSection& s : sections)
     if (s.anchor == "GM5") blocks(s, 1);
-  out += ".SH EFFECTS\n.PP\nEach effect's page, as \\fBgm5 controls\\fR \\fIEFFECT\\fR lists it; "
-         "\\fBgm5 help\\fR \\fIEFFECT\\fR prints one of these sections.\n";
+  out +=
+      ".SH EFFECTS\n.PP\nEach effect's page, as \\fBgm5 controls\\fR \\fIEFFECT\\fR lists it; "
+      "\\fBgm5 help\\fR \\fIEFFECT\\fR prints one of these sections.\n";
   for (const ManualSection& s : sections) {
     if (s.effectRow < 0) continue;
     out += ".SS " + EscapeMan(s.title) + "\n";
     blocks(s, 0);
   }
-  out += ".SH SEE ALSO\n.PP\n\\fBRFDPLGM5.HTML\\fR, the full manual with pictures, installed "
-         "with this page.\n";
+  out +=
+      ".SH SEE ALSO\n.PP\n\\fBRFDPLGM5.HTML\\fR, the full manual with pictures, installed "
+      "with this page.\n";
   return out;
 }
 
-std::string FormatManualText(const ManualSection& section, int32_t width,
-                             const PageTable* pages) {
+std::string FormatManualText(const ManualSection& section, int32_t width, const PageTable* pages) {
   std::string out = section.title + "\n" + std::string(section.title.size(), '=') + "\n";
   ManualBlockKind last = ManualSubheading;
   for (const ManualBlock& b : section.blocks) {
@@ -703,7 +729,9 @@ std::string FormatManualText(const ManualSection& section, int32_t width,
 const ManualSection* FindEffectSection(const std::vector<ManualSection>& sections,
                                        const std::string& name) {
   std::string wanted;
-  for (char c : name) wanted += c == ' ' || c == '-' ? '_' : static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  for (char c : name)
+    wanted +=
+        c == ' ' || c == '-' ? '_' : static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
   for (const ManualSection& s : sections)
     if (s.effectRow >= 0 && s.anchor == wanted) return &s;
   return nullptr;

@@ -50,10 +50,12 @@ TEST(Manual, BuiltDocumentHasEveryHelpTopicEffectAndResolvesItsPicturesAndLinks)
   ASSERT_FALSE(html.empty()) << GM5_MANUAL_HTML;
   std::set<std::string> ids;
   const std::regex id("id=\"([^\"]+)\"");
-  for (auto it = std::sregex_iterator(html.begin(), html.end(), id); it != std::sregex_iterator(); ++it)
+  for (auto it = std::sregex_iterator(html.begin(), html.end(), id); it != std::sregex_iterator();
+       ++it)
     EXPECT_TRUE(ids.insert((*it)[1]).second) << "anchor twice: " << (*it)[1];
   ASSERT_GT(kHelpTopicCount, 0);
-  for (int32_t i = 0; i < kHelpTopicCount; ++i) EXPECT_TRUE(ids.count(kHelpTopics[i])) << kHelpTopics[i];
+  for (int32_t i = 0; i < kHelpTopicCount; ++i)
+    EXPECT_TRUE(ids.count(kHelpTopics[i])) << kHelpTopics[i];
   for (int32_t row = 0; row < kEffectCount; ++row)
     EXPECT_TRUE(ids.count(EffectAnchor(EffectTable[row].name))) << EffectTable[row].name;
   // The document opens on the preface: nothing with an anchor stands before it.
@@ -68,8 +70,8 @@ TEST(Manual, BuiltDocumentHasEveryHelpTopicEffectAndResolvesItsPicturesAndLinks)
 
   // Every picture the document shows is a file beside it; a missing one is only a caption.
   const std::regex image("<img src=\"([^\"]+)\"");
-  for (auto it = std::sregex_iterator(html.begin(), html.end(), image); it != std::sregex_iterator();
-       ++it) {
+  for (auto it = std::sregex_iterator(html.begin(), html.end(), image);
+       it != std::sregex_iterator(); ++it) {
     struct stat info;
     const std::string path = Folder(GM5_MANUAL_HTML) + "/" + std::string((*it)[1]);
     EXPECT_TRUE(stat(path.c_str(), &info) == 0 && info.st_size > 0) << path;
@@ -97,7 +99,8 @@ TEST(Manual, ControlTablesFollowThePageTablesSoAChangedDefaultChangesEveryForm) 
   }
 
   // Snow's Density with another default, and Frames with another range: the manual follows.
-  std::vector<PageControl> snow(kPageTables[2].controls, kPageTables[2].controls + kPageTables[2].count);
+  std::vector<PageControl> snow(kPageTables[2].controls,
+                                kPageTables[2].controls + kPageTables[2].count);
   for (PageControl& c : snow) {
     if (c.id == 193) c.keyDefault = 77;
     if (c.id == 175) c.range = "2,500,64";
@@ -117,7 +120,8 @@ TEST(Manual, ControlTablesFollowThePageTablesSoAChangedDefaultChangesEveryForm) 
             FormatManualText(*FindEffectSection(sections, "ring"), 78));
 
   const std::string html = FormatManualHtml(sections, "pictures", NoPictures, nullptr);
-  const std::string changedHtml = FormatManualHtml(sections, "pictures", NoPictures, nullptr, changed.data());
+  const std::string changedHtml =
+      FormatManualHtml(sections, "pictures", NoPictures, nullptr, changed.data());
   EXPECT_NE(html.find("<td>64</td><td>193</td>"), std::string::npos);
   EXPECT_NE(changedHtml.find("<td>77</td><td>193</td>"), std::string::npos);
   EXPECT_EQ(changedHtml.find("<td>64</td><td>193</td>"), std::string::npos);
@@ -130,8 +134,7 @@ TEST(Manual, ReaderNamesTheFileAndLineOfABrokenSource) {
   std::string error;
   ASSERT_TRUE(ReadManual(sources.data(), kManualSourceCount, &sections, &error)) << error;
   ASSERT_EQ(sections.size(), static_cast<size_t>(kEffectCount) + 6);
-  for (int32_t row = 0; row < kEffectCount; ++row)
-    EXPECT_EQ(sections[2 + row].effectRow, row);
+  for (int32_t row = 0; row < kEffectCount; ++row) EXPECT_EQ(sections[2 + row].effectRow, row);
 
   struct Case {
     const char* name;
@@ -142,9 +145,12 @@ TEST(Manual, ReaderNamesTheFileAndLineOfABrokenSource) {
       {"effects/snow", nullptr, "docs/manual/effects/snow.txt is missing"},
       {"effects/snow", "= Snow {SNOW}\n\nFlakes \xE2\x80\x94 falling.\n",
        "docs/manual/effects/snow.txt:3: only printable ASCII is allowed"},
-      {"effects/snow", "= Snow {SNOW}\n@movie snow.gif\n", "docs/manual/effects/snow.txt:2: unknown directive"},
-      {"effects/snow", "= Snow {FLAKES}\n", "docs/manual/effects/snow.txt:1: the anchor must be SNOW"},
-      {"output", "= Output {OUTPUT}\n@controls\n", "docs/manual/output.txt:2: @controls outside an effect"},
+      {"effects/snow", "= Snow {SNOW}\n@movie snow.gif\n",
+       "docs/manual/effects/snow.txt:2: unknown directive"},
+      {"effects/snow", "= Snow {FLAKES}\n",
+       "docs/manual/effects/snow.txt:1: the anchor must be SNOW"},
+      {"output", "= Output {OUTPUT}\n@controls\n",
+       "docs/manual/output.txt:2: @controls outside an effect"},
       {"preface", "Welcome\n", "docs/manual/preface.txt:1: the first line must be"},
   };
   for (const Case& c : cases) {
@@ -170,7 +176,8 @@ TEST(Manual, ManPageRendersWithoutWarningsAndHoldsEveryEffect) {
   std::vector<ManualSource> sources;
   for (int32_t i = 0; i < kManualSourceCount; ++i)
     if (std::string(kManualSources[i].name) != "gm5") sources.push_back(kManualSources[i]);
-  sources.push_back({"gm5", "= gm5 {GM5}\n\n== Files\n\n.gm5 documents\n\n- 'quoted' item\n\n    .x\n"});
+  sources.push_back(
+      {"gm5", "= gm5 {GM5}\n\n== Files\n\n.gm5 documents\n\n- 'quoted' item\n\n    .x\n"});
   std::vector<ManualSection> sections;
   std::string error;
   ResetSettings();
