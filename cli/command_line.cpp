@@ -24,6 +24,7 @@ const CommandName kCommands[] = {
     {"preview", CommandPreview},
     {"fonts", CommandFonts},
     {"controls", CommandControls},
+    {"help", CommandHelp},
 };
 
 // Options taking a whole number of at least `least`.
@@ -240,6 +241,8 @@ const char* Gm5Usage() {
          "  controls [EFFECT]            the controls of the main dialog, or of EFFECT's page:\n"
          "                               id, kind, range, current value and label\n"
          "  fonts                        the font names the system has\n"
+         "  help [EFFECT]                the manual's section on EFFECT, as text (the\n"
+         "                               effects' names without one)\n"
          "  settings [KEY]               each setting's value and default (or only KEY's);\n"
          "                               with --path, where the configuration file is\n"
          "  save-document OUT.gm5        write the state the options give as an effect document\n"

@@ -17,6 +17,7 @@ enum Gm5Command : int32_t {
   CommandPreview,
   CommandFonts,
   CommandControls,
+  CommandHelp,
 };
 
 struct CommandLine {

@@ -7,6 +7,7 @@
 
 #include "cli/command_line.h"
 #include "cli/dialog_state.h"
+#include "cli/manual.h"
 #include "cli/render_command.h"
 #include "cli/settings_command.h"
 #include "documents/settings.h"
@@ -97,6 +98,26 @@ int WriteDocument(const CommandLine& line) {
   return ok ? 0 : Fail(error);
 }
 
+// The manual's section on one effect, as text; without an effect, the names help knows.
+int PrintHelp(const CommandLine& line) {
+  if (line.arguments.size() > 1) return Fail("help takes at most one effect");
+  if (HasBuildOptions(line)) return Fail("help takes no options");
+  std::vector<ManualSection> sections;
+  std::string error;
+  ResetSettings();
+  if (!ReadManual(kManualSources, kManualSourceCount, &sections, &error)) return Fail(error);
+  if (line.arguments.empty()) {
+    printf("gm5 help EFFECT prints the manual's section on one effect. The effects:\n");
+    for (const ManualSection& s : sections)
+      if (s.effectRow >= 0) printf("  %s\n", EffectTable[s.effectRow].name);
+    return 0;
+  }
+  const ManualSection* section = FindEffectSection(sections, line.arguments[0]);
+  if (!section) return Fail("unknown effect: " + line.arguments[0] + " (see gm5 effects)");
+  fputs(FormatManualText(*section, 78).c_str(), stdout);
+  return 0;
+}
+
 }  // namespace
 
 // fontconfig keeps part of its parsed configuration for the life of the process; the leak checker
@@ -148,6 +169,9 @@ int main(int argc, char** argv) {
       break;
     case CommandPreview:
       status = RenderPreview(line, &error) ? 0 : Fail(error);
+      break;
+    case CommandHelp:
+      status = PrintHelp(line);
       break;
   }
   if (fflush(stdout) != 0) return Fail("cannot write the standard output");

@@ -8,6 +8,9 @@
 const char kPluginName[] = "Glyph Motion #5";
 const char kPluginCredit[] = "Glyph Motion #5 Plugin (c) Cobalt Lanternary";
 const char kHelpDocument[] = "RFDPLGM5.HTML";
+const char kHelpTopicPreface[] = "PREFACE";
+const char* const kHelpTopics[] = {kHelpTopicPreface};
+const int32_t kHelpTopicCount = sizeof kHelpTopics / sizeof kHelpTopics[0];
 const char kCommentText[] =
     "CREATED BY...\r\n\r\nThis graphic was created by Cobalt Lanternary' Reel Foundry Professional "
     "or Strip Foundry and the Glyph Motion #5 plugin.\r\n\r\nSee\r\n\r\n"

@@ -225,5 +225,10 @@ int FormatHelpTopic(const char* name, char* topic, size_t capacity);
 extern const char kPluginName[];
 extern const char kPluginCredit[];
 extern const char kHelpDocument[];
+// The topics the plug-in asks the host to show in the help document: anchors the document must
+// have. The Help button of the main dialog opens the preface.
+extern const char kHelpTopicPreface[];
+extern const char* const kHelpTopics[];
+extern const int32_t kHelpTopicCount;
 // The comment block that HostOpAddComment receives when Add comment is on.
 extern const char kCommentText[];

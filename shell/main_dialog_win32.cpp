@@ -273,7 +273,7 @@ void OnEnd(HWND dialog) {
 // stays.
 void OnHelp(HWND dialog) {
   char topic[64];
-  if (FormatHelpTopic("PREFACE", topic, sizeof topic) &&
+  if (FormatHelpTopic(kHelpTopicPreface, topic, sizeof topic) &&
       CallHost(nullptr, HostOpShowHelp, 0, reinterpret_cast<uint64_t>(topic)))
     return;
   ShowMessage(Handle(dialog), "There has been an error displaying the Help document.");
