@@ -109,10 +109,17 @@ void CurveKnots(const float k[4], float out[6]) {
 
 // 256 colours 0x00BBGGRR from the three curves.
 void CurvePalette(const TextureItem* item, uint32_t palette[256]) {
+  // The knots are copied out one by one: the record may sit unaligned inside a packed Material.
+  float knots[3][4];
+  for (int32_t i = 0; i < 4; ++i) {
+    knots[0][i] = item->ColorRed[i];
+    knots[1][i] = item->ColorGreen[i];
+    knots[2][i] = item->ColorBlue[i];
+  }
   float red[6], green[6], blue[6];
-  CurveKnots(item->ColorRed, red);
-  CurveKnots(item->ColorGreen, green);
-  CurveKnots(item->ColorBlue, blue);
+  CurveKnots(knots[0], red);
+  CurveKnots(knots[1], green);
+  CurveKnots(knots[2], blue);
   auto level = [](const float knots[6], float x) {
     return static_cast<uint32_t>(std::clamp(CurveAt(knots, x) * 255, 0.0f, 255.0f));
   };
@@ -215,8 +222,10 @@ MovableHandle GeneratePerturbation(const TextureItem* item) {
 
   uint32_t palette[256];
   CurvePalette(item, palette);
-  const int32_t count = std::clamp(item->BubbleCount, 0, kMaxBubbles);
-  const int32_t R = std::min({std::max(item->BubbleSize, 1), w / 2, h / 2});
+  // Copies, not references: the record may sit unaligned inside a packed Material.
+  const int32_t bubbleCount = item->BubbleCount, bubbleSize = item->BubbleSize;
+  const int32_t count = std::clamp(bubbleCount, 0, kMaxBubbles);
+  const int32_t R = std::min({std::max(bubbleSize, 1), w / 2, h / 2});
 
   TextureScratch bubbles(count > 0 ? static_cast<size_t>(w) * h * sizeof(float) : 1);
   if (!bubbles.data) return nullptr;
