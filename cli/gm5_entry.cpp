@@ -85,13 +85,16 @@ int ListControls(const CommandLine& line) {
 
 int WriteDocument(const CommandLine& line) {
   std::string error;
-  if (line.arguments.size() != 1) return Fail("save-document takes one file name: OUT.gm5");
+  if (line.arguments.empty() || line.arguments.size() > 2)
+    return Fail("save-document takes the file to write and the document to start from, if any: "
+                "OUT.gm5 [DOC.gm5]");
   if (!line.output.empty()) return Fail("save-document writes the file it is given, not -o");
   const std::string& path = line.arguments[0];
   if (path.size() < 4 || strcasecmp(path.c_str() + path.size() - 4, ".gm5") != 0)
     return Fail("unknown output type: " + path + " (a document is written as .gm5)");
   if (!PrepareSettings(line, &error)) return Fail(error);
-  WindowHandle dialog = CreateRunDialog(line, std::string(), &error);
+  const std::string from = line.arguments.size() == 2 ? line.arguments[1] : std::string();
+  WindowHandle dialog = CreateRunDialog(line, from, &error);
   if (!dialog) return Fail(error);
   int ok = SaveRunDocument(dialog, path, &error);
   DestroyRunDialog(dialog);

@@ -41,9 +41,10 @@ const ControlKindProcs kRows[] = {
     Picker(kControlScroll4Picker, "SCRL4D"),
     Picker(kControlScroll2Picker, "SCRL2D"),
     Picker(kControlScrollHVPicker, "SCRLHV"),
-    // The button's lines are its window's on Windows; the headless model writes none.
+    // The button's lines are its window's on Windows, which sets these aside.
     {kControlMaterialButton, "MATLBT", CreateMaterialForButton, nullptr, nullptr, nullptr,
-     nullptr, nullptr, nullptr, FreeMaterialOfButton, nullptr, nullptr, nullptr},
+     nullptr, MaterialButtonTakeLine, MaterialButtonFormatLine, FreeMaterialOfButton, nullptr,
+     nullptr, nullptr},
     {kControlFountainButton, "FOUNTB", CreateFountainForButton, nullptr, nullptr, nullptr,
      nullptr, FountainButtonTakeLine, FountainButtonFormatLine, FreeFountainOfButton, nullptr,
      nullptr, nullptr},

@@ -17,6 +17,8 @@ void AddKindWindowParts(ControlKindProcs* row) {
   if (row->kind == kControlMaterialButton) {
     row->windowClass = kMaterialButtonClass;
     row->create = CreateMaterialForWindow;
+    row->takeLine = nullptr;  // the window takes and writes its document line itself
+    row->formatLine = nullptr;
     row->destroy = nullptr;  // the window frees its record when it is destroyed
   }
   if (row->kind == kControlAnimationPicker) {

@@ -46,6 +46,24 @@ void FreeMaterialOfButton(WindowHandle button) {
   DialogSetUserData(button, nullptr);
 }
 
+int MaterialButtonTakeLine(WindowHandle button, const char* line) {
+  MovableHandle handle = ButtonMaterialHandle(button);
+  if (!handle || !ReadMaterialDocumentLine(line, &handle)) return 0;
+  DialogSetUserData(button, handle);
+  return 1;
+}
+
+size_t MaterialButtonFormatLine(WindowHandle button, char* line, size_t size) {
+  MovableHandle handle = ButtonMaterialHandle(button);
+  if (!handle || !line) return 0;
+  std::string text = MaterialDocumentLine(DialogItemId(button), handle);
+  if (text.empty()) return 0;
+  text.pop_back();  // the caller ends the line
+  if (text.size() + 1 > size) return 0;
+  std::memcpy(line, text.c_str(), text.size() + 1);
+  return text.size();
+}
+
 Material* MaterialForButton(WindowHandle button) {
   MovableHandle handle = ButtonMaterialHandle(button);
   if (!handle) return nullptr;

@@ -36,6 +36,12 @@ MovableHandle ButtonMaterialHandle(WindowHandle button);
 // afterwards. The freeing of the record the button holds, when the button goes.
 int CreateMaterialForButton(WindowHandle button, uint32_t creationColour);
 void FreeMaterialOfButton(WindowHandle button);
+// A button's "MATLBT" document line, where no window handles it (the headless dialog): the line
+// read into a new record that replaces the button's, its tile loaded again (1, or 0 with the
+// record kept), and the record's line written into `line` without its line end (its length, or
+// 0 when it doesn't fit).
+int MaterialButtonTakeLine(WindowHandle button, const char* line);
+size_t MaterialButtonFormatLine(WindowHandle button, char* line, size_t size);
 // The button's Material, locked, or null when it has none. The caller unlocks
 // ButtonMaterialHandle(button) when finished.
 Material* MaterialForButton(WindowHandle button);

@@ -55,9 +55,9 @@ constexpr uint32_t kMessagePickerReadBack = 1326;
 constexpr uint32_t kMessageRepaintSample = 1327;
 constexpr uint32_t kMessageWriteLine = 1334;
 constexpr uint32_t kMessageReadLine = 1335;
-// Room for the longest document line a control writes (a fountain button's 585-byte record in
-// hex, its word, id and "="; a text is cut to 1024 characters).
-constexpr size_t kControlLineSize = 1170 + 64;
+// Room for the longest document line a control writes (a 1282-byte record in hex, its word, id
+// and "="; a text is cut to 1024 characters).
+constexpr size_t kControlLineSize = 2564 + 64;
 
 // What each kind does is described above the port, once, as a row of procedures; the port
 // consults the rows and knows no kind's behaviour itself. A null entry means the kind has no such

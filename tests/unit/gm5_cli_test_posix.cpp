@@ -552,6 +552,39 @@ TEST(Gm5Program, QuarkTakesItsGradientFromTheDocument) {
   EXPECT_NE(preview(text.substr(0, line + 1) + edited + text.substr(end), "grey"), saved);
 }
 
+// Material buttons carry their records through documents: a saved document holds each button's
+// record, and a record made a texture there renders as a texture, the same through a second save.
+TEST(Gm5Program, MaterialRecordsTravelThroughDocuments) {
+  ScratchFolder scratch;
+  const std::string base = " --defaults -q --text Hi --size 40 --effect simple --control 22=0";
+  const std::string saved = scratch.Path("a.gm5"), textured = scratch.Path("b.gm5"),
+                    again = scratch.Path("c.gm5");
+  ASSERT_EQ(RunGm5("save-document " + saved + base).status, 0);
+  std::string lines = Text(saved);
+  const size_t fill = lines.find("\nMATLBT100=434F424C434D4154");  // "COBLCMAT"
+  ASSERT_NE(fill, std::string::npos);
+  const size_t kind = fill + std::string("\nMATLBT100=").size() + 2 * 16;  // the kind's 4 bytes
+  ASSERT_EQ(lines.substr(kind, 8), "00000000");                             // Simple
+  lines.replace(kind, 8, "02000000");                                        // Texture
+  FILE* file = fopen(textured.c_str(), "wb");
+  ASSERT_TRUE(file);
+  fwrite(lines.data(), 1, lines.size(), file);
+  fclose(file);
+  ASSERT_EQ(RunGm5("save-document " + again + " " + textured + " --defaults").status, 0);
+  // The record comes back a texture (its tile path is the current matrix group's, as any read).
+  const std::string resaved = Text(again);
+  const size_t refill = resaved.find("\nMATLBT100=");
+  ASSERT_NE(refill, std::string::npos);
+  EXPECT_EQ(resaved.substr(refill + kind - fill, 8), "02000000");
+  const std::string plain = scratch.Path("p.png"), texture = scratch.Path("t.png"),
+                    twice = scratch.Path("u.png");
+  ASSERT_EQ(RunGm5("render" + base + " -o " + plain).status, 0);
+  ASSERT_EQ(RunGm5("render " + textured + " --defaults -q -o " + texture).status, 0);
+  ASSERT_EQ(RunGm5("render " + again + " --defaults -q -o " + twice).status, 0);
+  EXPECT_NE(FileBytes(texture), FileBytes(plain));
+  EXPECT_EQ(FileBytes(texture), FileBytes(twice));
+}
+
 // Colour texts against hand-worked 0x00BBGGRR values; the short and long hexadecimal forms and
 // the names agree with each other.
 TEST(ColourText, TakesEveryFormAndOnlyThose) {
