@@ -23,10 +23,10 @@
 
 namespace {
 
-// Stand-ins for the window classes of the fountain and animation controls, which the program
-// does not have yet: plain windows that hold no value.
+// A stand-in for the window class of the fountain control, which the program does not have yet:
+// a plain window that holds no value.
 void RegisterStandIns() {
-  for (const char* name : {"FOUNTB", "ANMCTL"}) {
+  for (const char* name : {"FOUNTB"}) {
     WNDCLASSA c = {};
     if (GetClassInfoA(GetModuleHandleA(nullptr), name, &c)) continue;
     c.lpfnWndProc = DefWindowProcA;
@@ -58,7 +58,7 @@ RECT ClientRect(HWND child) {
   return r;
 }
 
-// The page's child windows in creation order.
+// The page's own child windows in creation order.
 std::vector<HWND> Children(HWND page) {
   std::vector<HWND> windows;
   EnumChildWindows(
@@ -68,6 +68,8 @@ std::vector<HWND> Children(HWND page) {
         return TRUE;
       },
       reinterpret_cast<LPARAM>(&windows));
+  // A control's own child windows (the animation picker's button) are part of the control.
+  std::erase_if(windows, [page](HWND w) { return GetParent(w) != page; });
   return windows;
 }
 
