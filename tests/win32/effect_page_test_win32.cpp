@@ -23,19 +23,6 @@
 
 namespace {
 
-// A stand-in for the window class of the animation control, which the program does not have yet:
-// a plain window that holds no value.
-void RegisterStandIns() {
-  for (const char* name : {"ANMCTL"}) {
-    WNDCLASSA c = {};
-    if (GetClassInfoA(GetModuleHandleA(nullptr), name, &c)) continue;
-    c.lpfnWndProc = DefWindowProcA;
-    c.hInstance = GetModuleHandleA(nullptr);
-    c.lpszClassName = name;
-    RegisterClassA(&c);
-  }
-}
-
 INT_PTR CALLBACK QuietPageProc(HWND, UINT, WPARAM, LPARAM) {
   return FALSE;
 }
@@ -58,7 +45,7 @@ RECT ClientRect(HWND child) {
   return r;
 }
 
-// The page's child windows in creation order.
+// The page's own child windows in creation order.
 std::vector<HWND> Children(HWND page) {
   std::vector<HWND> windows;
   EnumChildWindows(
@@ -68,6 +55,8 @@ std::vector<HWND> Children(HWND page) {
         return TRUE;
       },
       reinterpret_cast<LPARAM>(&windows));
+  // A control's own child windows (the animation picker's button) are part of the control.
+  std::erase_if(windows, [page](HWND w) { return GetParent(w) != page; });
   return windows;
 }
 
@@ -77,7 +66,6 @@ std::vector<HWND> Children(HWND page) {
 // inside the page area and none overlapping another. The plug-in carries the same dialogs.
 TEST(EffectPage, ResourcesMatchTheirTables) {
   ASSERT_TRUE(DisplayAvailable()) << "run under xvfb-run";
-  RegisterStandIns();
   HMODULE plugin = LoadLibraryExA(GM5_PLUGIN_PATH, nullptr, LOAD_LIBRARY_AS_DATAFILE);
   ASSERT_NE(plugin, nullptr);
   InstallControlKinds();
@@ -133,7 +121,6 @@ TEST(EffectPage, ResourcesMatchTheirTables) {
 // from the tables and settings; ShowEffectPage then shows one page at a time.
 TEST(EffectPage, InitClonesEveryPageIntoTheDialog) {
   ASSERT_TRUE(DisplayAvailable()) << "run under xvfb-run";
-  RegisterStandIns();
   MovePageSettingsFromDefaults();
   // Material buttons read and write their files in the settings folder: start from none.
   SetSettingsFolder(MakeTempFolder("gm5-effect-pages").c_str());
