@@ -7,7 +7,6 @@
 #include <array>
 #include <cstdio>
 #include <fstream>
-#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
@@ -41,6 +40,16 @@ std::vector<ManualSection> Sections() {
   return sections;
 }
 
+// The values of every `prefix"VALUE"` in `html`, in order: prefix `id="` gives the anchors.
+std::vector<std::string> Values(const std::string& html, const std::string& prefix) {
+  std::vector<std::string> values;
+  for (size_t at = html.find(prefix); at != std::string::npos; at = html.find(prefix, at + 1)) {
+    const size_t begin = at + prefix.size();
+    values.push_back(html.substr(begin, html.find('"', begin) - begin));
+  }
+  return values;
+}
+
 int NoPictures(const std::string&, void*, int32_t*, int32_t*) {
   return 0;
 }
@@ -49,31 +58,27 @@ TEST(Manual, BuiltDocumentHasEveryHelpTopicEffectAndResolvesItsPicturesAndLinks)
   const std::string html = ReadWhole(GM5_MANUAL_HTML);
   ASSERT_FALSE(html.empty()) << GM5_MANUAL_HTML;
   std::set<std::string> ids;
-  const std::regex id("id=\"([^\"]+)\"");
-  for (auto it = std::sregex_iterator(html.begin(), html.end(), id); it != std::sregex_iterator();
-       ++it)
-    EXPECT_TRUE(ids.insert((*it)[1]).second) << "anchor twice: " << (*it)[1];
+  const std::vector<std::string> anchors = Values(html, " id=\"");
+  for (const std::string& anchor : anchors)
+    EXPECT_TRUE(ids.insert(anchor).second) << "anchor twice: " << anchor;
   ASSERT_GT(kHelpTopicCount, 0);
   for (int32_t i = 0; i < kHelpTopicCount; ++i)
     EXPECT_TRUE(ids.count(kHelpTopics[i])) << kHelpTopics[i];
   for (int32_t row = 0; row < kEffectCount; ++row)
     EXPECT_TRUE(ids.count(EffectAnchor(EffectTable[row].name))) << EffectTable[row].name;
-  // The document opens on the preface: nothing with an anchor stands before it.
-  EXPECT_LT(html.find("id=\"PREFACE\""), html.find("id=\"", html.find("id=\"PREFACE\"") + 1));
+  // The document opens on the preface: no anchor stands before it.
+  ASSERT_FALSE(anchors.empty());
+  EXPECT_EQ(anchors[0], "PREFACE");
 
-  const std::regex link("href=\"#([^\"]+)\"");
-  int links = 0;
-  for (auto it = std::sregex_iterator(html.begin(), html.end(), link); it != std::sregex_iterator();
-       ++it, ++links)
-    EXPECT_TRUE(ids.count((*it)[1])) << "link to a missing anchor: " << (*it)[1];
-  EXPECT_GT(links, kEffectCount);
+  const std::vector<std::string> links = Values(html, "href=\"#");
+  for (const std::string& link : links)
+    EXPECT_TRUE(ids.count(link)) << "link to a missing anchor: " << link;
+  EXPECT_GT(links.size(), static_cast<size_t>(kEffectCount));
 
   // Every picture the document shows is a file beside it; a missing one is only a caption.
-  const std::regex image("<img src=\"([^\"]+)\"");
-  for (auto it = std::sregex_iterator(html.begin(), html.end(), image);
-       it != std::sregex_iterator(); ++it) {
+  for (const std::string& source : Values(html, "<img src=\"")) {
     struct stat info;
-    const std::string path = Folder(GM5_MANUAL_HTML) + "/" + std::string((*it)[1]);
+    const std::string path = Folder(GM5_MANUAL_HTML) + "/" + source;
     EXPECT_TRUE(stat(path.c_str(), &info) == 0 && info.st_size > 0) << path;
   }
   EXPECT_EQ(html.find("<img src=\"http"), std::string::npos);
