@@ -50,8 +50,10 @@ TextureItem ItemAt(const TextureList& list, size_t i) {
 }
 
 int ReadString(const std::string& text, TextureList* list) {
-  std::FILE* f = fmemopen(const_cast<char*>(text.data()), text.size(), "r");
+  std::FILE* f = std::tmpfile();  // a real file on both platforms (no fmemopen on Windows)
   if (!f) return 0;
+  std::fwrite(text.data(), 1, text.size(), f);
+  std::rewind(f);
   const int result = ReadTextureFrom(f, list);
   std::fclose(f);
   return result;
