@@ -13,9 +13,10 @@ namespace {
 
 std::string TempPath(const char* name) { return testing::TempDir() + name; }
 
+// The file as the reader takes it: text mode, so the line ends written on Windows read as "\n".
 std::string ReadText(const std::string& path) {
   std::string text;
-  if (std::FILE* f = std::fopen(path.c_str(), "rb")) {
+  if (std::FILE* f = std::fopen(path.c_str(), "r")) {
     int c;
     while ((c = std::fgetc(f)) != EOF) text.push_back(static_cast<char>(c));
     std::fclose(f);
