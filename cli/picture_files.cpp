@@ -7,28 +7,9 @@
 
 #include "cli/animation_files.h"
 #include "cli/jpeg_file.h"
+#include "host/animation_block.h"
 #include "host/bmp_file.h"
 #include "shell/packed_dib.h"
-
-void PutRgbAsDib24(uint8_t* dib, const uint8_t* rgb, int32_t width, int32_t height) {
-  const size_t stride = DibStride(width, 24);
-  BitmapInfoHeader info{};
-  info.biSize = kDibHeaderBytes;
-  info.biWidth = width;
-  info.biHeight = height;
-  info.biPlanes = 1;
-  info.biBitCount = 24;
-  info.biSizeImage = static_cast<uint32_t>(stride * height);
-  std::memcpy(dib, &info, sizeof info);
-  for (int32_t y = 0; y < height; ++y) {
-    uint8_t* row = dib + kDibHeaderBytes + static_cast<size_t>(height - 1 - y) * stride;
-    for (int32_t x = 0; x < width; ++x, rgb += 3) {
-      row[3 * x] = rgb[2];
-      row[3 * x + 1] = rgb[1];
-      row[3 * x + 2] = rgb[0];
-    }
-  }
-}
 
 MovableHandle RgbToPackedDib(const uint8_t* rgb, int32_t width, int32_t height) {
   if (!rgb || width <= 0 || height <= 0) return nullptr;

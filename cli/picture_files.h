@@ -17,8 +17,5 @@ constexpr uint64_t kPictureLargestPixels = uint64_t{1} << 26;
 MovableHandle ReadPictureBytes(const uint8_t* bytes, size_t size);
 MovableHandle ReadPictureFile(const char* path);
 
-// Writes width * height red, green, blue triples (top row first) as the bottom-up rows of the
-// 24-bit Packed DIB whose header starts at `dib`, header included.
-void PutRgbAsDib24(uint8_t* dib, const uint8_t* rgb, int32_t width, int32_t height);
 // A new 24-bit Packed DIB of the triples, or null.
 MovableHandle RgbToPackedDib(const uint8_t* rgb, int32_t width, int32_t height);

@@ -5,6 +5,26 @@
 #include "shell/host_interface.h"
 #include "shell/packed_dib.h"
 
+void PutRgbAsDib24(uint8_t* dib, const uint8_t* rgb, int32_t width, int32_t height) {
+  const size_t stride = DibStride(width, 24);
+  BitmapInfoHeader info{};
+  info.biSize = kDibHeaderBytes;
+  info.biWidth = width;
+  info.biHeight = height;
+  info.biPlanes = 1;
+  info.biBitCount = 24;
+  info.biSizeImage = static_cast<uint32_t>(stride * height);
+  std::memcpy(dib, &info, sizeof info);
+  for (int32_t y = 0; y < height; ++y) {
+    uint8_t* row = dib + kDibHeaderBytes + static_cast<size_t>(height - 1 - y) * stride;
+    for (int32_t x = 0; x < width; ++x, rgb += 3) {
+      row[3 * x] = rgb[2];
+      row[3 * x + 1] = rgb[1];
+      row[3 * x + 2] = rgb[0];
+    }
+  }
+}
+
 MovableHandle MakeAnimationBlockOf(const ComposedAnimation& animation) {
   constexpr size_t kHead = 20, kEntry = 24;
   const int32_t w = animation.width, h = animation.height;
@@ -34,24 +54,7 @@ MovableHandle MakeAnimationBlockOf(const ComposedAnimation& animation) {
     std::memcpy(b + at + 8, &version, 4);
     std::memcpy(b + at + 16, &dataSize, 4);
     std::memcpy(b + at + 20, &delay, 4);
-    uint8_t* d = b + at + kEntry;
-    BitmapInfoHeader info{};
-    info.biSize = kDibHeaderBytes;
-    info.biWidth = w;
-    info.biHeight = h;
-    info.biPlanes = 1;
-    info.biBitCount = 24;
-    info.biSizeImage = static_cast<uint32_t>(stride * h);
-    std::memcpy(d, &info, sizeof info);
-    const uint8_t* rgb = animation.frames[f].data();
-    for (int32_t y = 0; y < h; ++y) {
-      uint8_t* row = d + kDibHeaderBytes + static_cast<size_t>(h - 1 - y) * stride;
-      for (int32_t x = 0; x < w; ++x, rgb += 3) {
-        row[3 * x] = rgb[2];
-        row[3 * x + 1] = rgb[1];
-        row[3 * x + 2] = rgb[0];
-      }
-    }
+    PutRgbAsDib24(b + at + kEntry, animation.frames[f].data(), w, h);
     at += kEntry + dib;
   }
   std::memcpy(b + at, &kAnimationEndMagic, 4);

@@ -22,5 +22,9 @@ constexpr uint64_t kAnimationLargestBytes = uint64_t{1} << 30;
 // A still picture's one frame lasts this long, in hundredths of a second.
 constexpr int32_t kStillPictureDelay = 10;
 
+// Writes width * height red, green, blue triples (top row first) as the bottom-up rows of the
+// 24-bit Packed DIB whose header starts at `dib`, header included.
+void PutRgbAsDib24(uint8_t* dib, const uint8_t* rgb, int32_t width, int32_t height);
+
 // The block of the frames. Null on failure or when sizes and counts disagree.
 MovableHandle MakeAnimationBlockOf(const ComposedAnimation& animation);
