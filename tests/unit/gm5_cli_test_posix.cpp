@@ -15,6 +15,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/run_gm5.h"
+
 #include "cli/colour_text.h"
 #include "cli/command_line.h"
 #include "cli/inprocess_host.h"
@@ -32,23 +34,6 @@ namespace {
 int Parse(std::vector<const char*> args, CommandLine* line, std::string* error) {
   args.insert(args.begin(), "gm5");
   return ParseCommandLine(static_cast<int>(args.size()), args.data(), line, error);
-}
-
-struct ProgramRun {
-  int status = -1;
-  std::string out;
-};
-
-// Runs gm5 with `arguments` (shell words), stderr joined to stdout.
-ProgramRun RunGm5(const std::string& arguments) {
-  ProgramRun run;
-  FILE* pipe = popen((std::string(GM5_PROGRAM_PATH) + " " + arguments + " 2>&1").c_str(), "r");
-  if (!pipe) return run;
-  char buffer[4096];
-  for (size_t n; (n = fread(buffer, 1, sizeof buffer, pipe)) > 0;) run.out.append(buffer, n);
-  const int status = pclose(pipe);
-  run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  return run;
 }
 
 struct Failure {

@@ -14,6 +14,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/run_gm5.h"
+
 #include "cli/manual.h"
 #include "documents/settings.h"
 #include "shell/effect_table.h"
@@ -200,22 +202,6 @@ TEST(Manual, ManPageRendersWithoutWarningsAndHoldsEveryEffect) {
   for (size_t n; (n = fread(buffer, 1, sizeof buffer, pipe)) > 0;) warnings.append(buffer, n);
   EXPECT_EQ(pclose(pipe), 0);
   EXPECT_EQ(warnings, "");
-}
-
-struct ProgramRun {
-  int status = -1;
-  std::string out;
-};
-
-ProgramRun RunGm5(const std::string& arguments) {
-  ProgramRun run;
-  FILE* pipe = popen((std::string(GM5_PROGRAM_PATH) + " " + arguments + " 2>&1").c_str(), "r");
-  if (!pipe) return run;
-  char buffer[4096];
-  for (size_t n; (n = fread(buffer, 1, sizeof buffer, pipe)) > 0;) run.out.append(buffer, n);
-  const int status = pclose(pipe);
-  run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  return run;
 }
 
 TEST(Manual, Gm5HelpPrintsAnEffectsSectionAsText) {
